@@ -1,0 +1,49 @@
+#!/bin/bash
+# Installs the Debian 12 packages that building and testing need and that are missing.
+# --dev adds the tools of `make check`, `make format` and the tidy preset. Asks for no input and
+# calls apt only when something is missing.
+set -euo pipefail
+
+packages=(
+  make g++ cmake ninja-build ccache pkg-config python3
+  libexpat1-dev zlib1g-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
+  # Debian's CMake package of libzip refuses to load unless its three command line tools are there.
+  libzip-dev zipcmp zipmerge ziptool
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+
+for argument in "$@"; do
+  case "$argument" in
+    --dev) packages+=(clang-format clang-tidy) ;;
+    *) echo "usage: $0 [--dev]" >&2; exit 1 ;;
+  esac
+done
+
+if ! command -v dpkg-query > /dev/null || ! command -v apt-get > /dev/null; then
+  echo "install_packages: this is not a Debian system (no apt-get). Install by other means what" >&2
+  echo "corresponds to: ${packages[*]}" >&2
+  exit 1
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2> /dev/null || true)
+  [[ "$status" == installed ]] || missing+=("$package")
+done
+if [[ ${#missing[@]} -eq 0 ]]; then
+  exit 0
+fi
+
+as_root=()
+if [[ $(id -u) -ne 0 ]]; then
+  if ! command -v sudo > /dev/null; then
+    echo "install_packages: run as root, or install sudo. Missing: ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+
+echo "Installing missing packages: ${missing[*]}"
+apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0)
+"${apt[@]}" update
+"${apt[@]}" install -y --no-install-recommends "${missing[@]}" < /dev/null > /dev/null
