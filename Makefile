@@ -1,0 +1,63 @@
+# Wraps the CMake presets, so that nobody has to know them. `make help` lists what there is.
+
+BOOK := examples/workbooks/plan.xlsx
+QTO := build/release/bin/qto
+SOURCE_DIRS := $(wildcard qto cli examples tests benchmarks)
+SOURCES = $(shell find $(SOURCE_DIRS) -name '*.hpp' -o -name '*.cpp')
+
+.PHONY: help demo build test headers sanitize tidy bench format check packages dev-packages clean
+.DEFAULT_GOAL := help
+
+help: ## list the targets
+	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | expand -t 14
+
+demo: build ## build the command and ask its three questions of the shipped example
+	@printf '\n== What feeds the net debt of 2026? (tree, three levels) ==\n\n'
+	$(QTO) tree $(BOOK) 'Summary!C7' --depth 3
+	@printf '\n== Which input cells does it rest on? (inputs) ==\n\n'
+	$(QTO) inputs $(BOOK) 'Summary!C7'
+	@printf '\n== Where does the #DIV/0! of the covenant come from? (errors) ==\n\n'
+	$(QTO) errors $(BOOK) 'Summary!B13'
+
+build: packages ## build the command: build/release/bin/qto
+	cmake --preset release
+	cmake --build --preset release --target qto
+
+test: packages ## build everything and run every test
+	cmake --preset release
+	cmake --build --preset release
+	ctest --preset release
+
+headers: packages ## every installed header compiles on its own
+	cmake --preset release
+	cmake --build --preset headers
+
+sanitize: packages ## the tests under AddressSanitizer and UndefinedBehaviorSanitizer
+	cmake --preset sanitize
+	cmake --build --preset sanitize
+	ctest --preset sanitize
+
+tidy: dev-packages ## clang-tidy over every file
+	cmake --preset tidy
+	cmake --build --preset tidy
+
+bench: packages ## generate the benchmark books and measure
+	cmake --preset bench
+	cmake --build --preset bench
+	python3 tools/bench.py
+
+format: dev-packages ## format the sources in place
+	clang-format -i $(SOURCES)
+
+check: dev-packages ## formatting and the direction of includes
+	clang-format --dry-run --Werror $(SOURCES)
+	python3 tools/check_includes.py
+
+packages:
+	@tools/install_packages.sh
+
+dev-packages:
+	@tools/install_packages.sh --dev
+
+clean: ## remove everything that was built
+	rm -rf build
