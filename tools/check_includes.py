@@ -1,0 +1,170 @@
+#!/usr/bin/env python3
+"""Holds the direction of includes: every layer sees only the layers below it.
+
+    tools/check_includes.py [ROOT]
+
+Prints one line per finding, file:line: message, and exits 1 when there is any.
+"""
+
+import pathlib
+import re
+import sys
+
+# Folders of one level do not see each other. Of nested folders the longest name counts.
+ENGINE_LEVELS = {
+    "qto/automation": 0,
+    "qto/diagnostics": 1,
+    "qto/host": 1,
+    "qto/links": 2,
+    "qto/model": 3,
+    "qto/engine/options": 3,
+    "qto/parser": 4,
+    "qto/engine": 5,
+    "qto/automation/server": 6,
+}
+
+# The embedded host stands beside the engine, not below or above it.
+EMBEDDED = "qto/hosts/embedded"
+EMBEDDED_LEVELS = {
+    EMBEDDED + "/book": 0,
+    EMBEDDED + "/formats": 1,
+    EMBEDDED + "/formula": 1,
+    EMBEDDED + "/functions": 2,
+    EMBEDDED + "/xlsx": 2,
+    EMBEDDED + "/recalc": 3,
+    EMBEDDED + "/objects": 4,
+}
+EMBEDDED_ALSO_SEES = ("qto/automation", "qto/host")
+
+# Clients of the library: what each sees besides the public headers under qto/.
+CLIENTS = {
+    "cli": ("cli",),
+    "examples": ("examples",),
+    "benchmarks": ("benchmarks",),
+    "tests": ("tests", "cli", "examples", "benchmarks"),
+}
+ROOTS = ("qto",) + tuple(CLIENTS)
+
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^">]+)[">]')
+PRAGMA_ONCE = re.compile(r"^\s*#\s*pragma\s+once\b")
+
+
+def layer_of(path):
+    """The folder of the layer tables that holds path, or None."""
+    parts = path.split("/")[:-1]
+    for length in range(len(parts), 0, -1):
+        folder = "/".join(parts[:length])
+        if folder in ENGINE_LEVELS or folder in EMBEDDED_LEVELS:
+            return folder
+    return None
+
+
+def refusal(source, target):
+    """Why the file source must not include the file target, or None when it may."""
+    client, root = source.split("/")[0], target.split("/")[0]
+    if client in CLIENTS:
+        seen = root == "qto" or root in CLIENTS[client]
+        return None if seen else f"{client} does not see {root}"
+    above, below = layer_of(source), layer_of(target)
+    if above is None:
+        return f"{source} belongs to no layer"
+    if below is None:
+        return f"{target} belongs to no layer"
+    if above == below:
+        return None
+    levels = EMBEDDED_LEVELS if above in EMBEDDED_LEVELS else ENGINE_LEVELS
+    if below in levels:
+        return None if levels[below] < levels[above] else f"{above} does not see {below}"
+    if above in EMBEDDED_LEVELS and below in EMBEDDED_ALSO_SEES:
+        return None
+    return f"{above} does not see {below}"
+
+
+def includes_of(text):
+    """(line number, bracket, path) of every include."""
+    for number, line in enumerate(text.splitlines(), 1):
+        found = INCLUDE.match(line)
+        if found:
+            yield number, found.group(1), found.group(2)
+
+
+def check_file(path, text, exists):
+    """The findings of one file as (line, message)."""
+    if path.endswith(".hpp") and not any(map(PRAGMA_ONCE.match, text.splitlines())):
+        yield 1, "no #pragma once"
+    for line, bracket, target in includes_of(text):
+        if bracket == "<":
+            if target.split("/")[0] in ROOTS and exists(target):
+                yield line, f'<{target}> is ours: write "{target}"'
+        elif target.split("/")[0] not in ROOTS or ".." in target.split("/"):
+            yield line, f'"{target}" is not written from the root'
+        elif not exists(target):
+            yield line, f'"{target}" does not exist'
+        else:
+            why = refusal(path, target)
+            if why:
+                yield line, f'"{target}": {why}'
+
+
+def find_cycles(edges):
+    """Include circles among headers, as (file, line, message), one per closing include.
+
+    edges: {file: [(line, included file), ...]}.
+    """
+    done, on_path = set(), []
+    for start in sorted(edges):
+        stack = [(start, iter(edges[start]))] if start not in done else []
+        on_path = [start]
+        while stack:
+            file, rest = stack[-1]
+            for line, target in rest:
+                if target in on_path:
+                    circle = on_path[on_path.index(target):] + [target]
+                    yield file, line, "include circle: " + " -> ".join(circle)
+                elif target not in done and target in edges:
+                    stack.append((target, iter(edges[target])))
+                    on_path.append(target)
+                    break
+            else:
+                done.add(file)
+                stack.pop()
+                on_path.pop()
+
+
+def check_tree(root):
+    """All findings below root, sorted: (file, line, message)."""
+    root = pathlib.Path(root)
+    texts = {}
+    for folder in ROOTS:
+        for file in root.glob(folder + "/**/*.[ch]pp"):
+            texts[file.relative_to(root).as_posix()] = file.read_text(encoding="utf-8")
+
+    def exists(path):
+        return path in texts or (root / path).is_file()
+
+    findings = []
+    for path, text in texts.items():
+        findings += [(path, line, message) for line, message in check_file(path, text, exists)]
+    edges = {
+        path: [(line, target) for line, _, target in includes_of(text)]
+        for path, text in texts.items()
+        if path.endswith(".hpp")
+    }
+    findings += find_cycles(edges)
+    return sorted(findings), len(texts)
+
+
+def main(arguments):
+    root = arguments[0] if arguments else pathlib.Path(__file__).resolve().parent.parent
+    findings, files = check_tree(root)
+    for path, line, message in findings:
+        print(f"{path}:{line}: {message}")
+    if files == 0:
+        print(f"no sources found below {root}")
+        return 1
+    print(f"includes of {files} files checked, {len(findings)} findings")
+    return 1 if findings else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
