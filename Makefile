@@ -5,7 +5,7 @@ QTO := build/release/bin/qto
 SOURCE_DIRS := $(wildcard qto cli examples tests benchmarks)
 SOURCES = $(shell find $(SOURCE_DIRS) -name '*.hpp' -o -name '*.cpp')
 
-.PHONY: help demo build test headers sanitize tidy bench format check packages dev-packages clean
+.PHONY: help demo build test benchmarks headers sanitize tidy bench format check packages dev-packages clean
 .DEFAULT_GOAL := help
 
 help: ## list the targets
@@ -41,9 +41,11 @@ tidy: dev-packages ## clang-tidy over every file
 	cmake --preset tidy
 	cmake --build --preset tidy
 
-bench: packages ## generate the benchmark books and measure
+benchmarks: packages ## build the programs that measure
 	cmake --preset bench
 	cmake --build --preset bench
+
+bench: benchmarks ## generate the benchmark books and measure
 	python3 tools/bench.py
 
 format: dev-packages ## format the sources in place
