@@ -1,0 +1,48 @@
+# How every target of the project is made: one folder, one static library, one set of warnings.
+
+add_library(qto_flags INTERFACE)
+add_library(qto::flags ALIAS qto_flags)
+target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Wall;-Wextra;-Wpedantic>)
+if(QTO_WERROR)
+  target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Werror>)
+endif()
+if(QTO_SANITIZE)
+  target_compile_options(qto_flags INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=address,undefined;-fno-sanitize-recover=all;-fno-omit-frame-pointer>)
+  target_link_options(qto_flags INTERFACE $<BUILD_INTERFACE:-fsanitize=address,undefined>)
+endif()
+install(TARGETS qto_flags EXPORT qto-targets)
+
+# qto_layer(<target> <folder> [<library>...]): the static library of one folder. The libraries it
+# looks down on are part of its interface, so a client links one name.
+function(qto_layer target folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.hpp)
+  if(sources)
+    add_library(${target} STATIC ${sources})
+    set(scope PUBLIC)
+  else()
+    add_library(${target} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  target_include_directories(${target} ${scope}
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_libraries(${target} ${scope} qto::flags ${ARGN})
+  target_sources(${target} ${scope} FILE_SET HEADERS
+    BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+  install(TARGETS ${target} EXPORT qto-targets FILE_SET HEADERS)
+endfunction()
+
+# qto_test(<area> <library>...): one test program for tests/<area>.
+function(qto_test area)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${area}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(test_${area} ${sources})
+  target_include_directories(test_${area} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(test_${area} PRIVATE ${ARGN} GTest::gtest_main GTest::gmock)
+  target_compile_definitions(test_${area} PRIVATE
+    QTO_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data" QTO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()

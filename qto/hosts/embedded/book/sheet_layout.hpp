@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "qto/automation/address.hpp"
+
+namespace qto::embedded {
+
+struct ColumnLayout {
+  float width = 0;  ///< in characters of the default font; 0 stands for the sheet's default
+  bool hidden = false;
+};
+
+struct RowLayout {
+  std::int32_t row = 0;
+  float height = 0;  ///< in points; 0 stands for the sheet's default
+  bool hidden = false;
+};
+
+/// Widths, heights and hidden state of a sheet's columns and rows. Only what differs from the
+/// default is stored.
+class SheetLayout {
+ public:
+  double default_width = 8.43;
+  double default_height = 15;
+  bool rows_hidden_by_default = false;
+
+  ColumnLayout column(std::int32_t column) const noexcept;
+  double column_width(std::int32_t column) const noexcept;
+  RowLayout row(std::int32_t row) const noexcept;
+  void set_columns(std::int32_t first, std::int32_t last, ColumnLayout layout);
+  void set_row(RowLayout layout);
+  bool column_hidden(std::int32_t column) const noexcept { return this->column(column).hidden; }
+  bool row_hidden(std::int32_t row) const noexcept { return this->row(row).hidden; }
+  void hide_columns(std::int32_t first, std::int32_t last, bool hidden);
+  void hide_rows(std::int32_t first, std::int32_t last, bool hidden);
+
+ private:
+  std::vector<ColumnLayout> columns_;  // by column, as far as any differs
+  std::vector<RowLayout> rows_;        // sorted by row
+};
+
+}  // namespace qto::embedded
