@@ -2,6 +2,7 @@
 
 add_library(qto_flags INTERFACE)
 add_library(qto::flags ALIAS qto_flags)
+target_compile_features(qto_flags INTERFACE cxx_std_20)
 target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Wall;-Wextra;-Wpedantic>)
 if(QTO_WERROR)
   target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Werror>)
