@@ -26,13 +26,14 @@ ENGINE_LEVELS = {
 # The embedded host stands beside the engine, not below or above it.
 EMBEDDED = "qto/hosts/embedded"
 EMBEDDED_LEVELS = {
-    EMBEDDED + "/book": 0,
-    EMBEDDED + "/formats": 1,
-    EMBEDDED + "/formula": 1,
-    EMBEDDED + "/functions": 2,
-    EMBEDDED + "/xlsx": 2,
-    EMBEDDED + "/recalc": 3,
-    EMBEDDED + "/objects": 4,
+    EMBEDDED + "/formats": 0,
+    EMBEDDED + "/book": 1,
+    EMBEDDED + "/formula": 2,
+    EMBEDDED + "/evaluate": 3,
+    EMBEDDED + "/xlsx": 3,
+    EMBEDDED + "/functions": 4,
+    EMBEDDED + "/recalc": 5,
+    EMBEDDED + "/objects": 6,
 }
 EMBEDDED_ALSO_SEES = ("qto/automation", "qto/host")
 

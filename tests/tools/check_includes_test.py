@@ -18,6 +18,7 @@ ALLOWED = [
     ("qto/hosts/embedded/objects/range.hpp", "qto/host/range.hpp"),
     ("qto/hosts/embedded/recalc/recalc.hpp", "qto/hosts/embedded/functions/registry.hpp"),
     ("qto/hosts/embedded/book/cell.hpp", "qto/automation/variant.hpp"),
+    ("qto/hosts/embedded/book/style_table.hpp", "qto/hosts/embedded/formats/number_format.hpp"),
     ("cli/tree.cpp", "qto/engine/drill_down.hpp"),
     ("cli/tree.cpp", "cli/render.hpp"),
     ("tests/cli/render_test.cpp", "cli/render.hpp"),
