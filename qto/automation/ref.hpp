@@ -35,13 +35,11 @@ class Ref {
   Ref(const Ref& other) noexcept : object_(other.object_) { acquire(); }
   Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
   template <class U>
-    requires std::is_convertible_v<U*, T*>
-  Ref(const Ref<U>& other) noexcept : object_(other.get()) {
-    acquire();
-  }
+  requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other)
+  noexcept : object_(other.get()) { acquire(); }
   template <class U>
-    requires std::is_convertible_v<U*, T*>
-  Ref(Ref<U>&& other) noexcept : object_(other.detach()) {}
+  requires std::is_convertible_v<U*, T*> Ref(Ref<U>&& other)
+  noexcept : object_(other.detach()) {}
   ~Ref() {
     if (object_) object_->release();
   }

@@ -44,7 +44,7 @@ Ref<Object> Variant::object() const noexcept {
 }
 
 std::string_view Variant::type_name() const noexcept {
-  static constexpr std::string_view names[] = {"Empty", "Null",   "Boolean", "Long",     "Double",
+  static constexpr std::string_view names[] = {"Empty", "Null",  "Boolean", "Long",      "Double",
                                                "Date",  "Error", "String",  "Variant()", "Nothing"};
   if (const auto* held = get_if<Ref<Object>>(); held && *held) return (*held)->TypeName();
   return names[value_.index()];

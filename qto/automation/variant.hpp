@@ -72,12 +72,12 @@ class Variant {
   Variant(Ref<const VariantArray> v) noexcept;
   Variant(Ref<Object> v) noexcept : value_(std::move(v)) {}
   template <class T>
-    requires std::is_base_of_v<Object, T>
-  Variant(const Ref<T>& v) noexcept : value_(Ref<Object>(v)) {}
+  requires std::is_base_of_v<Object, T> Variant(const Ref<T>& v)
+  noexcept : value_(Ref<Object>(v)) {}
   // A pointer must not slip in as a Boolean.
   template <class T>
-    requires std::is_pointer_v<T>
-  Variant(T) = delete;
+  requires std::is_pointer_v<T> Variant(T)
+  = delete;
 
   bool is_empty() const noexcept { return value_.index() == 0; }
   bool is_null() const noexcept { return holds<Null>(); }

@@ -17,8 +17,8 @@ enum class FormulaKind : std::uint8_t {
   data_table,  ///< a what-if table; its text names the input cells
 };
 
-/// One formula of a book. All cells whose formulas are the same relative to their own position share
-/// one record, whether the file said so or not.
+/// One formula of a book. All cells whose formulas are the same relative to their own position
+/// share one record, whether the file said so or not.
 struct FormulaRecord {
   FormulaKind kind = FormulaKind::normal;
   /// The block that an array formula or data table fills.

@@ -21,9 +21,7 @@ struct CellStyle {
 class StyleTable {
  public:
   StyleTable();
-  const CellStyle& at(StyleId id) const noexcept {
-    return styles_[id < styles_.size() ? id : 0];
-  }
+  const CellStyle& at(StyleId id) const noexcept { return styles_[id < styles_.size() ? id : 0]; }
   std::size_t size() const noexcept { return styles_.size(); }
   /// Appends a style; the format code is compiled once per distinct code.
   StyleId add(std::string format_code, bool locked = true, bool formula_hidden = false);

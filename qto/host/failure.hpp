@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace qto::host {
+
+/// An ordinary call of the host failed. Probes (find_…, exists) never throw it: their failure is a
+/// null result.
+struct HostFailure : std::runtime_error {
+  HostFailure(std::int32_t error_number, const std::string& text)
+      : std::runtime_error(text), number(error_number) {}
+  std::int32_t number;
+};
+
+/// The number that hosts give to most failures of their object model.
+inline constexpr std::int32_t general_failure = 1004;
+/// "Subscript out of range": no such member of a collection.
+inline constexpr std::int32_t no_such_member = 9;
+
+}  // namespace qto::host
