@@ -13,7 +13,7 @@ class HostObject : public Object {
   /// application's parent is itself.
   virtual Ref<HostObject> Parent() const = 0;
   /// The application that the object belongs to.
-  Ref<host::Application> Application() const { return application(); }
+  Ref<host::Application> Application() const;
   /// Probe: the object is still there (its sheet was not deleted, its workbook not closed).
   virtual bool exists() const noexcept = 0;
 
