@@ -20,7 +20,7 @@ constexpr std::array<std::string_view, 50> make_table() {
   table[10] = "0.00%";
   table[11] = "0.00E+00";
   table[12] = "# ?/?";
-  table[13] = "# ??/??";
+  table[13] = R"(# ??/??)";
   // 14 and 22 follow the system's short date, which is m/d/yyyy under en-US.
   table[14] = "m/d/yyyy";
   table[15] = "d-mmm-yy";

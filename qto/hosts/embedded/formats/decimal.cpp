@@ -25,6 +25,7 @@ void Decimal::round_to(int decimals) {
   const bool up = keep >= 0 && digits[static_cast<unsigned>(keep)] >= '5';
   if (keep <= 0) {
     count = 0;
+    exponent = 0;
     if (up) set_to_power_of_ten(*this, -decimals);
     return;
   }

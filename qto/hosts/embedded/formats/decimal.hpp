@@ -11,7 +11,7 @@ struct Decimal {
 
   std::array<char, kDigits + 1> digits{};  ///< '0'..'9', no leading and no trailing zeros
   int count = 0;                           ///< digits in use, 0 for the number zero
-  int exponent = 0;                        ///< power of ten of the first digit
+  int exponent = 0;                        ///< power of ten of the first digit, 0 for zero
 
   bool is_zero() const { return count == 0; }
 

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "qto/automation/text.hpp"
+
 namespace qto::embedded::formats {
 namespace {
 
@@ -9,18 +11,8 @@ constexpr std::array<std::string_view, 12> kMonths = {
     "January", "February", "March",     "April",   "May",      "June",
     "July",    "August",   "September", "October", "November", "December"};
 
-constexpr std::array<std::string_view, 7> kWeekdays = {
-    "Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
-
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool equal_ignoring_case(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (lower(a[i]) != lower(b[i])) return false;
-  }
-  return true;
-}
+constexpr std::array<std::string_view, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                                       "Thursday", "Friday", "Saturday"};
 
 }  // namespace
 
@@ -32,14 +24,15 @@ std::string_view weekday_name(int weekday) {
 
 int month_from_name(std::string_view word) {
   for (std::size_t i = 0; i < kMonths.size(); ++i) {
-    if (equal_ignoring_case(word, kMonths[i]) || equal_ignoring_case(word, kMonths[i].substr(0, 3)))
+    if (text::equal_ascii_nocase(word, kMonths[i]) ||
+        text::equal_ascii_nocase(word, kMonths[i].substr(0, 3)))
       return static_cast<int>(i) + 1;
   }
   return 0;
 }
 
-bool starts_with_ignoring_case(std::string_view text, std::string_view prefix) {
-  return equal_ignoring_case(text.substr(0, prefix.size()), prefix);
+bool starts_with_ignoring_case(std::string_view whole, std::string_view prefix) {
+  return text::equal_ascii_nocase(whole.substr(0, prefix.size()), prefix);
 }
 
 }  // namespace qto::embedded::formats

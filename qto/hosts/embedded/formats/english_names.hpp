@@ -13,7 +13,7 @@ std::string_view weekday_name(int weekday);
 /// The month whose full name or first three letters `word` is, letter case ignored; 0 for none.
 int month_from_name(std::string_view word);
 
-/// True when `text` starts with `prefix`, which is in lower case, letter case ignored (ASCII).
-bool starts_with_ignoring_case(std::string_view text, std::string_view prefix);
+/// True when `whole` starts with `prefix`, the case of ASCII letters ignored.
+bool starts_with_ignoring_case(std::string_view whole, std::string_view prefix);
 
 }  // namespace qto::embedded::formats

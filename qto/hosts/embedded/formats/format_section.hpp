@@ -65,10 +65,10 @@ struct Condition {
 /// One of the parts of a format code that semicolons divide.
 struct Section {
   SectionKind kind = SectionKind::number;
-  bool absolute = false;     ///< shows the number without its sign
-  bool grouping = false;     ///< thousands separators
+  bool absolute = false;  ///< shows the number without its sign
+  bool grouping = false;  ///< thousands separators
   bool twelve_hours = false;
-  int power = 0;             ///< power of ten the number is multiplied by: percents, scaling commas
+  int power = 0;  ///< power of ten the number is multiplied by: percents, scaling commas
   int integer_digits = 0;
   int decimal_digits = 0;
   int exponent_digits = 0;

@@ -47,7 +47,12 @@ bool append_scientific_within(Decimal number, int width, std::string& out) {
     const int significant = std::max(1, room - 1);
     number.round_to(significant - 1 - number.exponent);
   }
-  append_scientific(number, out);
+  // Rounded, a number may be short enough to do without: 9.9999999E-05 is 0.0001.
+  if (plain_length(number) <= width) {
+    append_plain(number, out);
+  } else {
+    append_scientific(number, out);
+  }
   return true;
 }
 
@@ -83,9 +88,8 @@ std::string general_text(double value) {
   const Decimal number = to_decimal(std::abs(value));
   std::string out;
   if (value < 0) out += '-';
-  const bool plain = number.exponent >= kLeastPlainExponent
-                         ? number.exponent < Decimal::kDigits
-                         : plain_length(number) <= kGeneralWidth;
+  const bool plain = number.exponent >= kLeastPlainExponent ? number.exponent < Decimal::kDigits
+                                                            : plain_length(number) <= kGeneralWidth;
   if (plain) {
     append_plain(number, out);
   } else {

@@ -32,8 +32,7 @@ std::int64_t month_start_1900(int year, int month) {
 int days_in_month(int year, int month) {
   using namespace std::chrono;
   const auto last = year_month_day_last{
-      std::chrono::year{year},
-      month_day_last{std::chrono::month{static_cast<unsigned>(month)}}};
+      std::chrono::year{year}, month_day_last{std::chrono::month{static_cast<unsigned>(month)}}};
   return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
@@ -102,8 +101,8 @@ std::optional<SerialParts> split_serial(double serial, int second_decimals, bool
   constexpr double kSlackSeconds = 1e-6;
   const double seconds = (serial - day) * kSecondsPerDay;
   SerialParts parts{static_cast<int>(day),
-                    static_cast<std::int64_t>(std::floor(
-                        (seconds + kSlackSeconds) * static_cast<double>(scale) + 0.5))};
+                    static_cast<std::int64_t>(
+                        std::floor((seconds + kSlackSeconds) * static_cast<double>(scale) + 0.5))};
   const std::int64_t ticks_per_day = kSecondsPerDay * scale;
   if (parts.ticks >= ticks_per_day) {
     parts.ticks -= ticks_per_day;
@@ -125,8 +124,8 @@ std::optional<std::string> iso_text(double serial, bool date1904) {
   if (!parts) return std::nullopt;
   const auto date = civil_from_serial(parts->day, date1904);
   std::array<char, 80> text;
-  int length = std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", date->year, date->month,
-                             date->day);
+  int length =
+      std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", date->year, date->month, date->day);
   if (parts->ticks != 0) {
     const int seconds = static_cast<int>(parts->ticks);
     const auto start = static_cast<std::size_t>(length);
