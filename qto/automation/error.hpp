@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <exception>
+#include <stdexcept>
+#include <string>
 
 namespace qto {
 
@@ -26,6 +28,14 @@ class AutomationError : public std::exception {
 
   std::int32_t number;
   bool reported_first;
+};
+
+/// An unexpected failure that knows the number under which it is to be reported.
+class NumberedFailure : public std::runtime_error {
+ public:
+  NumberedFailure(std::int32_t error_number, const std::string& text)
+      : std::runtime_error(text), number(error_number) {}
+  std::int32_t number;
 };
 
 }  // namespace qto

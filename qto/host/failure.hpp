@@ -1,17 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
-#include <string>
+
+#include "qto/automation/error.hpp"
 
 namespace qto::host {
 
 /// An ordinary call of the host failed. Probes (find_…, exists) never throw it: their failure is a
 /// null result.
-struct HostFailure : std::runtime_error {
-  HostFailure(std::int32_t error_number, const std::string& text)
-      : std::runtime_error(text), number(error_number) {}
-  std::int32_t number;
+class HostFailure : public NumberedFailure {
+ public:
+  using NumberedFailure::NumberedFailure;
 };
 
 /// The number that hosts give to most failures of their object model.

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+
+#include "qto/automation/enumerations.hpp"
+#include "qto/automation/object.hpp"
+
+namespace qto {
+
+/// What to show and how to drill special worksheet functions. A client shares one object with a
+/// drill; changes take effect at the next formula that is parsed.
+class DrillOptions : public Object {
+ public:
+  /// Begins with ShowNormal.
+  DrillOptions();
+  std::string_view TypeName() const noexcept override { return "DrillOptions"; }
+
+  /// When False, precedents that hold a blank, a zero or a date are left out.
+  bool ShowBlanks() const;
+  void put_ShowBlanks(bool show);
+  bool ShowZeros() const;
+  void put_ShowZeros(bool show);
+  bool ShowDates() const;
+  void put_ShowDates(bool show);
+
+  /// Every reference written in a formula.
+  void ShowNormal();
+  /// These and the real targets of INDIRECT and OFFSET.
+  void ShowAll();
+  /// Only what produces each result; blanks, zeros and dates left out.
+  void ShowMinimal();
+
+  /// How each special function is drilled. A setter takes the values named; any other raises
+  /// 80040004 and changes nothing.
+  qtoDrillType ParseIf() const;
+  void put_ParseIf(qtoDrillType type);  ///< 0, 1, 2
+  qtoDrillType ParseLookup() const;
+  void put_ParseLookup(qtoDrillType type);  ///< 0, 1, 2
+  qtoDrillType ParseSumif() const;
+  void put_ParseSumif(qtoDrillType type);  ///< 0, 1, 2
+  qtoDrillType ParseIndirect() const;
+  void put_ParseIndirect(qtoDrillType type);  ///< 3, 4, 5
+  qtoDrillType ParseOffset() const;
+  void put_ParseOffset(qtoDrillType type);  ///< 3, 4, 5
+  qtoDrillType ParseIndex() const;
+  void put_ParseIndex(qtoDrillType type);  ///< 0, 1
+  qtoDrillType ParseMatch() const;
+  void put_ParseMatch(qtoDrillType type);  ///< 0, 6
+
+ private:
+  qtoDrillType parse_if_, parse_indirect_, parse_offset_, parse_lookup_, parse_match_, parse_index_,
+      parse_sumif_;
+  bool show_blanks_, show_zeros_, show_dates_;
+};
+
+}  // namespace qto
