@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <string>
 
 #include "qto/hosts/embedded/formats/number_format.hpp"
@@ -246,17 +245,6 @@ TEST(ParseNumber, ReadsBackWhatFormatsShow) {
     ASSERT_TRUE(parsed);
     EXPECT_EQ(general_text(parsed->value), general_text(value));
   }
-}
-
-TEST(ParseNumber, TheLocaleOfTheProcessDoesNotMatter) {
-  const std::string before = std::setlocale(LC_ALL, nullptr);
-  if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) {
-    GTEST_SKIP() << "no locale with a decimal comma is installed";
-  }
-  EXPECT_EQ(parse_number("1.5", false, kYear)->value, 1.5);
-  EXPECT_FALSE(parse_number("1,5", false, kYear));
-  EXPECT_EQ(NumberFormat::parse("#,##0.00").format(1234.5, false), "1,234.50");
-  std::setlocale(LC_ALL, before.c_str());
 }
 
 }  // namespace
