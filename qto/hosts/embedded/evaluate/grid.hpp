@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+
+#include "qto/hosts/embedded/evaluate/context.hpp"
+
+namespace qto::embedded {
+
+/// The values of an operand seen as rows and columns, which count from 0: a block of cells, an
+/// array, or a single value. Nothing is copied; the operand must outlive the grid. A reference of
+/// several areas is one #VALUE!.
+class Grid {
+ public:
+  /// Asks for readiness of a reference; when the evaluation is given up the values mean nothing.
+  Grid(Context& context, const Operand& operand);
+
+  int rows() const noexcept { return rows_; }
+  int columns() const noexcept { return columns_; }
+  std::int64_t size() const noexcept { return std::int64_t{rows_} * columns_; }
+  bool is_vector() const noexcept { return rows_ == 1 || columns_ == 1; }
+  /// The block of cells that is seen, or null.
+  const Area* area() const noexcept { return area_; }
+
+  ValueView at(int row, int column) const noexcept;
+  /// As operations over arrays see it: one row or column serves for all; #N/A outside.
+  ValueView broadcast(int row, int column) const noexcept;
+  /// The n-th value row by row, from 0.
+  ValueView nth(std::int64_t index) const noexcept {
+    return at(static_cast<int>(index / columns_), static_cast<int>(index % columns_));
+  }
+
+  /// Calls visit(row, column, value) column by column until it gives false. Cells where nothing is
+  /// stored are passed over, so whole columns cost what they hold.
+  template <class Visit>
+  void for_each(Visit&& visit) const;
+  /// The same row by row.
+  template <class Visit>
+  void for_each_by_row(Visit&& visit) const;
+  /// The number of rows from the top that can hold anything: the rest of a long block is blank.
+  int stored_rows() const noexcept;
+  int stored_columns() const noexcept;
+
+ private:
+  template <class Visit>
+  bool visit_column(int column, int first_row, Visit& visit) const;
+
+  const Area* area_ = nullptr;
+  const TextPool* texts_ = nullptr;
+  const VariantArray* array_ = nullptr;
+  ValueView scalar_;
+  int rows_ = 1;
+  int columns_ = 1;
+};
+
+template <class Visit>
+bool Grid::visit_column(int column, int first_row, Visit& visit) const {
+  const CellStore& cells = area_->sheet->cells;
+  const CellPos origin = area_->rect.first;
+  CellPos pos{origin.row + first_row, origin.column + column};
+  while (pos.row <= area_->rect.last.row) {
+    pos = cells.next_in_column(pos, area_->rect.last.row);
+    if (pos.row == 0) return true;
+    if (!visit(pos.row - origin.row, column, view_of(*cells.find(pos), *texts_))) return false;
+    ++pos.row;
+  }
+  return true;
+}
+
+template <class Visit>
+void Grid::for_each(Visit&& visit) const {
+  if (area_) {
+    const int last =
+        std::min(columns_, area_->sheet->cells.last_column() - area_->rect.first.column + 1);
+    for (int column = 0; column < last; ++column)
+      if (!visit_column(column, 0, visit)) return;
+    return;
+  }
+  for (int column = 0; column < columns_; ++column)
+    for (int row = 0; row < rows_; ++row)
+      if (!visit(row, column, at(row, column))) return;
+}
+
+template <class Visit>
+void Grid::for_each_by_row(Visit&& visit) const {
+  if (area_ && columns_ == 1) return for_each(visit);
+  const int last_row = stored_rows();
+  const int last_column = stored_columns();
+  for (int row = 0; row < last_row; ++row)
+    for (int column = 0; column < last_column; ++column) {
+      const ValueView value = at(row, column);
+      if (area_ && value.is_empty()) continue;
+      if (!visit(row, column, value)) return;
+    }
+}
+
+}  // namespace qto::embedded

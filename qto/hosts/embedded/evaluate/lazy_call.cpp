@@ -1,0 +1,36 @@
+#include "qto/hosts/embedded/evaluate/call.hpp"
+#include "qto/hosts/embedded/evaluate/walker.hpp"
+
+namespace qto::embedded {
+
+LazyCall::LazyCall(Walker& walker, const Node& node, bool array)
+    : walker_(walker), node_(node), count_(node.child_count), array_(array) {}
+
+Context& LazyCall::context() const noexcept { return walker_; }
+
+NodeIndex LazyCall::argument(int i) const noexcept {
+  NodeIndex child = node_.first_child;
+  for (; i > 0; --i) child = walker_.tree().at(child).next;
+  return child;
+}
+
+bool LazyCall::missing(int i) const noexcept {
+  return i >= count_ || walker_.tree().at(argument(i)).kind == NodeKind::missing;
+}
+
+Operand LazyCall::evaluate(int i) const { return walker_.evaluate(argument(i), array_); }
+
+bool LazyCall::is_many(const Operand& operand) const noexcept {
+  if (operand.is_array()) return true;
+  return array_ && operand.area() && !operand.area()->rect.is_cell();
+}
+
+std::string_view LazyCall::name(int i) const noexcept {
+  const Node& node = walker_.tree().at(argument(i));
+  if (node.kind != NodeKind::name || node.qualifier != 0) return {};
+  return walker_.tree().texts[node.payload];
+}
+
+void LazyCall::bind(std::string_view name, Operand value) { walker_.bind(name, std::move(value)); }
+
+}  // namespace qto::embedded

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <vector>
+
+#include "qto/hosts/embedded/evaluate/closed_books.hpp"
+#include "qto/hosts/embedded/evaluate/coercion.hpp"
+#include "qto/hosts/embedded/evaluate/context.hpp"
+#include "qto/hosts/embedded/formula/syntax_tree.hpp"
+
+/// What written references denote, seen from the formula that holds them.
+namespace qto::embedded {
+
+/// Finds books and sheets by what stands before "!".
+class ReferenceResolver {
+ public:
+  explicit ReferenceResolver(Environment& environment) : environment_(environment) {}
+
+  void begin(const Book& book) { closed_.begin(book); }
+  bool is_closed(const Book& book) const noexcept { return closed_.contains(book); }
+
+  /// The book that a qualifier names; null when there is none.
+  Book* book_of(const SheetQualifier& qualifier, const Frame& frame);
+  Operand area(const AreaRef& area, const SheetQualifier& qualifier, const Frame& frame);
+  Operand structured(const StructuredRef& reference, const SheetQualifier& qualifier,
+                     const Frame& frame);
+  /// The data of a whole table.
+  Operand table_data(const Table& table, const Book& book);
+
+ private:
+  Book* linked_book(const Book& owner, std::uint32_t index);
+  Operand span(const SheetQualifier& qualifier, Book& book, const Rect& rect);
+
+  Environment& environment_;
+  ClosedBooks closed_;
+};
+
+/// The reference operators ":" " " and ",".
+Operand join_references(Operator op, const Operand& left, const Operand& right);
+
+}  // namespace qto::embedded

@@ -1,0 +1,245 @@
+#include "qto/hosts/embedded/evaluate/walker.hpp"
+
+#include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/evaluate/build_array.hpp"
+#include "qto/hosts/embedded/evaluate/operators.hpp"
+
+namespace qto::embedded {
+
+namespace {
+
+/// Nodes inside one another, names followed included. A formula itself is capped by its parser;
+/// this also holds for names that refer to names and keeps the machine's stack small.
+constexpr int max_depth = 640;
+
+/// Counts one up while it lives.
+class Deeper {
+ public:
+  explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
+  ~Deeper() { --depth_; }
+  Deeper(const Deeper&) = delete;
+  Deeper& operator=(const Deeper&) = delete;
+
+ private:
+  int& depth_;
+};
+
+bool has_elements(const Operand& operand, bool array) noexcept {
+  if (operand.is_array()) return true;
+  return array && operand.area() && !operand.area()->rect.is_cell();
+}
+
+/// Single numbers need no detour; they are most of what formulas calculate with.
+const double* plain_number(const Operand& operand) noexcept {
+  const Variant* value = operand.value();
+  return value ? value->get_if<double>() : nullptr;
+}
+
+Variant snapped(Operator op, const ValueView& left, const ValueView& right,
+                const DateSettings& dates) {
+  const auto a = to_number(left, dates);
+  const auto b = to_number(right, dates);
+  if (!a || !b) return apply_binary(op, left, right, dates);
+  return finite(snap_sum(*a, op == Operator::add ? *b : -*b));
+}
+
+}  // namespace
+
+Operand Walker::walk(const SyntaxTree& tree, const Frame& frame, bool array, bool snap) {
+  begin(frame);
+  resolver_.begin(*frame.book);
+  tree_ = &tree;
+  locals_.clear();
+  visible_locals_ = 0;
+  chain_.clear();
+  depth_ = 0;
+  volatile_ = false;
+  snap_ = snap;
+  return evaluate(tree.root, array);
+}
+
+Operand Walker::evaluate(NodeIndex index, bool array) {
+  if (gave_up()) return ErrorValue::na;
+  if (depth_ >= max_depth) return ErrorValue::num;
+  const Deeper deeper(depth_);
+  return evaluate_node(tree_->at(index), index, array);
+}
+
+Operand Walker::evaluate_node(const Node& node, NodeIndex index, bool array) {
+  switch (node.kind) {
+    case NodeKind::number:
+      return node.number;
+    case NodeKind::text:
+      return std::string_view(tree_->texts[node.payload]);
+    case NodeKind::boolean:
+      return node.payload != 0;
+    case NodeKind::error:
+      return static_cast<ErrorValue>(node.payload);
+    case NodeKind::missing:
+      return {};
+    case NodeKind::area:
+      return resolver_.area(tree_->areas[node.payload], tree_->qualifiers[node.qualifier], frame_);
+    case NodeKind::name:
+      return name(node);
+    case NodeKind::structured:
+      return resolver_.structured(tree_->structured[node.payload],
+                                  tree_->qualifiers[node.qualifier], frame_);
+    case NodeKind::array:
+      return tree_->arrays[node.payload];
+    case NodeKind::unary:
+      return unary(node, array);
+    case NodeKind::binary:
+      return evaluate_chain(index, array);
+    case NodeKind::call:
+      return call(node, array);
+  }
+  return ErrorValue::value;
+}
+
+Operand Walker::evaluate_chain(NodeIndex index, bool array) {
+  const bool snap = snap_ && index == tree_->root;
+  const std::size_t bottom = chain_.size();
+  while (tree_->at(index).kind == NodeKind::binary) {
+    chain_.push_back(index);
+    index = tree_->at(index).first_child;
+  }
+  Operand left = evaluate(index, array);
+  while (chain_.size() > bottom) {
+    const Node& node = tree_->at(chain_.back());
+    chain_.pop_back();
+    const Operand right = evaluate(tree_->at(node.first_child).next, array);
+    if (gave_up()) {
+      chain_.resize(bottom);
+      return ErrorValue::na;
+    }
+    const bool last = snap && chain_.size() == bottom;
+    const bool sum = node.op == Operator::add || node.op == Operator::subtract;
+    if (last && sum && !has_elements(left, array) && !has_elements(right, array))
+      left = snapped(node.op, single(left), single(right), dates());
+    else
+      left = combine(node, left, right, array);
+  }
+  return left;
+}
+
+Operand Walker::combine(const Node& node, const Operand& left, const Operand& right, bool array) {
+  if (!is_value_operator(node.op)) return join_references(node.op, left, right);
+  if (has_elements(left, array) || has_elements(right, array)) {
+    const Grid a(*this, left);
+    const Grid b(*this, right);
+    const auto [rows, columns] = combined_shape(a, b);
+    return build_array(*this, rows, columns, [&](int row, int column) {
+      return apply_binary(node.op, a.broadcast(row, column), b.broadcast(row, column), dates());
+    });
+  }
+  return apply_binary(node.op, single(left), single(right), dates());
+}
+
+Operand Walker::unary(const Node& node, bool array) {
+  Operand operand = evaluate(node.first_child, array);
+  if (node.op == Operator::intersection_implicit) return intersect_implicitly(operand);
+  if (node.op == Operator::spill) {
+    if (operand.error()) return operand;
+    if (!operand.area() || !operand.area()->rect.is_cell()) return ErrorValue::ref;
+    return spill_of(*operand.area());
+  }
+  // A reference with a plus before it stays a reference.
+  if (node.op == Operator::plus && operand.is_reference()) return operand;
+  if (has_elements(operand, array)) {
+    const Grid grid(*this, operand);
+    return build_array(*this, grid.rows(), grid.columns(), [&](int row, int column) {
+      return apply_unary(node.op, grid.at(row, column), dates());
+    });
+  }
+  return apply_unary(node.op, single(operand), dates());
+}
+
+Operand Walker::call(const Node& node, bool array) {
+  const FunctionSpec* spec = functions_.find(tree_->texts[node.payload]);
+  if (!spec) return ErrorValue::name;
+  if (node.child_count < spec->min_args || node.child_count > spec->max_args)
+    return ErrorValue::value;
+  if (spec->has(changes_always)) volatile_ = true;
+  if (spec->body.lazy) {
+    const std::size_t outside = scope();
+    LazyCall lazy(*this, node, array);
+    Operand result = spec->body.lazy(lazy);
+    leave_scope(outside);
+    return result;
+  }
+  constexpr int inline_arguments = 6;
+  std::array<Operand, inline_arguments> few;
+  std::vector<Operand> many;
+  if (node.child_count > inline_arguments) many.resize(node.child_count);
+  const std::span<Operand> arguments =
+      many.empty() ? std::span<Operand>(few.data(), node.child_count) : std::span<Operand>(many);
+  NodeIndex child = node.first_child;
+  for (std::size_t i = 0; i < arguments.size(); ++i, child = tree_->at(child).next) {
+    const bool over_elements = array || spec->parameter(static_cast<int>(i)) == Parameter::array;
+    arguments[i] = evaluate(child, over_elements);
+    if (gave_up()) return ErrorValue::na;
+  }
+  return run_function(*spec, *this, arguments, array);
+}
+
+Operand Walker::name(const Node& node) {
+  const std::string& text = tree_->texts[node.payload];
+  for (std::size_t i = locals_.size(); i > visible_locals_; --i)
+    if (text::equal_fold(locals_[i - 1].name, text)) return locals_[i - 1].value;
+  return defined_name(text, tree_->qualifiers[node.qualifier]);
+}
+
+Operand Walker::defined_name(std::string_view name, const SheetQualifier& qualifier) {
+  if (qualifier.broken) return ErrorValue::ref;
+  Book* book = resolver_.book_of(qualifier, frame_);
+  if (!book) return ErrorValue::ref;
+  Sheet* sheet = book == frame_.book ? frame_.sheet : nullptr;
+  if (!qualifier.sheet.empty()) {
+    sheet = book->find_sheet(qualifier.sheet);
+    if (!sheet) return ErrorValue::ref;
+  }
+  const DefinedName* found = book->names.resolve(name, sheet);
+  if (!found || !found->refers_to) {
+    if (const Table* table = book->find_table(name)) return resolver_.table_data(*table, *book);
+    return ErrorValue::name;
+  }
+  if (!sheet && !book->sheets().empty()) sheet = book->sheets().front().get();
+  return in_frame(*found->refers_to, {book, sheet, frame_.at});
+}
+
+Operand Walker::in_frame(const CompiledFormula& formula, const Frame& frame) {
+  const SyntaxTree* tree = formula.tree();
+  if (!tree || tree->root == no_node) return ErrorValue::name;
+  if (!frame.sheet) return ErrorValue::ref;
+  const Frame outer_frame = std::exchange(frame_, frame);
+  const SyntaxTree* outer_tree = std::exchange(tree_, tree);
+  const std::size_t outer_locals = std::exchange(visible_locals_, locals_.size());
+  const bool outer_snap = std::exchange(snap_, false);
+  // Names calculate as array formulas do.
+  Operand result = evaluate(tree->root, true);
+  frame_ = outer_frame;
+  tree_ = outer_tree;
+  visible_locals_ = outer_locals;
+  snap_ = outer_snap;
+  return result;
+}
+
+Operand Walker::reference_of(std::string_view text) {
+  const auto formula = CompiledFormula::compile(text, frame_.at);
+  const SyntaxTree* tree = formula->tree();
+  if (!tree || tree->root == no_node) return ErrorValue::ref;
+  const NodeKind kind = tree->at(tree->root).kind;
+  if (kind != NodeKind::area && kind != NodeKind::name && kind != NodeKind::structured &&
+      kind != NodeKind::binary && kind != NodeKind::unary)
+    return ErrorValue::ref;
+  Operand result = in_frame(*formula, frame_);
+  return result.is_reference() ? result : Operand(ErrorValue::ref);
+}
+
+void Walker::bind(std::string_view name, Operand value) {
+  locals_.push_back({std::string(name), std::move(value)});
+}
+
+void Walker::leave_scope(std::size_t count) { locals_.resize(count); }
+
+}  // namespace qto::embedded

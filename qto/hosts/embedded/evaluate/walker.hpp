@@ -1,0 +1,60 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "qto/hosts/embedded/evaluate/call.hpp"
+#include "qto/hosts/embedded/evaluate/context.hpp"
+#include "qto/hosts/embedded/evaluate/references.hpp"
+#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+
+namespace qto::embedded {
+
+/// Walks syntax trees. Recursion follows true nesting only: chains of binary operators are folded
+/// in a loop, and names that refer to names count towards the same limit.
+class Walker : public Context {
+ public:
+  Walker(Environment& environment, const FunctionTable& functions)
+      : Context(environment), functions_(functions), resolver_(environment) {}
+
+  /// Starts afresh and gives what the tree evaluates to, references kept.
+  Operand walk(const SyntaxTree& tree, const Frame& frame, bool array, bool snap);
+  bool was_volatile() const noexcept { return volatile_; }
+  bool is_closed(const Book& book) const noexcept { return resolver_.is_closed(book); }
+
+  /// `array`: operations run over all elements of references.
+  Operand evaluate(NodeIndex index, bool array);
+  Operand reference_of(std::string_view text) override;
+
+  const SyntaxTree& tree() const noexcept { return *tree_; }
+  /// Makes a name stand for a value until leave_scope() is given the count it had before.
+  void bind(std::string_view name, Operand value);
+  std::size_t scope() const noexcept { return locals_.size(); }
+  void leave_scope(std::size_t count);
+
+ private:
+  struct Local {
+    std::string name;
+    Operand value;
+  };
+  Operand evaluate_node(const Node& node, NodeIndex index, bool array);
+  Operand evaluate_chain(NodeIndex index, bool array);
+  Operand combine(const Node& node, const Operand& left, const Operand& right, bool array);
+  Operand unary(const Node& node, bool array);
+  Operand call(const Node& node, bool array);
+  Operand name(const Node& node);
+  Operand defined_name(std::string_view name, const SheetQualifier& qualifier);
+  Operand in_frame(const CompiledFormula& formula, const Frame& frame);
+
+  const FunctionTable& functions_;
+  ReferenceResolver resolver_;
+  const SyntaxTree* tree_ = nullptr;
+  std::vector<Local> locals_;
+  std::size_t visible_locals_ = 0;  ///< locals below this belong to the formula around a name
+  std::vector<NodeIndex> chain_;
+  int depth_ = 0;
+  bool volatile_ = false;
+  bool snap_ = false;
+};
+
+}  // namespace qto::embedded
