@@ -17,7 +17,7 @@ demo: build ## build the command and ask its three questions of the shipped exam
 	@printf '\n== Which input cells does it rest on? (inputs) ==\n\n'
 	$(QTO) inputs $(BOOK) 'Summary!C7'
 	@printf '\n== Where does the #DIV/0! of the covenant come from? (errors) ==\n\n'
-	$(QTO) errors $(BOOK) 'Summary!B13'
+	$(QTO) errors $(BOOK) 'Summary!B15'
 
 build: packages ## build the command: build/release/bin/qto
 	cmake --preset release

@@ -19,7 +19,7 @@ struct Empty {
 struct Null {
   bool operator==(const Null&) const = default;
 };
-/// A moment as a serial number of days in the workbook's date system.
+/// A moment in days since 1899-12-30, whatever date system its workbook counts in.
 struct Date {
   double serial = 0;
   bool operator==(const Date&) const = default;

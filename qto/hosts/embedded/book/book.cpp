@@ -89,7 +89,7 @@ Variant Book::value_of(const Cell& cell) const {
       return {};
     case CellType::number:
       if (cell.style() != 0 && styles.at(cell.style()).format->is_date())
-        return Date{cell.number()};
+        return Date{cell.number() + date_shift()};
       return cell.number();
     case CellType::text:
       return texts.view(cell.text());
@@ -104,7 +104,7 @@ Variant Book::value_of(const Cell& cell) const {
 void Book::store(Cell& cell, const Variant& value) {
   if (const auto* number = value.get_if<double>()) return cell.set_number(*number);
   if (const auto* whole = value.get_if<std::int32_t>()) return cell.set_number(*whole);
-  if (const auto* date = value.get_if<Date>()) return cell.set_number(date->serial);
+  if (const auto* date = value.get_if<Date>()) return cell.set_number(date->serial - date_shift());
   if (const auto* flag = value.get_if<bool>()) return cell.set_boolean(*flag);
   if (const auto* error = value.get_if<ErrorValue>()) return cell.set_error(*error);
   if (value.is_text()) return cell.set_text(texts.intern(value.text()));

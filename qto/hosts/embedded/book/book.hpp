@@ -78,6 +78,8 @@ class Book {
   bool needs_calculation() const noexcept { return all_pending_ || !pending_.empty(); }
   void calculation_done() noexcept;
 
+  /// Days between the book's serial numbers and those of automation dates.
+  double date_shift() const noexcept { return date1904 ? 1462 : 0; }
   /// The value of a stored cell as a variant; dates are numbers whose format shows a date.
   Variant value_of(const Cell& cell) const;
   /// Stores a value (array and object values are not accepted and leave the cell empty).

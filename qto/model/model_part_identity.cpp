@@ -1,0 +1,211 @@
+#include "qto/automation/error.hpp"
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/host/host.hpp"
+#include "qto/links/main.hpp"
+#include "qto/links/path_helpers.hpp"
+#include "qto/model/model_part.hpp"
+#include "qto/model/model_parts.hpp"
+
+namespace qto {
+
+ModelPart::Rare& ModelPart::rare() {
+  if (!rare_) rare_ = std::make_unique<Rare>();
+  return *rare_;
+}
+
+const ModelPart::Rare& ModelPart::rare() const noexcept {
+  static const Rare nothing;
+  return rare_ ? *rare_ : nothing;
+}
+
+Ref<Object> ModelPart::UnderlyingObject() {
+  Procedure proc("ModelPart", "UnderlyingObject[Get]");
+  check_still_exists();
+  if (sheet_ && !rare().underlying)
+    (void)proc.step([&] { rare().underlying = sheet_->sheet->Cells(pos_.row, pos_.column); });
+  return rare().underlying;
+}
+
+Ref<host::Range> ModelPart::range() const {
+  if (const auto held = ref_cast<host::Range>(rare().underlying)) return held;
+  return sheet_ ? sheet_->sheet->Cells(pos_.row, pos_.column) : nullptr;
+}
+
+std::string_view ModelPart::ObjectType() const noexcept {
+  switch (type_) {
+    case Type::none:
+      return "";
+    case Type::range:
+      return "Range";
+    case Type::name:
+      return "Name";
+    case Type::pivot_table:
+      return "Pivot Table";
+    case Type::series:
+      return "Series";
+    case Type::link:
+      return "!LINK";
+    case Type::other:
+      break;
+  }
+  return rare().object_type;
+}
+
+void ModelPart::put_IsUnknown(bool value) {
+  set(unknown, value);
+  if (value) set(constant, true);
+}
+
+Ref<host::Workbook> ModelPart::Workbook() const {
+  return sheet_ ? sheet_->workbook : rare().workbook;
+}
+
+Ref<host::Application> ModelPart::ExcelApplication() const { return Main::shared_application(); }
+
+void ModelPart::putref_ParentRange(Ref<host::Range> range) {
+  rare().parent_range = std::move(range);
+}
+
+std::string ModelPart::EmbeddedChartName() const { return rare().embedded_chart_name; }
+
+std::string ModelPart::WorkBookName() const {
+  Procedure proc("ModelPart", "WorkBookName[Get]");
+  std::string name = rare().work_book_name;
+  if (const auto book = Workbook()) (void)proc.step([&] { name = book->Name(); });
+  return name;
+}
+
+void ModelPart::put_WorkBookName(std::string_view name) {
+  Procedure proc("ModelPart", "WorkBookName[Let]");
+  if (Workbook()) throw AutomationError(ErrorNumber::out_of_range);
+  rare().work_book_name = name;
+}
+
+std::string ModelPart::WorkBookPath() const {
+  Procedure proc("ModelPart", "WorkBookPath[Get]");
+  std::string path = rare().work_book_path;
+  if (const auto book = Workbook()) (void)proc.step([&] { path = book->Path(); });
+  return path;
+}
+
+void ModelPart::put_WorkBookPath(std::string_view path) {
+  Procedure proc("ModelPart", "WorkBookPath[Let]");
+  check_still_exists();
+  if (has_object()) throw AutomationError(ErrorNumber::out_of_range);
+  set(local_file, !Main::IsURL(path));
+  rare().work_book_path = Main::TrimSeparator(path, has(local_file));
+}
+
+std::string ModelPart::WorkBookFullName() const {
+  Procedure proc("ModelPart", "WorkBookFullName[Get]");
+  std::string name = Main::AddSeparator(rare().work_book_path, LocalFile()) + rare().work_book_name;
+  if (const auto book = Workbook()) (void)proc.step([&] { name = book->FullName(); });
+  return name;
+}
+
+std::string ModelPart::WorkSheetName() const {
+  return sheet_ ? sheet_->name : rare().work_sheet_name;
+}
+
+void ModelPart::put_WorkSheetName(std::string_view name) {
+  Procedure proc("ModelPart", "WorkSheetName[Let]");
+  if (!IsUnknown()) throw AutomationError(ErrorNumber::out_of_range);
+  if (sheet_) forget_cell();
+  rare().work_sheet_name = name;
+}
+
+std::string ModelPart::AddressShort() const {
+  return sheet_ ? address_of(pos_) : rare().address_short;
+}
+
+void ModelPart::put_AddressShort(std::string_view address) {
+  Procedure proc("ModelPart", "AddressShort[Let]");
+  if (!IsUnknown()) throw AutomationError(ErrorNumber::out_of_range);
+  if (sheet_) forget_cell();
+  rare().address_short = address;
+}
+
+Ref<host::Sheet> ModelPart::Sheet() const {
+  Procedure proc("ModelPart", "Sheet[Get]");
+  Ref<host::Sheet> sheet;
+  const auto book = Workbook();
+  const std::string name = WorkSheetName();
+  if (book && !name.empty()) (void)proc.step([&] { sheet = book->Sheets(name); });
+  return sheet;
+}
+
+const PartKey& ModelPart::Key() {
+  if (key_.is_set()) return key_;
+  // A cell's key needs no text, as long as its sheet is still called what it was.
+  if (sheet_ && sheet_->stamp != 0 && sheet_->stamp == sheet_->sheet->IdentityStamp())
+    key_ = PartKey::of_cell(sheet_->prefix, pos_);
+  else
+    key_ = PartKey::of_text(UniqueKey());
+  return key_;
+}
+
+std::string ModelPart::UniqueKey() {
+  Procedure proc("ModelPart", "UniqueKey[Get]");
+  if (!rare().unique_key.empty()) return rare().unique_key;
+  rare().unique_key = compute_unique_key();
+  if (!key_.is_set()) key_ = PartKey::of_text(rare().unique_key);
+  return rare().unique_key;
+}
+
+std::string ModelPart::compute_unique_key() {
+  if (!has(relative_name)) return AddressLong(qtoaddressPath);
+  // The same relative name used from two cells is two different things.
+  return rare().parent_range->Address(false, false, host::xlA1, true) + "-" +
+         AddressLong(qtoaddressPath);
+}
+
+bool ModelPart::object_answers() const noexcept {
+  if (sheet_) return sheet_->sheet->exists();
+  const auto* object = dynamic_cast<const host::HostObject*>(rare().underlying.get());
+  return object && object->exists();
+}
+
+void ModelPart::check_still_exists() {
+  Procedure proc("ModelPart", "check_still_exists");
+  if (object_answers()) return;
+  if (type_ == Type::range && find_again()) return;
+  lose_object();
+}
+
+/// A range whose handle went dead while its workbook still has a sheet of that name.
+bool ModelPart::find_again() {
+  const auto book = Workbook();
+  if (!book || !book->exists()) return false;
+  const auto sheet = book->find_worksheet(WorkSheetName());
+  const auto found = sheet ? sheet->find_range(AddressShort()) : nullptr;
+  if (!found) return false;
+  Create(found, "Range");
+  SetResultsValues();
+  return true;
+}
+
+void ModelPart::lose_object() {
+  if (sheet_) forget_cell();
+  if (rare_) rare_->underlying = nullptr;
+  set(exists, false);
+  set(unknown, true);
+  set(constant, true);
+  clear_precedents();
+  set(checked_for_precedents, true);
+  value_ = Empty{};
+  set(text_read, true);
+  if (!rare_) return;
+  rare_->text.clear();
+  rare_->title.clear();
+}
+
+/// Keeps the texts of a cell part that stops being one.
+void ModelPart::forget_cell() {
+  Rare& texts = rare();
+  texts.address_short = address_of(pos_);
+  texts.work_sheet_name = sheet_->name;
+  texts.workbook = sheet_->workbook;
+  sheet_ = nullptr;
+}
+
+}  // namespace qto

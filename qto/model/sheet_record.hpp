@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "qto/automation/ref.hpp"
+#include "qto/host/workbook.hpp"
+#include "qto/host/worksheet.hpp"
+
+namespace qto {
+
+/// What all cell parts of one sheet have in common, read from the host once for all of them.
+struct SheetRecord : RefCounted {
+  /// Reads name, workbook and the kind of location of a sheet.
+  explicit SheetRecord(const Ref<host::Worksheet>& worksheet);
+
+  Ref<host::Worksheet> sheet;
+  Ref<host::Workbook> workbook;
+  std::string name;
+  bool local_file = false;
+  /// The host's identity stamp when the record was made; 0: the host has none.
+  std::uint64_t stamp = 0;
+  /// PartKey::prefix_number of 'folder\[book]sheet'!
+  std::uint32_t prefix = 0;
+};
+
+/// The prefix of the unique keys of a sheet's cells.
+std::string sheet_prefix(const host::Workbook& workbook, std::string_view sheet, bool local_file);
+
+}  // namespace qto
