@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "qto/hosts/embedded/book/book.hpp"
+#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "qto/hosts/embedded/xlsx/package.hpp"
+
+namespace qto::embedded {
+
+/// What the file knew of its formulas' results.
+struct CachedResults {
+  bool any = false;
+  /// Cells with a formula and without a result.
+  std::vector<CellAddress> missing;
+};
+
+/// What the readers of the parts share while a book is being read.
+struct LoadContext {
+  Package& package;
+  Book& book;
+  FormulaIntern formulas;
+  std::vector<TextId> strings;
+  CachedResults results;
+  /// Cells that blocks of array formulas covered so far; see limits.
+  std::int64_t array_cells = 0;
+};
+
+}  // namespace qto::embedded

@@ -1,0 +1,116 @@
+#include "qto/hosts/embedded/xlsx/package.hpp"
+
+#include <zip.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "qto/hosts/embedded/xlsx/file_kind.hpp"
+#include "qto/hosts/embedded/xlsx/limits.hpp"
+#include "qto/hosts/embedded/xlsx/part_path.hpp"
+
+namespace qto::embedded {
+namespace {
+
+std::string text_of_zip_error(int code) {
+  zip_error_t error;
+  zip_error_init_with_code(&error, code);
+  std::string text = zip_error_strerror(&error);
+  zip_error_fini(&error);
+  return text;
+}
+
+bool climbs_out(std::string_view name) noexcept {
+  return name.find("../") != std::string_view::npos || name.find("..\\") != std::string_view::npos;
+}
+
+}  // namespace
+
+Package::Package(std::string file) : file_(std::move(file)) {
+  int error = 0;
+  archive_ = zip_open(file_.c_str(), ZIP_RDONLY, &error);
+  if (!archive_) refuse_file(file_, text_of_zip_error(error));
+  std::error_code ignored;
+  const std::uintmax_t size = std::filesystem::file_size(file_, ignored);
+  byte_limit_ = limits::inflate_allowance +
+                limits::inflate_ratio * (size == static_cast<std::uintmax_t>(-1) ? 0 : size);
+  index_parts();
+}
+
+Package::~Package() {
+  if (archive_) zip_discard(archive_);
+}
+
+void Package::index_parts() {
+  const zip_int64_t count = zip_get_num_entries(archive_, 0);
+  for (zip_int64_t n = 0; n < count; ++n) {
+    zip_stat_t entry;
+    const auto index = static_cast<zip_uint64_t>(n);
+    if (zip_stat_index(archive_, index, 0, &entry) != 0 || !(entry.valid & ZIP_STAT_NAME)) continue;
+    // Such names are no part names; taking them for what they resolve to would let one part
+    // stand in for another.
+    if (climbs_out(entry.name)) continue;
+    if (!part_by_key_.emplace(part_key(entry.name), parts_.size()).second) continue;
+    parts_.push_back({entry.name, index, entry.valid & ZIP_STAT_SIZE ? entry.size : 0});
+    total_size_ += std::min(parts_.back().size, limits::part_bytes);
+  }
+}
+
+const Package::Part* Package::find(std::string_view name) const {
+  const auto found = part_by_key_.find(part_key(name));
+  return found == part_by_key_.end() ? nullptr : &parts_[found->second];
+}
+
+PartStream Package::open(const Part& part) { return PartStream(*this, part); }
+
+void Package::charge(const Part& part, std::uint64_t bytes) {
+  bytes_read_ += bytes;
+  if (bytes_read_ > byte_limit_)
+    fail(OpenFailureKind::too_large, part.name, 0,
+         "the parts inflate to more than a workbook of this file size can hold");
+}
+
+void Package::fail(OpenFailureKind kind, const std::string& part, long line,
+                   std::string_view reason, std::string_view remedy) const {
+  throw OpenFailure(kind, file_, part, line, reason, remedy);
+}
+
+PartStream::PartStream(Package& package, const Package::Part& part)
+    : package_(package), part_(part), left_(part.size) {
+  if (part.size > limits::part_bytes)
+    package.fail(OpenFailureKind::too_large, part.name, 0, "the part is larger than 4 GiB");
+  if (package.bytes_read_ + part.size > package.byte_limit_) package.charge(part, part.size);
+  stream_ = zip_fopen_index(package.archive_, part.index, 0);
+  if (stream_) return;
+  const int code = zip_error_code_zip(zip_get_error(package.archive_));
+  if (code == ZIP_ER_NOPASSWD)
+    package.fail(OpenFailureKind::encrypted, part.name, 0, "the part is encrypted");
+  package.fail(OpenFailureKind::damaged, part.name, 0,
+               "the entry of the zip container cannot be read (" + text_of_zip_error(code) + ")");
+}
+
+PartStream::~PartStream() {
+  if (stream_) zip_fclose(stream_);
+}
+
+std::size_t PartStream::read(void* into, std::size_t size) {
+  const zip_int64_t count = zip_fread(stream_, into, size);
+  if (count < 0) {
+    const std::string reason = zip_file_strerror(stream_);
+    package_.fail(OpenFailureKind::damaged, part_.name, 0,
+                  "the compressed data is damaged (" + reason + ")");
+  }
+  const auto bytes = static_cast<std::uint64_t>(count);
+  if (bytes > left_)
+    package_.fail(OpenFailureKind::damaged, part_.name, 0,
+                  "the part is longer than the zip container says");
+  if (bytes == 0 && left_ > 0)
+    package_.fail(OpenFailureKind::damaged, part_.name, 0,
+                  "the part is shorter than the zip container says");
+  left_ -= bytes;
+  package_.charge(part_, bytes);
+  return static_cast<std::size_t>(bytes);
+}
+
+}  // namespace qto::embedded

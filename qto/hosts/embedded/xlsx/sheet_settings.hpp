@@ -1,0 +1,32 @@
+#pragma once
+
+#include <bitset>
+#include <string>
+#include <string_view>
+
+#include "qto/hosts/embedded/book/sheet.hpp"
+#include "qto/hosts/embedded/xlsx/xml_attributes.hpp"
+
+namespace qto::embedded {
+
+/// Reads what stands around the cells of a sheet part: columns, view, protection, merged cells.
+class SheetSettings {
+ public:
+  explicit SheetSettings(Sheet& sheet) : sheet_(sheet) {}
+  void start(std::string_view name, const Attributes& attributes);
+
+ private:
+  void start_format(const Attributes& attributes);
+  void start_column(const Attributes& attributes);
+  void start_view(const Attributes& attributes);
+  void start_pane(const Attributes& attributes);
+  void start_selection(const Attributes& attributes);
+  void start_protection(const Attributes& attributes);
+
+  Sheet& sheet_;
+  std::bitset<max_columns + 1> columns_seen_;
+  int views_ = 0;
+  std::string active_pane_ = "topLeft";
+};
+
+}  // namespace qto::embedded
