@@ -52,10 +52,19 @@ class CompiledFormula {
   bool same_as(const CompiledFormula& other) const noexcept;
   std::uint64_t hash() const noexcept;
 
+  /// Appends the key of a text in the cell `base`: equal for formulas that are the same relative to
+  /// their cells. Costs much less than compiling.
+  static void append_key(std::string& key, std::string_view text, CellPos base);
+  bool has_key(std::string_view key) const noexcept;
+  /// hash() of the formula that has this key.
+  static std::uint64_t hash_key(std::string_view key) noexcept;
+
   CompiledFormula();
   ~CompiledFormula();
 
  private:
+  static std::string_view without_equals(std::string_view text) noexcept;
+
   struct Impl;
   std::unique_ptr<Impl> impl_;
 };

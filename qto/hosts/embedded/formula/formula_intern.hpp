@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 
 #include "qto/automation/address.hpp"
 #include "qto/hosts/embedded/book/cell.hpp"
+#include "qto/hosts/embedded/book/formula_record.hpp"
 
 namespace qto::embedded {
 
@@ -24,8 +26,12 @@ class FormulaIntern {
   FormulaId add_data_table(std::string_view text, const Rect& block);
 
  private:
+  FormulaId add_block(FormulaKind kind, std::string_view text, const Rect& block);
+
   Book& book_;
   std::unordered_multimap<std::uint64_t, FormulaId> by_hash_;
+  FormulaId last_ = 0;  // neighbours mostly share their formula
+  std::string key_;     // kept for its memory
 };
 
 }  // namespace qto::embedded

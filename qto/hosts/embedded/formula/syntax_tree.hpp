@@ -60,10 +60,10 @@ struct SheetQualifier {
 /// A structured reference such as Sales[[#Totals],[Amount]].
 struct StructuredRef {
   enum Item : std::uint8_t { all = 1, data = 2, headers = 4, totals = 8, this_row = 16 };
-  std::string table;            ///< "" inside its own table
-  std::uint8_t items = 0;       ///< union of Item; 0 stands for data
-  std::string first_column;     ///< "" for all columns
-  std::string last_column;      ///< "" for one column
+  std::string table;         ///< "" inside its own table
+  std::uint8_t items = 0;    ///< union of Item; 0 stands for data
+  std::string first_column;  ///< "" for all columns
+  std::string last_column;   ///< "" for one column
 };
 
 using NodeIndex = std::uint32_t;
@@ -86,11 +86,26 @@ enum class NodeKind : std::uint8_t {
 
 enum class Operator : std::uint8_t {
   none,
-  plus, minus, percent,                          // unary
-  intersection_implicit, spill,                  // unary: @ before, # after
-  add, subtract, multiply, divide, power, join,  // binary
-  equal, not_equal, less, less_equal, greater, greater_equal,
-  range, intersect, unite,                       // reference operators ":" " " ","
+  plus,
+  minus,
+  percent,  // unary
+  intersection_implicit,
+  spill,  // unary: @ before, # after
+  add,
+  subtract,
+  multiply,
+  divide,
+  power,
+  join,  // binary
+  equal,
+  not_equal,
+  less,
+  less_equal,
+  greater,
+  greater_equal,
+  range,
+  intersect,
+  unite,  // reference operators ":" " " ","
 };
 
 /// Children are chained: first_child, then next of each.

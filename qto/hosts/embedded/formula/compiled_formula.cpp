@@ -1,0 +1,84 @@
+#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+
+#include <functional>
+
+#include "qto/hosts/embedded/formula/formula_pieces.hpp"
+#include "qto/hosts/embedded/formula/formula_text.hpp"
+#include "qto/hosts/embedded/formula/parser.hpp"
+
+namespace qto::embedded {
+
+struct CompiledFormula::Impl {
+  std::string source;
+  CellPos base;
+  std::string key;
+  FormulaPieces pieces;
+  // Most formulas of a file are never evaluated, so parsing waits until somebody asks.
+  mutable bool parsed = false;
+  mutable ParsedFormula result;
+
+  const ParsedFormula& parse() const {
+    if (!parsed) {
+      result = parse_formula(source, base);
+      parsed = true;
+    }
+    return result;
+  }
+};
+
+CompiledFormula::CompiledFormula() : impl_(std::make_unique<Impl>()) {}
+CompiledFormula::~CompiledFormula() = default;
+
+std::string_view CompiledFormula::without_equals(std::string_view text) noexcept {
+  const std::size_t start = text.find_first_not_of(" \t\r\n");
+  if (start != std::string_view::npos && text[start] == '=') text.remove_prefix(start + 1);
+  return text;
+}
+
+void CompiledFormula::append_key(std::string& key, std::string_view text, CellPos base) {
+  append_formula_key(key, without_equals(text), base);
+}
+
+std::shared_ptr<const CompiledFormula> CompiledFormula::compile(std::string_view text,
+                                                                CellPos base) {
+  auto formula = std::make_shared<CompiledFormula>();
+  Impl& impl = *formula->impl_;
+  impl.source = without_equals(text);
+  impl.base = base;
+  append_formula_key(impl.key, impl.source, base);
+  impl.pieces = cut_formula(impl.source, base);
+  return formula;
+}
+
+void CompiledFormula::append_formula(std::string& out, const RenderContext& context) const {
+  append_pieces(out, impl_->pieces, context, TextForm::formula);
+}
+
+void CompiledFormula::append_local(std::string& out, const RenderContext& context) const {
+  append_pieces(out, impl_->pieces, context, TextForm::local);
+}
+
+void CompiledFormula::append_r1c1(std::string& out, const RenderContext& context) const {
+  append_pieces(out, impl_->pieces, context, TextForm::r1c1);
+}
+
+const SyntaxTree* CompiledFormula::tree() const {
+  const ParsedFormula& parsed = impl_->parse();
+  return parsed.tree.root == no_node ? nullptr : &parsed.tree;
+}
+
+const std::string& CompiledFormula::why_broken() const { return impl_->parse().why_broken; }
+
+bool CompiledFormula::same_as(const CompiledFormula& other) const noexcept {
+  return impl_->key == other.impl_->key;
+}
+
+bool CompiledFormula::has_key(std::string_view key) const noexcept { return impl_->key == key; }
+
+std::uint64_t CompiledFormula::hash() const noexcept { return hash_key(impl_->key); }
+
+std::uint64_t CompiledFormula::hash_key(std::string_view key) noexcept {
+  return std::hash<std::string_view>()(key);
+}
+
+}  // namespace qto::embedded
