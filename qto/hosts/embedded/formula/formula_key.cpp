@@ -25,9 +25,7 @@ std::uint32_t form_of(const AreaRef& area) noexcept {
 void append_formula_key(std::string& key, std::string_view text, CellPos base) {
   Lexer lexer(text);
   std::uint32_t literal_begin = 0;
-  for (Token token = lexer.next(); token.kind != TokenKind::end && token.kind != TokenKind::invalid;
-       token = lexer.next()) {
-    if (token.kind != TokenKind::area) continue;
+  for (Token token = lexer.next_area(); token.kind == TokenKind::area; token = lexer.next_area()) {
     const AreaRef area = relative_area(lexer.area(), base);
     const KeyedArea keyed{token.begin - literal_begin,
                           form_of(area),

@@ -6,7 +6,8 @@
 namespace qto::embedded {
 namespace {
 
-enum CharClass : std::uint8_t { letter = 1, digit = 2, word = 4, blank = 8 };
+// plain: a token, or a part of one, after which no operand has ended
+enum CharClass : std::uint8_t { letter = 1, digit = 2, word = 4, blank = 8, plain = 16 };
 
 constexpr std::array<std::uint8_t, 256> make_classes() {
   std::array<std::uint8_t, 256> table{};
@@ -16,6 +17,8 @@ constexpr std::array<std::uint8_t, 256> make_classes() {
   for (int c = 0x80; c < 256; ++c) table[c] = word;
   for (const char c : {'_', '.', '\\', '?'}) table[static_cast<unsigned char>(c)] = word;
   for (const char c : {' ', '\t', '\r', '\n'}) table[static_cast<unsigned char>(c)] = blank;
+  for (const char c : {'+', '-', '*', '/', '^', '&', '=', '<', '>', '@', ':', ',', ';', '(', '{'})
+    table[static_cast<unsigned char>(c)] = plain;
   return table;
 }
 
@@ -85,6 +88,19 @@ Token Lexer::next() noexcept {
       return make(TokenKind::qualifier, begin_ + 1);
     default:
       return read_operator();
+  }
+}
+
+Token Lexer::next_area() noexcept {
+  while (true) {
+    if (is(at(pos_), plain)) {
+      last_ = TokenKind::plus;
+      while (is(at(pos_), plain)) ++pos_;
+    }
+    const Token token = next();
+    if (token.kind == TokenKind::area || token.kind == TokenKind::end ||
+        token.kind == TokenKind::invalid)
+      return token;
   }
 }
 

@@ -55,6 +55,9 @@ class Lexer {
  public:
   explicit Lexer(std::string_view formula) noexcept : text_(formula) {}
   Token next() noexcept;
+  /// The next area token; everything before it is passed over. The end, or an invalid token, when
+  /// there is none.
+  Token next_area() noexcept;
   /// The corners of the area token that was read last.
   const WrittenArea& area() const noexcept { return area_; }
   std::string_view text(const Token& token) const noexcept {
