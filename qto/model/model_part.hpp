@@ -126,6 +126,8 @@ class ModelPart : public Object {
   /// What Create does for the cell at `pos`, without a host range.
   void create_cell(const Ref<SheetRecord>& sheet, CellPos pos);
   void put_HasError(bool value) noexcept { set(error, value); }
+  /// Gives up both precedent lists.
+  void clear_precedents();
   bool is_range() const noexcept { return type_ == Type::range; }
   bool is_name() const noexcept { return type_ == Type::name; }
   /// The record of the sheet that a cell part lies on, or nothing.
@@ -201,7 +203,6 @@ class ModelPart : public Object {
   void set_series_results(std::int32_t style);
   void clear_title_silently();
   Ref<host::Range> range() const;
-  void clear_precedents();
 
   Ref<SheetRecord> sheet_;  // set for a part of one cell; its position is pos_
   CellPos pos_;

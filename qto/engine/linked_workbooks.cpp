@@ -1,0 +1,85 @@
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/engine/drill_down.hpp"
+#include "qto/host/host.hpp"
+#include "qto/links/main.hpp"
+#include "qto/links/path_helpers.hpp"
+
+namespace qto {
+namespace {
+
+/// Opens read-only; a host failure is a null result.
+Ref<host::Workbook> try_open(const std::string& full_name, const std::string& password) {
+  try {
+    return Main::shared_application()->Workbooks()->Open(full_name, {}, true, password);
+  } catch (const std::exception&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
+  Procedure proc("DrillDown", "open_linked_book");
+  const auto& app = Main::shared_application();
+  const auto active = app->ActiveWorkbook();
+  const std::string full_name = part->WorkBookFullName();
+  const auto record = [&](qtoReasonNotOpened reason, std::string_view password = {}) {
+    add_linked_book(*part, reason, password);
+    return reason;
+  };
+  if (!Main::FileExists(full_name)) return record(qtownoNotFound);
+  if (duplicate_book_name_open(part)) return qtoWNOOK;
+  if (Main::IsURL(full_name)) {
+    bool cancel = false;
+    BeforeInternetAccess(part->WorkBookPath(), part->WorkBookName(), cancel);
+    if (cancel) return record(qtownoUserDecision);
+  }
+  app->bring_to_front();
+  std::string password;
+  auto workbook = try_open(full_name, password);
+  if (!workbook) {
+    AskForPassword(part, password);
+    if (password.empty()) return record(qtownoOther);
+    workbook = try_open(full_name, password);
+  }
+  qtoReasonNotOpened reason = qtoWNOOK;
+  if (!workbook) {
+    reason = record(qtownoOther);
+  } else if (circularity_guard_ && contains_circular_reference(workbook)) {
+    reason = record(qtoWNOCircularReference);
+    workbook->Close(false);
+  } else {
+    record(qtoWNOOK, password);
+    remove_row_and_column_labels(workbook);
+    if (active) active->Activate();
+  }
+  AfterOpenBookAttempt(part->WorkBookPath(), part->WorkBookName(), reason);
+  return reason;
+}
+
+bool DrillDown::duplicate_book_name_open(const Ref<ModelPart>& part) {
+  Procedure proc("DrillDown", "duplicate_book_name_open");
+  auto open = Main::shared_application()->Workbooks()->find(part->WorkBookName());
+  if (!open) return false;
+  bool proceed = false;
+  DuplicateBookName(open, part->WorkBookPath(), part->WorkBookName(), proceed);
+  if (!proceed) add_linked_book(*part, qtownoDuplicateName, "");
+  return true;
+}
+
+void DrillDown::add_linked_book(const ModelPart& part, qtoReasonNotOpened reason,
+                                std::string_view password) {
+  Procedure proc("DrillDown", "add_linked_book");
+  auto book = make_ref<LinkedBook>();
+  book->put_Path(part.WorkBookPath());
+  book->put_Name(part.WorkBookName());
+  book->put_WhyNotOpened(reason);
+  if (reason == qtoWNOOK) {
+    book->put_Password(password);
+    Main::BooksOpened()->AddExisting(book);
+  } else {
+    Main::BooksNotOpened()->AddExisting(book);
+  }
+}
+
+}  // namespace qto

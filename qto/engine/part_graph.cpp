@@ -1,0 +1,89 @@
+#include "qto/engine/part_graph.hpp"
+
+#include <unordered_map>
+#include <vector>
+
+#include "qto/model/model_part.hpp"
+#include "qto/model/model_parts.hpp"
+
+namespace qto {
+namespace {
+
+/// Never destroyed: what is still watched when the process ends needs no taking down.
+std::vector<Ref<ModelPart>>& watched() {
+  static auto* const parts = new std::vector<Ref<ModelPart>>;
+  return *parts;
+}
+
+/// Tells which watched parts somebody outside can still reach.
+class Reachability {
+ public:
+  explicit Reachability(const std::vector<Ref<ModelPart>>& parts) {
+    for (const auto& part : parts) counts_[part.get()] = 0;
+    for (const auto& part : parts) count_list(part->DirectPrecedents());
+    for (const auto& part : parts) {
+      const auto& list = part->DirectPrecedents();
+      if (list && list->ref_count() > holders_[list.get()]) mark_items(*list);
+      // One reference is the watch itself.
+      if (part->ref_count() > counts_[part.get()] + 1) mark(part.get());
+    }
+    follow();
+  }
+
+  bool reaches(const ModelPart* part) const { return reached_.contains(part); }
+
+ private:
+  void count_list(const Ref<ModelParts>& list) {
+    if (!list || holders_[list.get()]++ > 0) return;
+    list->for_each([this](ModelPart& item) {
+      const auto known = counts_.find(&item);
+      if (known != counts_.end()) ++known->second;
+    });
+  }
+  void mark(ModelPart* part) {
+    if (counts_.contains(part) && reached_.try_emplace(part, true).second) open_.push_back(part);
+  }
+  void mark_items(ModelParts& list) {
+    list.for_each([this](ModelPart& item) { mark(&item); });
+  }
+  void follow() {
+    while (!open_.empty()) {
+      ModelPart* part = open_.back();
+      open_.pop_back();
+      if (const auto& list = part->DirectPrecedents()) mark_items(*list);
+    }
+  }
+
+  std::unordered_map<const ModelPart*, std::uint32_t> counts_;    // references from watched lists
+  std::unordered_map<const ModelParts*, std::uint32_t> holders_;  // watched parts per list
+  std::unordered_map<const ModelPart*, bool> reached_;
+  std::vector<ModelPart*> open_;
+};
+
+}  // namespace
+
+void watch_graph(const Ref<ModelPart>& start, ModelParts& parts) {
+  watched().push_back(start);
+  parts.for_each([](ModelPart& part) { watched().emplace_back(&part); });
+}
+
+void release_lost_graphs() {
+  if (watched().empty()) return;
+  std::vector<Ref<ModelPart>> parts;
+  {
+    // A part may have been watched by several drills; it is one reference here.
+    std::unordered_map<ModelPart*, bool> once;
+    for (auto& part : watched())
+      if (once.try_emplace(part.get(), true).second) parts.push_back(part);
+    watched().clear();
+  }
+  const Reachability outside(parts);
+  for (auto& part : parts) {
+    if (outside.reaches(part.get()))
+      watched().push_back(part);
+    else
+      part->clear_precedents();
+  }
+}
+
+}  // namespace qto

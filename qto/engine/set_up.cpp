@@ -1,0 +1,92 @@
+#include "qto/automation/error.hpp"
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/engine/drill_down.hpp"
+#include "qto/engine/memory_status.hpp"
+#include "qto/host/host.hpp"
+#include "qto/links/main.hpp"
+
+namespace qto {
+
+void DrillDown::DrillHere() {
+  Procedure proc("DrillDown", "DrillHere");
+  set_up();
+  circularity_guard_ = maximum_depth_ == 0;
+  if (circularity_guard_) refuse_circular_start();
+  drill_this_cell(start_part_);
+  parts_analysed_ = nullptr;
+}
+
+void DrillDown::FindInputs() {
+  Procedure proc("DrillDown", "FindInputs");
+  set_up();
+  circularity_guard_ = true;
+  refuse_circular_start();
+  input_cells_ = make_ref<ModelParts>();
+  drill_to_inputs(start_part_);
+  parts_analysed_ = nullptr;
+}
+
+void DrillDown::TraceError() {
+  Procedure proc("DrillDown", "TraceError");
+  set_up();
+  circularity_guard_ = true;
+  refuse_circular_start();
+  error_cells_ = make_ref<ModelParts>();
+  drill_to_errors(start_part_);
+  parts_analysed_ = nullptr;
+}
+
+void DrillDown::set_up() {
+  Procedure proc("DrillDown", "set_up");
+  parts_analysed_ = make_ref<ModelParts>();
+  exceeded_ = false;
+  met_cycle_ = false;
+  input_cells_ = nullptr;
+  error_cells_ = nullptr;
+  if (!start_workbook_) throw AutomationError(ErrorNumber::wrong_object);
+  remove_row_and_column_labels(start_workbook_);
+}
+
+void DrillDown::refuse_circular_start() {
+  if (contains_circular_reference(start_workbook_))
+    throw AutomationError(ErrorNumber::circular_reference);
+}
+
+bool DrillDown::contains_circular_reference(const Ref<host::Workbook>& workbook) {
+  Procedure proc("DrillDown", "contains_circular_reference");
+  bool found = false;
+  (void)proc.step([&] {
+    for (int position = 1; position <= workbook->WorksheetsCount(); ++position)
+      if (workbook->Worksheets(position)->CircularReference()) found = true;
+  });
+  return found;
+}
+
+void DrillDown::remove_row_and_column_labels(const Ref<host::Workbook>& workbook) {
+  Procedure proc("DrillDown", "remove_row_and_column_labels");
+  (void)proc.step([&] {
+    if (!workbook->AcceptLabelsInFormulas()) return;
+    const auto app = workbook->Application();
+    const bool alerts = app->DisplayAlerts();
+    RemoveRowAndColumnLabels(workbook);
+    app->put_DisplayAlerts(false);
+    try {
+      workbook->put_AcceptLabelsInFormulas(false);
+    } catch (...) {
+      app->put_DisplayAlerts(alerts);
+      throw;
+    }
+    app->put_DisplayAlerts(alerts);
+  });
+}
+
+void DrillDown::check_max_items(std::int32_t count) {
+  if (maximum_items_ == 0 || exceeded_ || count < next_item_threshold_) return;
+  Procedure proc("DrillDown", "check_max_items");
+  exceeded_ = true;
+  MaxItemsExceeded(maximum_items_, count, exceeded_,
+                   saturated(memory_baseline_ - available_memory()));
+  if (!exceeded_) next_item_threshold_ += maximum_items_;
+}
+
+}  // namespace qto

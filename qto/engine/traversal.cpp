@@ -1,0 +1,203 @@
+#include <deque>
+#include <optional>
+
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/engine/drill_down.hpp"
+#include "qto/engine/part_graph.hpp"
+#include "qto/host/application.hpp"
+#include "qto/links/main.hpp"
+#include "qto/parser/parser.hpp"
+
+namespace qto {
+
+/// One part under way: its precedents and how far the pass over them has come.
+struct DrillDown::Frame {
+  explicit Frame(Ref<ModelPart> entered) : part(std::move(entered)) {}
+  Ref<ModelPart> part;
+  std::optional<ModelParts::Pass> pass;
+};
+
+/// A depth-first walk with its own stack: it visits in the order of a recursive one, at any depth.
+/// However it ends, the parser's parent stack and the depth are as before.
+class DrillDown::Walk {
+ public:
+  enum class EmptyLists { keep, drop };
+  Walk(DrillDown& drill, const diagnostics::QualifiedName& name, EmptyLists empty_lists)
+      : drill_(drill),
+        name_(name),
+        drops_empty_lists_(empty_lists == EmptyLists::drop),
+        parents_(drill.clsParser_->ParentCount()),
+        depth_(drill.current_depth_) {}
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+  ~Walk() {
+    while (!stack_.empty()) pop();
+    while (drill_.clsParser_->ParentCount() > parents_) drill_.clsParser_->RemoveParentRange();
+    drill_.current_depth_ = depth_;
+  }
+
+  /// `enter` determines the part's precedents and gives the list to pass over, or null; `visit`
+  /// handles one precedent and answers whether to descend into it.
+  template <class Enter, class Visit>
+  void run(const Ref<ModelPart>& start, Enter&& enter, Visit&& visit) {
+    push(start, enter);
+    while (!stack_.empty()) {
+      Frame& frame = stack_.back();
+      ModelPart* next = frame.pass ? frame.pass->next() : nullptr;
+      if (!next) {
+        pop();
+        continue;
+      }
+      Ref<ModelPart> precedent(next);
+      if (visit(precedent, frame.pass->list())) push(std::move(precedent), enter);
+    }
+  }
+
+ private:
+  template <class Enter>
+  void push(Ref<ModelPart> part, Enter&& enter) {
+    if (diagnostics::tracing()) diagnostics::trace_in(name_);
+    stack_.emplace_back(std::move(part));
+    Frame& frame = stack_.back();
+    drill_.yield();
+    ++drill_.current_depth_;
+    frame.part->mark_walk(true);
+    if (frame.part->is_range()) drill_.clsParser_->AddParentRange(*frame.part);
+    if (const Ref<ModelParts> list = enter(frame.part)) frame.pass.emplace(list);
+  }
+
+  void pop() {
+    const Frame& frame = stack_.back();
+    const auto& list = frame.part->DirectPrecedents();
+    if (drops_empty_lists_ && list && list->Count() == 0)
+      frame.part->putref_DirectPrecedents(nullptr);
+    if (frame.part->is_range() && drill_.clsParser_->ParentCount() > parents_)
+      drill_.clsParser_->RemoveParentRange();
+    frame.part->mark_walk(false);
+    --drill_.current_depth_;
+    stack_.pop_back();
+    if (diagnostics::tracing()) diagnostics::trace_out(name_);
+  }
+
+  DrillDown& drill_;
+  const diagnostics::QualifiedName& name_;
+  const bool drops_empty_lists_;
+  const std::size_t parents_;
+  const std::int32_t depth_;
+  std::deque<Frame> stack_;
+};
+
+void DrillDown::yield() {
+  if (const auto& app = Main::shared_application()) app->yield();
+}
+
+void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
+  Procedure proc("DrillDown", "find_precedents_if_necessary");
+  if (!part->CheckedForPrecedents()) {
+    bool cancel = false;
+    BeforeGetPrecedents(part, cancel);
+    if (cancel)
+      part->put_CheckedForPrecedents(true);
+    else
+      clsParser_->Parse(*part);
+  }
+  yield();
+}
+
+bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
+  Procedure proc("DrillDown", "already_seen");
+  Ref<ModelPart> canonical(parts_analysed_->find(part->Key()));
+  if (!canonical) {
+    parts_analysed_->AddExisting(part);
+    check_max_items(parts_analysed_->Count());
+    return false;
+  }
+  if (canonical != part) {
+    const PartKey key = part->Key();
+    list.remove(key);
+    list.AddExisting(canonical);
+    canonical->CheckForChanges();
+    part = canonical;
+  }
+  if (part->on_walk()) met_cycle_ = true;
+  return true;
+}
+
+void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
+  static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_this_cell"};
+  {
+    Walk walk(*this, name, Walk::EmptyLists::drop);
+    walk.run(
+        start,
+        [this](Ref<ModelPart>& part) {
+          if (!parts_analysed_->find(part->Key())) part->put_CheckedForPrecedents(false);
+          find_precedents_if_necessary(part);
+          return part->DirectPrecedents();
+        },
+        [this](Ref<ModelPart>& precedent, ModelParts& list) {
+          const bool seen = already_seen(precedent, list);
+          if (maximum_depth_ != 0 && current_depth_ >= maximum_depth_) return false;
+          return !exceeded_ && !precedent->IsUnknown() && !seen;
+        });
+  }
+  if (met_cycle_) watch_graph(start, *parts_analysed_);
+}
+
+void DrillDown::collect_input(Ref<ModelPart>& part) {
+  switch (part->FormulaContainsConstant()) {
+    case qtoFormulaContainsConstant:
+      input_cells_->AddExisting(part);
+      break;
+    case qtoFormulaContainsConstZeroOrOne:
+      if (!ignore_zero_or_one_) input_cells_->AddExisting(part);
+      break;
+    case qtoNoConstantInFormula:
+      break;
+  }
+}
+
+void DrillDown::drill_to_inputs(const Ref<ModelPart>& start) {
+  static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_to_inputs"};
+  Walk walk(*this, name, Walk::EmptyLists::keep);
+  walk.run(
+      start,
+      [this](Ref<ModelPart>& part) {
+        find_precedents_if_necessary(part);
+        const Ref<ModelParts> list = part->DirectPrecedents();
+        if (list)
+          collect_input(part);
+        else
+          input_cells_->AddExisting(part);
+        return list;
+      },
+      [this](Ref<ModelPart>& precedent, ModelParts& list) {
+        if (already_seen(precedent, list) || exceeded_) return false;
+        if (!precedent->IsUnknown()) return true;
+        input_cells_->AddExisting(precedent);
+        return false;
+      });
+}
+
+void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
+  static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_to_errors"};
+  Walk walk(*this, name, Walk::EmptyLists::keep);
+  walk.run(
+      start,
+      [this](Ref<ModelPart>& part) {
+        find_precedents_if_necessary(part);
+        Ref<ModelParts> list = part->DirectPrecedents();
+        bool any_error = false;
+        if (list) list->for_each([&](ModelPart& item) { any_error |= item.HasError(); });
+        if (any_error) return list;
+        error_cells_->AddExisting(part);
+        return Ref<ModelParts>();
+      },
+      [this](Ref<ModelPart>& precedent, ModelParts& list) {
+        if (already_seen(precedent, list) || exceeded_) return false;
+        if (!precedent->IsUnknown()) return precedent->HasError();
+        error_cells_->AddExisting(precedent);
+        return false;
+      });
+}
+
+}  // namespace qto

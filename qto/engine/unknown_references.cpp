@@ -1,0 +1,97 @@
+#include "qto/automation/error.hpp"
+#include "qto/diagnostics/failure_number.hpp"
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/engine/drill_down.hpp"
+#include "qto/host/host.hpp"
+#include "qto/links/main.hpp"
+
+namespace qto {
+
+void DrillDown::clsParser_UnknownObjectFound(Ref<ModelPart>& unknown, Ref<ModelParts>& list,
+                                             std::int32_t& fatal_error) {
+  Procedure proc("DrillDown", "clsParser_UnknownObjectFound");
+  try {
+    follow_unknown(unknown, list);
+  } catch (const std::exception& failure) {
+    fatal_error = diagnostics::number_of(failure);
+  }
+}
+
+void DrillDown::follow_unknown(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
+  const auto& app = Main::shared_application();
+  if (app->Workbooks()->find(unknown->WorkBookName())) return try_to_find(unknown, *list);
+  const std::string full_name = unknown->WorkBookFullName();
+  const auto linked = Main::BooksOpened()->find(full_name);
+  if (!linked) {
+    // A book that was not opened once is not offered again.
+    if (!Main::BooksNotOpened()->find(full_name)) ask_to_open(unknown, list);
+    return;
+  }
+  if (linked->OpenIt(app)) return try_to_find(unknown, *list);
+  Main::BooksOpened()->Remove(full_name);
+  linked->put_WhyNotOpened(qtownoOther);
+  Main::BooksNotOpened()->AddExisting(linked);
+}
+
+void DrillDown::ask_to_open(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
+  bool user_choice = true;
+  AskToOpenBook(unknown, user_choice);
+  if (!user_choice)
+    add_linked_book(*unknown, qtownoUserDecision, "");
+  else if (open_linked_book(unknown) == qtoWNOOK)
+    try_to_find(unknown, *list);
+}
+
+void DrillDown::try_to_find(const Ref<ModelPart>& part, ModelParts& list) {
+  Procedure proc("DrillDown", "try_to_find");
+  if (part->is_range())
+    find_range_of(part, list);
+  else if (part->is_name())
+    find_name_of(part);
+  else
+    throw AutomationError(ErrorNumber::out_of_range);
+}
+
+void DrillDown::find_range_of(const Ref<ModelPart>& part, ModelParts& list) {
+  const auto workbook = Main::shared_application()->Workbooks()->find(part->WorkBookName());
+  const auto sheet =
+      workbook ? ref_cast<host::Worksheet>(workbook->find_sheet(part->WorkSheetName())) : nullptr;
+  Rect block;
+  if (!sheet || !sheet->find_block(part->AddressShort(), block)) {
+    part->put_Exists(false);
+    return;
+  }
+  list.remove(part->Key());
+  const auto record = make_ref<SheetRecord>(sheet);
+  for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
+    for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
+      auto cell = make_ref<ModelPart>();
+      cell->create_cell(record, {row, column});
+      list.AddExisting(cell);
+    }
+  }
+}
+
+void DrillDown::find_name_of(const Ref<ModelPart>& part) {
+  const auto workbook = Main::shared_application()->Workbooks()->find(part->WorkBookName());
+  Ref<host::DefinedName> name;
+  if (workbook && part->WorkSheetName().empty()) {
+    name = workbook->find_name(part->AddressShort());
+  } else if (workbook) {
+    const auto sheet = workbook->find_worksheet(part->WorkSheetName());
+    if (sheet) name = sheet->find_name(part->AddressShort());
+  }
+  if (name)
+    part->Create(name, "Name");
+  else
+    part->put_Exists(false);
+}
+
+void DrillDown::clsParser_ParserFoundDDEOLELink(const std::string& application,
+                                                const std::string& document,
+                                                const std::string& link, Ref<ModelPart>& part) {
+  Procedure proc("DrillDown", "clsParser_ParserFoundDDEOLELink");
+  DDEOLELink(application, document, link, part);
+}
+
+}  // namespace qto

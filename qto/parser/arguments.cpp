@@ -1,0 +1,82 @@
+#include "qto/parser/arguments.hpp"
+
+#include "qto/automation/error.hpp"
+#include "qto/diagnostics/procedure.hpp"
+
+namespace qto {
+
+Tokens take_argument(Tokens tokens, std::size_t& position, bool& is_last) {
+  Procedure proc("Parser", "is_last_arg");
+  const std::size_t start = position;
+  for (int depth = 0; position <= tokens.size(); ++position) {
+    const std::string_view text = tokens[position - 1].text;
+    if (text == "(") ++depth;
+    if (text == ")" && --depth < 0) break;
+    if (text == "," && depth == 0) break;
+  }
+  if (position > tokens.size())
+    throw NumberedFailure(9, "a function call without its closing parenthesis");
+  is_last = tokens[position - 1].text == ")";
+  return tokens.subspan(start - 1, position - start);
+}
+
+std::vector<Tokens> get_args(Tokens tokens, std::size_t& position) {
+  Procedure proc("Parser", "get_args");
+  std::vector<Tokens> arguments;
+  bool is_last = false;
+  for (;;) {
+    arguments.push_back(take_argument(tokens, position, is_last));
+    if (is_last) return arguments;
+    if (arguments.size() == most_arguments)
+      throw NumberedFailure(static_cast<std::int32_t>(ErrorNumber::out_of_range),
+                            "more than five arguments in a special function");
+    ++position;
+  }
+}
+
+std::string args_array_to_string(Tokens argument) {
+  Procedure proc("Parser", "args_array_to_string");
+  std::string out;
+  std::string_view path;
+  bool quoted = false;
+  for (const Token& token : argument) {
+    switch (token.type) {
+      case TokenType::path_name:
+        path = token.text;
+        break;
+      case TokenType::workbook: {
+        const bool bracketed = out.ends_with('[');
+        if (bracketed) out.pop_back();
+        // 'D:\Data\Book2.xls'!Rate has no bracket: the separator stands before the book.
+        if (!path.empty() && !bracketed && !out.empty()) out.pop_back();
+        out.append("'").append(path);
+        if (!bracketed && !path.empty()) out.push_back('\\');
+        if (bracketed) out.push_back('[');
+        out.append(token.text);
+        path = {};
+        quoted = true;
+        break;
+      }
+      case TokenType::worksheet:
+        if (!quoted) out.push_back('\'');
+        out.append(token.text);
+        quoted = true;
+        break;
+      default:
+        if (quoted && token.text != "]") {
+          out.push_back('\'');
+          quoted = false;
+        }
+        out.append(token.text);
+    }
+  }
+  return out;
+}
+
+std::string join_texts(Tokens tokens) {
+  std::string out;
+  for (const Token& token : tokens) out.append(token.text);
+  return out;
+}
+
+}  // namespace qto

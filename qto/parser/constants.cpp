@@ -1,0 +1,55 @@
+#include "qto/automation/text.hpp"
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/parser/parser.hpp"
+
+namespace qto {
+
+/// The value only ever rises: from none to zero-or-one, from either to a real constant.
+void Parser::flag_contains_constant(std::string_view text) {
+  Procedure proc("Parser", "flag_contains_constant");
+  const auto number = text::to_number(text);
+  if (!number) return;
+  if (*number != 0 && *number != 1)
+    part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
+  else if (part_->FormulaContainsConstant() == qtoNoConstantInFormula)
+    part_->put_FormulaContainsConstant(qtoFormulaContainsConstZeroOrOne);
+}
+
+namespace {
+
+bool is_zero(const Variant& value) noexcept {
+  if (const auto* number = value.get_if<double>()) return *number == 0;
+  if (const auto* whole = value.get_if<std::int32_t>()) return *whole == 0;
+  if (const auto* date = value.get_if<Date>()) return date->serial == 0;
+  if (!value.is_text()) return false;
+  const auto number = text::to_number(value.text());
+  return number && *number == 0;
+}
+
+}  // namespace
+
+bool leaves_something_out(const DrillOptions& options) {
+  return !options.ShowZeros() || !options.ShowBlanks() || !options.ShowDates();
+}
+
+void Parser::parse_zeros_blanks_dates_intelligently() {
+  Procedure proc("Parser", "parse_zeros_blanks_dates_intelligently");
+  const bool zeros = options().ShowZeros();
+  const bool blanks = options().ShowBlanks();
+  const bool dates = options().ShowDates();
+  if (zeros && blanks && dates) return;
+  ModelParts::Pass pass(found_);
+  while (ModelPart* found = pass.next()) {
+    const Variant& value = found->value();
+    if (found->IsUnknown() || value.is_error()) continue;
+    if (!found->is_range() && !found->is_name()) continue;
+    const bool marked =
+        (!zeros && is_zero(value)) || (!blanks && value.is_empty()) || (!dates && value.is_date());
+    if (!marked) continue;
+    const PartKey key = found->Key();
+    found_->remove(key);
+    part_->put_IntelligentDrillingUsed(true);
+  }
+}
+
+}  // namespace qto

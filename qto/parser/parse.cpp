@@ -1,0 +1,103 @@
+#include "qto/automation/error.hpp"
+#include "qto/diagnostics/procedure.hpp"
+#include "qto/host/host.hpp"
+#include "qto/links/main.hpp"
+#include "qto/parser/parser.hpp"
+
+namespace qto {
+
+Parser::Parser() : all_(make_ref<ModelParts>()) { Procedure proc("Parser", "Class_Initialize"); }
+
+Parser::~Parser() = default;
+
+void Parser::putref_ParseOptions(Ref<DrillOptions> options) {
+  Procedure proc("Parser", "ParseOptions[Set]");
+  options_ = std::move(options);
+}
+
+const DrillOptions& Parser::options() {
+  if (!options_) options_ = make_ref<DrillOptions>();
+  return *options_;
+}
+
+void Parser::AddParentRange(ModelPart& part) {
+  Procedure proc("Parser", "AddParentRange");
+  parents_.emplace_back(&part);
+}
+
+void Parser::RemoveParentRange() {
+  Procedure proc("Parser", "RemoveParentRange");
+  (void)proc.step([&] {
+    if (parents_.empty()) throw NumberedFailure(9, "no parent part to remove");
+    parents_.pop_back();
+  });
+}
+
+ModelPart& Parser::most_recent_parent() {
+  if (parents_.empty()) throw NumberedFailure(9, "no parent part");
+  return *parents_.back();
+}
+
+void Parser::enter_part(ModelPart& part) {
+  part_ = Ref<ModelPart>(&part);
+  const auto workbook = part.Workbook();
+  const bool same_place = workbook == own_workbook_ && part.sheet_record() &&
+                          part.sheet_record() == last_record_ && own_worksheet_ &&
+                          own_worksheet_->IdentityStamp() == last_record_->stamp &&
+                          last_record_->stamp != 0;
+  if (!same_place) {
+    own_workbook_ = workbook;
+    own_path_ = part.WorkBookPath();
+    own_book_ = part.WorkBookName();
+    own_sheet_ = part.WorkSheetName();
+    last_record_ = part.sheet_record();
+    own_worksheet_ = last_record_ ? last_record_->sheet : find_sheet(own_book_, own_sheet_);
+  }
+  const auto& app = Main::shared_application();
+  const auto first = app ? app->Workbooks()->find(1) : nullptr;
+  form_sheet_ = first && first->WorksheetsCount() > 0 ? first->Worksheets(1) : nullptr;
+}
+
+void Parser::Parse(ModelPart& part) {
+  Procedure proc("Parser", "Parse");
+  part.put_CheckedForPrecedents(false);
+  if (part.IsUnknown()) {
+    part.putref_DirectPrecedents(nullptr);
+    part.putref_AllPrecedents(nullptr);
+    part.put_CheckedForPrecedents(true);
+    return;
+  }
+  const std::string_view formula = part.read_formula_again();
+  if (!formula.starts_with('=')) {
+    part.put_IsConstant(true);
+    part.putref_DirectPrecedents(nullptr);
+    part.putref_AllPrecedents(nullptr);
+    part.put_CheckedForPrecedents(true);
+    return;
+  }
+  found_ = make_ref<ModelParts>();
+  if (!proc.step([&] { enter_part(part); })) return;
+  split_formula(formula, table_);
+  bool drill_intelligently = false;
+  do_parse(table_.tokens, drill_intelligently);
+  if (!proc.step([&] { check_for_unknown_precedents(); })) return;
+  if (drill_intelligently || leaves_something_out(options())) keep_all_precedents();
+  if (drill_intelligently) parse_functions_intelligently();
+  part.putref_DirectPrecedents(found_);
+  part.put_CheckedForPrecedents(true);
+  part.put_IsConstant(found_->Count() == 0);
+  if (found_->Count() > 0) parse_zeros_blanks_dates_intelligently();
+  part.putref_AllPrecedents(part.IntelligentDrillingUsed() ? all_ : nullptr);
+  if (found_->Count() == 0) found_ = nullptr;
+}
+
+/// What the first walk found; only a part that drops some of it keeps this list.
+void Parser::keep_all_precedents() {
+  all_ = make_ref<ModelParts>();
+  found_->for_each([this](ModelPart& part) {
+    Ref<ModelPart> shared(&part);
+    all_->AddExisting(shared);
+  });
+}
+
+}  // namespace qto

@@ -1,0 +1,141 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "qto/automation/event.hpp"
+#include "qto/automation/variant.hpp"
+#include "qto/engine/options/drill_options.hpp"
+#include "qto/host/application.hpp"
+#include "qto/host/range.hpp"
+#include "qto/host/workbook.hpp"
+#include "qto/host/worksheet.hpp"
+#include "qto/model/model_part.hpp"
+#include "qto/model/model_parts.hpp"
+#include "qto/parser/token.hpp"
+
+namespace qto {
+
+/// True when some precedents are to be left out for what they hold.
+bool leaves_something_out(const DrillOptions& options);
+
+/// Finds the direct precedents of one part at a time: reads its formula, cuts it into tokens,
+/// resolves every reference through the host and stores the results in the part. Private to the
+/// engine; a DrillDown owns one.
+class Parser {
+ public:
+  Parser();
+  ~Parser();
+
+  /// Unknown part, the list that holds it, and an answer: a number other than 0 is raised.
+  Event<Ref<ModelPart>&, Ref<ModelParts>&, std::int32_t&> UnknownObjectFound;
+  /// Application, document, item, and the part that stands for the link.
+  Event<const std::string&, const std::string&, const std::string&, Ref<ModelPart>&>
+      ParserFoundDDEOLELink;
+
+  void Parse(ModelPart& part);
+  /// The options to read; without any, those of a new DrillOptions apply.
+  void putref_ParseOptions(Ref<DrillOptions> options);
+
+  /// The parts whose formulas are being drilled, most recent last.
+  void AddParentRange(ModelPart& part);
+  void RemoveParentRange();
+  std::size_t ParentCount() const noexcept { return parents_.size(); }
+
+  // The pieces, open to tests
+
+  /// Cuts and classifies a formula as the formulas of the part being parsed.
+  void split_formula(std::string_view formula, TokenTable& table);
+  /// Makes `part` the part being parsed without parsing it.
+  void enter_part(ModelPart& part);
+  TokenType is_name(std::string_view name, std::string& book, std::string& sheet);
+  bool is_range(std::string_view text);
+  bool is_book_open(std::string_view book);
+
+ private:
+  /// Where the next reference is looked up: what was written before it, or the part's own place.
+  struct Qualifiers {
+    std::string_view path, book, sheet;
+  };
+  struct LinkText {
+    std::string_view application, document;
+  };
+
+  // Tokens
+  void classify(TokenTable& table, std::size_t i);
+  void check_token_book_and_path(TokenTable& table, std::size_t i);
+  void check_token_for_name(TokenTable& table, std::size_t i);
+
+  // Resolution
+  Ref<host::Workbook> find_book(std::string_view book);
+  Ref<host::Worksheet> find_sheet(std::string_view book, std::string_view sheet);
+  void workbook_name_found(Qualifiers at, std::string_view name);
+  void worksheet_name_found(const Qualifiers& at, std::string_view name);
+  void add_name_part(const Ref<Object>& name_object, std::string_view name);
+  Ref<host::Range> parent_range();
+  ModelPart& most_recent_parent();
+
+  // The walk
+  void do_parse(Tokens tokens, bool& second_pass);
+  bool walk_token(Tokens tokens, std::size_t& i, Qualifiers& at, LinkText& link, bool second_pass);
+  bool wants_intelligent_drilling(TokenType type);
+  void link_found(const LinkText& link, std::string_view item);
+  void check_for_unknown_precedents();
+  void keep_all_precedents();
+  const DrillOptions& options();
+
+  // Intelligent drilling: the second walk, which follows only what feeds the result
+  void parse_functions_intelligently();
+  void drill_function(Tokens tokens, std::size_t& i);
+  void parse_if(Tokens tokens, std::size_t& i);
+  void parse_table_lookup(Tokens tokens, std::size_t& i);
+  void parse_lookup(Tokens tokens, std::size_t& i);
+  void parse_match(Tokens tokens, std::size_t& i);
+  void parse_index(Tokens tokens, std::size_t& i);
+  void parse_sumif(Tokens tokens, std::size_t& i);
+  void parse_indirect(Tokens tokens, std::size_t& i);
+  void parse_indirect_real(const std::string& text);
+  void parse_offset(Tokens tokens, std::size_t& i);
+  Variant local_eval(const std::string& text);
+  Ref<host::Range> local_eval_range(const std::string& text);
+  Ref<host::Worksheet> evaluation_sheet();
+  Variant lookup_value(Tokens argument);
+  void add_cell_part(const Ref<host::Range>& cell);
+  void walk_text(const std::string& formula, bool second_pass);
+
+  // References
+  void add_new_range_found(const Qualifiers& at, std::string_view address);
+  void add_possible_name_found(const Qualifiers& at, std::string_view name);
+  void add_unknown_range(const Qualifiers& at, std::string_view address);
+  void add_cell_precedents(const Ref<host::Workbook>& workbook, std::string_view sheet,
+                           std::string_view address);
+  std::vector<Ref<SheetRecord>> sheets_for_reference(const Ref<host::Workbook>& workbook,
+                                                     std::string_view sheet);
+  void add_cells_of(const Ref<SheetRecord>& sheet, std::string_view address);
+  Ref<SheetRecord> record_of(const Ref<host::Worksheet>& sheet);
+  Ref<SheetRecord> record_named(const Ref<host::Workbook>& workbook, std::string_view sheet);
+  bool reopen_linked_book(std::string_view path, std::string_view book);
+  Qualifiers own_place() const noexcept { return {own_path_, own_book_, own_sheet_}; }
+
+  // Constants
+  void flag_contains_constant(std::string_view text);
+  void parse_zeros_blanks_dates_intelligently();
+
+  std::vector<Ref<ModelPart>> parents_;
+  Ref<DrillOptions> options_;
+  Ref<ModelPart> part_;
+  Ref<ModelParts> found_;
+  Ref<ModelParts> all_;
+  Ref<host::Workbook> own_workbook_;
+  Ref<host::Worksheet> own_worksheet_;
+  Ref<host::Worksheet> form_sheet_;  // where address forms are tested
+  std::string own_path_, own_book_, own_sheet_;
+  TokenTable table_;
+  std::unordered_map<std::uint64_t, Ref<SheetRecord>> records_;  // by identity stamp
+  Ref<SheetRecord> last_record_;
+};
+
+}  // namespace qto
