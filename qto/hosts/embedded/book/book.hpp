@@ -37,6 +37,8 @@ class Book {
   bool date1904 = false;
   bool accept_labels = false;
   bool structure_locked = false;
+  /// Position, from 0, of the sheet that was in front when the file was saved.
+  std::size_t active_sheet = 0;
   TextPool texts;
   StyleTable styles;
   NameTable names;

@@ -1,24 +1,13 @@
 #include "qto/hosts/embedded/xlsx/cell_reader.hpp"
 
 #include <algorithm>
-#include <array>
 
+#include "qto/hosts/embedded/xlsx/cell_error.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
 namespace qto::embedded {
-namespace {
-
-ErrorValue error_from(std::string_view text) noexcept {
-  using enum ErrorValue;
-  for (const ErrorValue known : {null, div0, value, ref, name, num, na, getting_data, spill, calc})
-    if (text == error_text(known)) return known;
-  return value;  // of a kind that came later
-}
-
-}  // namespace
-
 CellReader::CellReader(LoadContext& context, Sheet& sheet)
     : context_(context), sheet_(sheet), formulas_(context, sheet) {}
 

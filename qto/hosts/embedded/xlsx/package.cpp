@@ -52,7 +52,9 @@ void Package::index_parts() {
     // stand in for another.
     if (climbs_out(entry.name)) continue;
     if (!part_by_key_.emplace(part_key(entry.name), parts_.size()).second) continue;
-    parts_.push_back({entry.name, index, entry.valid & ZIP_STAT_SIZE ? entry.size : 0});
+    std::string name = entry.name;
+    std::replace(name.begin(), name.end(), '\\', '/');
+    parts_.push_back({std::move(name), index, entry.valid & ZIP_STAT_SIZE ? entry.size : 0});
     total_size_ += std::min(parts_.back().size, limits::part_bytes);
   }
 }

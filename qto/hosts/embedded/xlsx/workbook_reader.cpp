@@ -5,12 +5,13 @@
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/xlsx/drawing_part.hpp"
+#include "qto/hosts/embedded/xlsx/external_link_part.hpp"
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
-#include "qto/hosts/embedded/xlsx/part_path.hpp"
 #include "qto/hosts/embedded/xlsx/shared_strings.hpp"
 #include "qto/hosts/embedded/xlsx/sheet_names.hpp"
-#include "qto/hosts/embedded/xlsx/sheet_part.hpp"
 #include "qto/hosts/embedded/xlsx/styles_part.hpp"
+#include "qto/hosts/embedded/xlsx/table_part.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -23,16 +24,20 @@ SheetKind kind_of(const Relationship* link) noexcept {
   return SheetKind::worksheet;
 }
 
+std::string folder_of(const std::string& file) {
+  return std::filesystem::absolute(file).lexically_normal().parent_path().string();
+}
+
 }  // namespace
 
 WorkbookReader::WorkbookReader(const std::string& file, const OpenOptions& options)
     : options_(options),
       package_(file),
       book_(std::make_unique<Book>()),
-      context_{package_, *book_, FormulaIntern(*book_), {}, {}, 0} {
-  const std::filesystem::path path = std::filesystem::absolute(file).lexically_normal();
-  book_->name = path.filename().string();
-  book_->path = path.parent_path().string();
+      context_{package_, *book_, FormulaIntern(*book_), {}, {}, 0},
+      pivots_(package_, folder_of(file)) {
+  book_->name = std::filesystem::path(file).filename().string();
+  book_->path = folder_of(file);
 }
 
 std::unique_ptr<Book> WorkbookReader::read() {
@@ -41,10 +46,12 @@ std::unique_ptr<Book> WorkbookReader::read() {
   links_ = Relationships(package_, workbook_part_->name);
   book_->date1904 = workbook_.date1904;
   book_->structure_locked = workbook_.structure_locked;
+  book_->active_sheet = active_sheet();
   make_sheets();
   read_style_part();
   read_string_part();
   read_names();
+  read_externals();
   read_sheet_parts();
   settle_calculation();
   return std::move(book_);
@@ -67,6 +74,11 @@ void WorkbookReader::make_sheets() {
     const SheetKind kind = kind_of(links_.by_id(entry.relationship));
     book_->add_sheet(names.unique(entry.name), kind).visibility = entry.visibility;
   }
+}
+
+std::size_t WorkbookReader::active_sheet() const {
+  const auto active = static_cast<std::uint64_t>(workbook_.active_sheet);
+  return active < workbook_.sheets.size() ? active : 0;
 }
 
 void WorkbookReader::read_names() {
@@ -99,17 +111,32 @@ void WorkbookReader::read_string_part() {
   if (part) context_.strings = read_shared_strings(package_, *part, book_->texts);
 }
 
+void WorkbookReader::read_externals() {
+  for (const std::string& id : workbook_.externals) {
+    const Relationship* link = links_.by_id(id);
+    const Package::Part* part = link ? package_.find(link->part) : nullptr;
+    // Formulas refer to linked books by position: one that is not described keeps its place.
+    book_->externals.push_back(part ? read_external_link(package_, *part, book_->path)
+                                    : ExternalBook());
+  }
+}
+
 void WorkbookReader::read_sheet_parts() {
-  for (std::size_t i = 0; i < workbook_.sheets.size(); ++i) read_sheet_part(i);
+  for (std::size_t i = 0; i < workbook_.sheets.size(); ++i)
+    if (const Package::Part* part = part_of_sheet(i)) read_sheet_part(*book_->sheets()[i], *part);
 }
 
-void WorkbookReader::read_sheet_part(std::size_t position) {
-  Sheet& sheet = *book_->sheets()[position];
-  read_sheet(context_, part_of_sheet(position), sheet);
+void WorkbookReader::read_sheet_part(Sheet& sheet, const Package::Part& part) {
+  const SheetLinks wanted = read_sheet(context_, part, sheet);
+  const Relationships links(package_, part.name);
+  attach_tables(sheet, links, wanted, part.name);
+  attach_pivots(sheet, links);
+  attach_charts(sheet, links, wanted);
 }
 
-const Package::Part& WorkbookReader::part_of_sheet(std::size_t position) const {
+const Package::Part* WorkbookReader::part_of_sheet(std::size_t position) const {
   const WorkbookPart::SheetEntry& entry = workbook_.sheets[position];
+  if (entry.relationship.empty()) return nullptr;
   const std::string sheet = "sheet \"" + book_->sheets()[position]->name + "\"";
   const Relationship* link = links_.by_id(entry.relationship);
   if (!link)
@@ -118,7 +145,37 @@ const Package::Part& WorkbookReader::part_of_sheet(std::size_t position) const {
   const Package::Part* part = package_.find(link->part);
   if (!part)
     package_.fail(OpenFailureKind::damaged, link->part, 0, "the part of " + sheet + " is missing");
-  return *part;
+  return part;
+}
+
+void WorkbookReader::attach_tables(Sheet& sheet, const Relationships& links,
+                                   const SheetLinks& wanted, const std::string& part) {
+  for (const std::string& id : wanted.tables) {
+    const Relationship* link = links.by_id(id);
+    const Package::Part* table_part = link ? package_.find(link->part) : nullptr;
+    if (!table_part)
+      package_.fail(OpenFailureKind::damaged, part, 0,
+                    "the part of the table with the relationship \"" + id + "\" is missing");
+    Table table = read_table(package_, *table_part, sheet);
+    if (!book_->find_table(table.name)) book_->add_table(std::move(table));
+  }
+}
+
+void WorkbookReader::attach_pivots(Sheet& sheet, const Relationships& links) {
+  for (const Relationship& link : links.all()) {
+    const Package::Part* part = link.type == "pivotTable" ? package_.find(link.part) : nullptr;
+    if (part) sheet.pivots.push_back(pivots_.read(*part));
+  }
+}
+
+void WorkbookReader::attach_charts(Sheet& sheet, const Relationships& links,
+                                   const SheetLinks& wanted) {
+  const Relationship* link = wanted.drawing.empty() ? nullptr : links.by_id(wanted.drawing);
+  const Package::Part* part = link ? package_.find(link->part) : nullptr;
+  if (!part) return;
+  sheet.charts = read_drawing(package_, *part);
+  if (sheet.kind == SheetKind::chart)
+    for (ChartModel& chart : sheet.charts) chart.name.clear();
 }
 
 void WorkbookReader::settle_calculation() {

@@ -6,7 +6,9 @@
 
 #include "qto/hosts/embedded/xlsx/load_context.hpp"
 #include "qto/hosts/embedded/xlsx/open_workbook.hpp"
+#include "qto/hosts/embedded/xlsx/pivot_part.hpp"
 #include "qto/hosts/embedded/xlsx/relationships.hpp"
+#include "qto/hosts/embedded/xlsx/sheet_part.hpp"
 #include "qto/hosts/embedded/xlsx/workbook_part.hpp"
 
 namespace qto::embedded {
@@ -24,8 +26,15 @@ class WorkbookReader {
   void read_style_part();
   void read_string_part();
   void read_sheet_parts();
-  void read_sheet_part(std::size_t position);
-  const Package::Part& part_of_sheet(std::size_t position) const;
+  void read_sheet_part(Sheet& sheet, const Package::Part& part);
+  std::size_t active_sheet() const;
+  /// The part of a sheet; null for the sheets of macro modules, which have none.
+  const Package::Part* part_of_sheet(std::size_t position) const;
+  void read_externals();
+  void attach_tables(Sheet& sheet, const Relationships& links, const SheetLinks& wanted,
+                     const std::string& part);
+  void attach_pivots(Sheet& sheet, const Relationships& links);
+  void attach_charts(Sheet& sheet, const Relationships& links, const SheetLinks& wanted);
   void settle_calculation();
 
   const OpenOptions& options_;
@@ -35,6 +44,7 @@ class WorkbookReader {
   const Package::Part* workbook_part_ = nullptr;
   WorkbookPart workbook_;
   Relationships links_;
+  PivotReader pivots_;
 };
 
 }  // namespace qto::embedded
