@@ -50,27 +50,31 @@ std::string value_of(const Book& book, const Cell& cell) {
 }
 
 struct Counts {
-  long formulas = 0, data_tables = 0, members = 0;
+  long formulas = 0, data_tables = 0;
+  long members = 0;  ///< further cells of array formulas, as far as they have values
   long numbers = 0, texts = 0, booleans = 0, errors = 0, blanks = 0;
-  long member_numbers = 0, member_texts = 0, member_booleans = 0, member_errors = 0;
 };
 
 void count_value(const Cell& cell, bool member, Counts& counts) {
+  if (member && !cell.is_empty()) {
+    ++counts.members;
+    return;
+  }
   switch (cell.type()) {
     case CellType::empty:
       ++counts.blanks;
       return;
     case CellType::number:
-      ++(member ? counts.member_numbers : counts.numbers);
+      ++counts.numbers;
       return;
     case CellType::text:
-      ++(member ? counts.member_texts : counts.texts);
+      ++counts.texts;
       return;
     case CellType::boolean:
-      ++(member ? counts.member_booleans : counts.booleans);
+      ++counts.booleans;
       return;
     case CellType::error:
-      ++(member ? counts.member_errors : counts.errors);
+      ++counts.errors;
       return;
   }
 }
@@ -81,8 +85,9 @@ Counts counts_of(const Book& book, const Sheet& sheet) {
     const FormulaId id = own ? own : sheet.formula_at(pos);
     if (id == 0) return count_value(cell, false, counts);
     const FormulaRecord& record = book.formula(id);
-    const bool member = record.kind != FormulaKind::normal && record.block.first != pos;
-    if (member) return ++counts.members, count_value(cell, true, counts);
+    const bool first = record.kind == FormulaKind::normal || record.block.first == pos;
+    const bool in_array = record.kind == FormulaKind::array;
+    if (!first) return count_value(cell, in_array, counts);
     ++(record.kind == FormulaKind::data_table ? counts.data_tables : counts.formulas);
   });
   return counts;
@@ -99,13 +104,11 @@ void print_sheet(const Book& book, const Sheet& sheet) {
   std::printf(
       "{\"sheet\":%s,\"kind\":\"%s\",\"state\":\"%s\",\"protected\":%s,\"used\":\"%s\","
       "\"formulas\":%ld,\"datatable\":%ld,\"members\":%ld,\"numbers\":%ld,\"texts\":%ld,"
-      "\"booleans\":%ld,\"errors\":%ld,\"blanks\":%ld,\"member_numbers\":%ld,"
-      "\"member_texts\":%ld,\"member_booleans\":%ld,\"member_errors\":%ld,\"large_blocks\":%zu,"
+      "\"booleans\":%ld,\"errors\":%ld,\"blanks\":%ld,\"large_blocks\":%zu,"
       "\"merges\":%zu,\"charts\":%zu,\"series\":%zu,\"pivots\":%zu,\"selection\":\"%s\"}\n",
       quoted(sheet.name).c_str(), kinds[static_cast<int>(sheet.kind)], state,
       sheet.protection.enabled ? "true" : "false", address_of(sheet.cells.used()).c_str(),
       n.formulas, n.data_tables, n.members, n.numbers, n.texts, n.booleans, n.errors, n.blanks,
-      n.member_numbers, n.member_texts, n.member_booleans, n.member_errors,
       sheet.large_blocks().size(), sheet.merges.size(), sheet.charts.size(), series,
       sheet.pivots.size(), address_of(sheet.selection).c_str());
 }
@@ -113,8 +116,11 @@ void print_sheet(const Book& book, const Sheet& sheet) {
 void print_cells(const Book& book, const Sheet& sheet) {
   sheet.cells.for_each(Rect::sheet(), [&](CellPos pos, const Cell& cell, FormulaId) {
     std::string formula;
-    if (const FormulaId id = sheet.formula_at(pos))
-      book.formula(id).compiled->append_formula(formula, {&book, &sheet, pos});
+    if (const FormulaId id = sheet.formula_at(pos)) {
+      const FormulaRecord& record = book.formula(id);
+      const CellPos from = record.kind == FormulaKind::normal ? pos : record.block.first;
+      record.compiled->append_formula(formula, {&book, &sheet, from});
+    }
     std::printf("{\"at\":%s,\"cell\":\"%s\",\"value\":%s,\"formula\":%s,\"style\":%u}\n",
                 quoted(sheet.name).c_str(), address_of(pos).c_str(), value_of(book, cell).c_str(),
                 quoted(formula).c_str(), cell.style());
