@@ -20,7 +20,10 @@ CellStore::Block& CellStore::touch_block(std::int32_t row, std::int32_t column) 
   if (page >= pages.size()) pages.resize(page + 1);
   if (!pages[page]) pages[page] = std::make_unique<Page>();
   auto& slot = pages[page]->blocks[block % blocks_per_page];
-  if (!slot) slot = std::make_unique<Block>();
+  if (!slot) {
+    slot = std::make_unique<Block>();
+    ++blocks_;
+  }
   return *slot;
 }
 

@@ -28,6 +28,8 @@ class CellStore {
   /// Number of stored cells (styled blanks included) and of cells with a formula.
   std::int64_t cell_count() const noexcept { return cells_; }
   std::int64_t formula_count() const noexcept { return formulas_; }
+  /// Number of blocks of 64 rows that are allocated: what the store costs.
+  std::int64_t block_count() const noexcept { return blocks_; }
   /// The smallest block that holds every stored cell; A1 for an empty sheet.
   Rect used() const noexcept;
   /// The last column that holds a cell, 0 for an empty sheet.
@@ -60,6 +62,7 @@ class CellStore {
   std::vector<Column> columns_;
   std::int64_t cells_ = 0;
   std::int64_t formulas_ = 0;
+  std::int64_t blocks_ = 0;
 };
 
 template <class Visit>

@@ -23,10 +23,11 @@ StyleId StyleTable::with_format(StyleId base, std::string_view format_code) {
   return add(std::string(format_code), from.locked, from.formula_hidden);
 }
 
-std::shared_ptr<const formats::NumberFormat> StyleTable::compiled(std::string_view code) {
-  for (const CellStyle& style : styles_)
-    if (style.format_code == code) return style.format;
-  return std::make_shared<const formats::NumberFormat>(formats::NumberFormat::parse(code));
+std::shared_ptr<const formats::NumberFormat> StyleTable::compiled(const std::string& code) {
+  auto& format = format_by_code_[code];
+  if (!format)
+    format = std::make_shared<const formats::NumberFormat>(formats::NumberFormat::parse(code));
+  return format;
 }
 
 }  // namespace qto::embedded

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "qto/hosts/embedded/book/cell.hpp"
@@ -31,8 +32,9 @@ class StyleTable {
   void clear();
 
  private:
-  std::shared_ptr<const formats::NumberFormat> compiled(std::string_view code);
+  std::shared_ptr<const formats::NumberFormat> compiled(const std::string& code);
   std::vector<CellStyle> styles_;
+  std::unordered_map<std::string, std::shared_ptr<const formats::NumberFormat>> format_by_code_;
 };
 
 }  // namespace qto::embedded

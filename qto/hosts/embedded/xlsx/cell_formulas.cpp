@@ -83,6 +83,7 @@ void CellFormulas::store_block(CellPos at, bool has_result) {
                            ? context_.formulas.add_array(text_, block)
                            : context_.formulas.add_data_table(data_table_text(), block);
   sheet_.set_block_formula(block, id);
+  context_.check_memory(sheet_);
   give(at, id, has_result);
 }
 

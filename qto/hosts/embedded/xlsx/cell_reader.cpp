@@ -55,6 +55,7 @@ void CellReader::text(std::string_view piece) {
 void CellReader::start_row(const Attributes& attributes) {
   column_ = 0;
   in_cell_ = false;
+  context_.check_memory(sheet_);
   const auto number = attributes.find("r") ? attributes.whole_or("r", 0) : latest_row_ + 1;
   row_ = number >= 1 && number <= max_rows ? static_cast<std::int32_t>(number) : 0;
   if (row_ == 0) return;

@@ -25,6 +25,11 @@ struct LoadContext {
   CachedResults results;
   /// Cells that blocks of array formulas covered so far; see limits.
   std::int64_t array_cells = 0;
+  /// Blocks that the cells of earlier sheets take.
+  std::int64_t earlier_blocks = 0;
+
+  /// Throws OpenFailure when the cells read so far take too much memory.
+  void check_memory(const Sheet& sheet) const;
 };
 
 }  // namespace qto::embedded

@@ -71,6 +71,9 @@ void Package::charge(const Part& part, std::uint64_t bytes) {
   if (bytes_read_ > byte_limit_)
     fail(OpenFailureKind::too_large, part.name, 0,
          "the parts inflate to more than a workbook of this file size can hold");
+  if (progress_ && total_size_ > 0 && bytes > 0)
+    progress_(std::min(1.0, static_cast<double>(bytes_read_) / static_cast<double>(total_size_)),
+              progress_data_);
 }
 
 void Package::fail(OpenFailureKind kind, const std::string& part, long line,
@@ -111,7 +114,6 @@ std::size_t PartStream::read(void* into, std::size_t size) {
     package_.fail(OpenFailureKind::damaged, part_.name, 0,
                   "the part is shorter than the zip container says");
   left_ -= bytes;
-  package_.charge(part_, bytes);
   return static_cast<std::size_t>(bytes);
 }
 

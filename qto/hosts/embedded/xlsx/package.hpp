@@ -40,10 +40,11 @@ class Package {
   /// Opens a part; throws OpenFailure when the entry is damaged or inflates beyond the limits.
   PartStream open(const Part& part);
 
-  /// Inflated size of all parts, and how much of them was read so far (parts read twice count
-  /// twice).
-  std::uint64_t total_size() const noexcept { return total_size_; }
-  std::uint64_t bytes_read() const noexcept { return bytes_read_; }
+  /// Called now and then with the fraction of the parts that was read.
+  void set_progress(void (*progress)(double fraction, void* data), void* data) noexcept {
+    progress_ = progress;
+    progress_data_ = data;
+  }
 
   [[noreturn]] void fail(OpenFailureKind kind, const std::string& part, long line,
                          std::string_view reason, std::string_view remedy = {}) const;
@@ -60,6 +61,8 @@ class Package {
   std::uint64_t total_size_ = 0;
   std::uint64_t bytes_read_ = 0;
   std::uint64_t byte_limit_ = 0;
+  void (*progress_)(double fraction, void* data) = nullptr;
+  void* progress_data_ = nullptr;
 };
 
 /// The inflated bytes of one part, from front to back.
@@ -70,9 +73,13 @@ class PartStream {
   PartStream(const PartStream&) = delete;
   PartStream& operator=(const PartStream&) = delete;
 
-  /// Up to `size` bytes; 0 at the end. Throws OpenFailure for damaged data.
+  /// Up to `size` bytes; 0 at the end. Throws OpenFailure for damaged data. May run on a thread of
+  /// its own: it touches nothing but this stream.
   std::size_t read(void* into, std::size_t size);
+  /// Counts bytes as read; throws OpenFailure when the package inflates beyond the limits.
+  void account(std::size_t bytes) { package_.charge(part_, bytes); }
   const std::string& name() const noexcept { return part_.name; }
+  std::uint64_t size() const noexcept { return part_.size; }
   const Package& package() const noexcept { return package_; }
 
  private:

@@ -41,6 +41,7 @@ WorkbookReader::WorkbookReader(const std::string& file, const OpenOptions& optio
 }
 
 std::unique_ptr<Book> WorkbookReader::read() {
+  package_.set_progress(options_.progress, options_.progress_data);
   find_workbook_part();
   workbook_ = read_workbook_part(package_, *workbook_part_);
   links_ = Relationships(package_, workbook_part_->name);

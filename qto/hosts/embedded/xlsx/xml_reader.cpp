@@ -9,11 +9,10 @@
 
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/package.hpp"
+#include "qto/hosts/embedded/xlsx/part_reader.hpp"
 
 namespace qto::embedded {
 namespace {
-
-constexpr int buffer_bytes = 1 << 17;
 
 struct FreeParser {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
@@ -31,14 +30,15 @@ class XmlReader {
   }
 
   void run() {
+    PartReader reader(stream_);
     std::int64_t fed = 0;
-    for (std::size_t size = 1; size != 0;) {
-      void* buffer = XML_GetBuffer(parser_.get(), buffer_bytes);
-      if (!buffer) throw std::bad_alloc();
-      size = stream_.read(buffer, buffer_bytes);
-      fed += static_cast<std::int64_t>(size);
-      if (XML_ParseBuffer(parser_.get(), static_cast<int>(size), size == 0) != XML_STATUS_OK)
+    for (;;) {
+      const std::string_view bytes = reader.next();
+      fed += static_cast<std::int64_t>(bytes.size());
+      if (XML_Parse(parser_.get(), bytes.data(), static_cast<int>(bytes.size()), bytes.empty()) !=
+          XML_STATUS_OK)
         fail();
+      if (bytes.empty()) return;
       if (fed - XML_GetCurrentByteIndex(parser_.get()) > limits::token_bytes)
         refuse(OpenFailureKind::too_large, "a tag or comment is too long");
     }
