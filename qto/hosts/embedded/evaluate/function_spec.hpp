@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -51,8 +52,10 @@ using RunLazy = Operand (*)(LazyCall&);
 
 /// The code of a function; a lazy one evaluates its arguments itself.
 struct FunctionBody {
-  constexpr FunctionBody(Run function) : run(function) {}
-  constexpr FunctionBody(RunLazy function) : lazy(function) {}
+  template <std::convertible_to<Run> F>
+  constexpr FunctionBody(F function) : run(function) {}
+  template <std::convertible_to<RunLazy> F>
+  constexpr FunctionBody(F function) : lazy(function) {}
   Run run = nullptr;
   RunLazy lazy = nullptr;
 };

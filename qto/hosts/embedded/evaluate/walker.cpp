@@ -29,12 +29,6 @@ bool has_elements(const Operand& operand, bool array) noexcept {
   return array && operand.area() && !operand.area()->rect.is_cell();
 }
 
-/// Single numbers need no detour; they are most of what formulas calculate with.
-const double* plain_number(const Operand& operand) noexcept {
-  const Variant* value = operand.value();
-  return value ? value->get_if<double>() : nullptr;
-}
-
 Variant snapped(Operator op, const ValueView& left, const ValueView& right,
                 const DateSettings& dates) {
   const auto a = to_number(left, dates);

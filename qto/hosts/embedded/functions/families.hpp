@@ -1,0 +1,30 @@
+#pragma once
+
+#include <span>
+
+#include "qto/hosts/embedded/evaluate/function_spec.hpp"
+
+/// The tables, one per family; registry.cpp joins them.
+namespace qto::embedded::functions {
+
+std::span<const FunctionSpec> logical_functions();
+std::span<const FunctionSpec> information_functions();
+std::span<const FunctionSpec> sum_functions();
+std::span<const FunctionSpec> arithmetic_functions();
+std::span<const FunctionSpec> rounding_functions();
+std::span<const FunctionSpec> trigonometry_functions();
+std::span<const FunctionSpec> combinatorics_functions();
+std::span<const FunctionSpec> statistics_functions();
+std::span<const FunctionSpec> ranking_functions();
+std::span<const FunctionSpec> regression_functions();
+std::span<const FunctionSpec> text_functions();
+std::span<const FunctionSpec> text_search_functions();
+std::span<const FunctionSpec> text_conversion_functions();
+std::span<const FunctionSpec> date_functions();
+std::span<const FunctionSpec> date_span_functions();
+std::span<const FunctionSpec> lookup_functions();
+std::span<const FunctionSpec> reference_functions();
+std::span<const FunctionSpec> conditional_functions();
+std::span<const FunctionSpec> financial_functions();
+
+}  // namespace qto::embedded::functions

@@ -1,0 +1,99 @@
+#include "qto/hosts/embedded/functions/vector_search.hpp"
+
+#include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/evaluate/compare.hpp"
+
+namespace qto::embedded::functions {
+
+Vector::Vector(Context& context, const Operand& operand) : grid_(context, operand) {}
+
+std::int64_t Vector::stored() const noexcept {
+  return is_column() ? grid_.stored_rows() : grid_.stored_columns();
+}
+
+std::int64_t Vector::next_stored(std::int64_t position) const noexcept {
+  const Area* area = grid_.area();
+  if (!area || !is_column()) return position;
+  const CellPos first = area->rect.first;
+  const CellPos next = area->sheet->cells.next_in_column(
+      {first.row + static_cast<std::int32_t>(position), first.column}, area->rect.last.row);
+  return next.row == 0 ? size() : next.row - first.row;
+}
+
+Wanted::Wanted(const ValueView& value, bool wildcards)
+    : value_(value.is_empty() ? ValueView(0.0) : value) {
+  if (!value_.is_text() || !wildcards) return;
+  WildcardPattern pattern(value_.text());
+  if (pattern.has_wildcards()) {
+    pattern_ = std::move(pattern);
+  } else if (value_.text().find('~') != std::string_view::npos) {
+    plain_ = pattern.plain();
+    value_ = std::string_view(plain_);
+  }
+}
+
+bool Wanted::comparable(const ValueView& value) const noexcept {
+  return value.type() == value_.type();
+}
+
+bool Wanted::equals(const ValueView& value) const {
+  if (value.type() != value_.type()) return false;
+  if (value.is_number()) return value.number() == value_.number();
+  if (pattern_) return pattern_->matches(value.text());
+  return !value.is_error() && equal_values(value, value_);
+}
+
+std::optional<std::int64_t> find_equal(const Vector& vector, const Wanted& wanted, bool last) {
+  std::optional<std::int64_t> found;
+  const std::int64_t end = vector.stored();
+  for (std::int64_t i = vector.next_stored(0); i < end; i = vector.next_stored(i + 1)) {
+    if (!wanted.equals(vector.at(i))) continue;
+    found = i;
+    if (!last) break;
+  }
+  return found;
+}
+
+std::optional<std::int64_t> find_sorted(const Vector& vector, const Wanted& wanted,
+                                        bool descending) {
+  std::optional<std::int64_t> found;
+  std::int64_t low = 0;
+  std::int64_t high = vector.stored() - 1;
+  while (low <= high) {
+    const std::int64_t middle = low + (high - low) / 2;
+    std::int64_t probe = vector.next_stored(middle);
+    while (probe <= high && !wanted.comparable(vector.at(probe)))
+      probe = vector.next_stored(probe + 1);
+    if (probe > high) {
+      high = middle - 1;
+      continue;
+    }
+    const int order = compare_values(vector.at(probe), wanted.value());
+    if (descending ? order >= 0 : order <= 0) {
+      found = probe;
+      low = probe + 1;
+    } else {
+      high = middle - 1;
+    }
+  }
+  return found;
+}
+
+std::optional<std::int64_t> find_nearest(const Vector& vector, const Wanted& wanted, bool above,
+                                         bool last) {
+  if (const auto equal = find_equal(vector, wanted, last)) return equal;
+  std::optional<std::int64_t> best;
+  const std::int64_t end = vector.stored();
+  for (std::int64_t i = vector.next_stored(0); i < end; i = vector.next_stored(i + 1)) {
+    const ValueView value = vector.at(i);
+    if (!wanted.comparable(value)) continue;
+    const int order = compare_values(value, wanted.value());
+    if (above ? order < 0 : order > 0) continue;
+    const int against_best = best ? compare_values(value, vector.at(*best)) : 0;
+    const bool better = above ? against_best < 0 : against_best > 0;
+    if (!best || better || (last && against_best == 0)) best = i;
+  }
+  return best;
+}
+
+}  // namespace qto::embedded::functions
