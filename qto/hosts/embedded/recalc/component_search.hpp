@@ -1,0 +1,85 @@
+#pragma once
+
+#include <deque>
+#include <span>
+#include <vector>
+
+#include "qto/hosts/embedded/recalc/cell_set.hpp"
+#include "qto/hosts/embedded/recalc/formula_graph.hpp"
+#include "qto/hosts/embedded/recalc/stack_order.hpp"
+
+namespace qto::embedded {
+
+/// What a search finds.
+class ComponentVisitor {
+ public:
+  virtual ~ComponentVisitor() = default;
+  /// Everything that the node reads has been settled, and it lies on no cycle. When it must wait
+  /// for blocks that nobody knew of, it appends them to `waits` and is asked again later.
+  virtual void settle(const FormulaNode& node, std::vector<Area>& waits) = 0;
+  /// Nodes that read each other, or one that reads itself; complete.
+  virtual void cycle(std::span<const FormulaNode> nodes) = 0;
+};
+
+/// Goes through all formula cells of a graph, what is read before what reads it, and finds the
+/// cycles: strongly connected components by depth, without recursion. A block that a formula reads
+/// leads to its formula cells through sets of bits, so every cell is entered once and a block costs
+/// next to nothing when its cells are done.
+class ComponentSearch {
+ public:
+  ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor);
+  void run();
+  /// True when the block holds formula cells that are not settled yet.
+  bool unsettled(const Area& area) const noexcept;
+
+ private:
+  /// An array formula too large to be in sets of cells.
+  struct LargeBlock {
+    Rect block;
+    FormulaId formula;
+    enum { fresh, on_stack, done } state = fresh;
+    std::uint32_t order = 0;
+  };
+  struct SheetState {
+    CellSet fresh;     // not entered yet
+    CellSet on_stack;  // entered, its component not complete
+    StackOrder order;  // of the cells on the stack
+    std::vector<LargeBlock> large;
+  };
+  struct Frame {
+    FormulaNode node;
+    const PrecedentList* list;
+    std::size_t item = 0;
+    std::size_t wait = 0;  // next of the blocks in waits_ that belong to this frame
+    std::size_t waits_begin = 0;
+    std::size_t stack_begin = 0;  // where stack_ holds this node
+    std::uint32_t order = 0;
+    std::uint32_t low = 0;  // the lowest order that is reached from here
+    bool reads_itself = false;
+  };
+
+  void collect(std::uint32_t number);
+  void search();
+  /// Goes on with a frame; false when it has entered another node.
+  bool advance(Frame& frame);
+  /// Enters a fresh node of the block, or notes what is on the stack; true when it entered one.
+  bool visit(Frame& frame, const Area& area);
+  bool visit_large(Frame& frame, std::uint32_t sheet, const Rect& rect);
+  void enter(std::uint32_t sheet, CellPos pos);
+  void enter_large(std::uint32_t sheet, LargeBlock& large);
+  void push(const FormulaNode& node, std::uint32_t order);
+  bool finish(Frame& frame);
+  void close_component(const Frame& frame);
+  void take_off_stack(const FormulaNode& node);
+  LargeBlock* large_block(const FormulaNode& node) noexcept;
+
+  FormulaGraph& graph_;
+  ComponentVisitor& visitor_;
+  std::vector<SheetState> sheets_;
+  std::deque<Frame> path_;
+  std::vector<FormulaNode> stack_;  // nodes whose component is not complete
+  std::vector<Area> waits_;
+  std::uint32_t entered_ = 0;
+};
+
+}  // namespace qto::embedded

@@ -1,0 +1,158 @@
+#include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/evaluate/function_spec.hpp"
+#include "qto/hosts/embedded/recalc/precedent_walk.hpp"
+
+namespace qto::embedded {
+namespace {
+
+/// The constant at the node, 1 for one that is left out; nothing for anything else.
+std::optional<std::int32_t> constant_position(const SyntaxTree& tree, NodeIndex index) {
+  if (index == no_node) return 1;
+  const Node& node = tree.at(index);
+  if (node.kind != NodeKind::number || node.number < 1 || node.number > max_rows)
+    return std::nullopt;
+  return static_cast<std::int32_t>(node.number);
+}
+
+std::optional<std::int32_t> distance(const RefAxis& first, const RefAxis& last) {
+  if (first.absolute != last.absolute || last.value < first.value) return std::nullopt;
+  return last.value - first.value;
+}
+
+}  // namespace
+
+void PrecedentWalk::visit_call(const Part& part) {
+  const Node& node = part.at();
+  const std::string& name = part.tree->texts[node.payload];
+  const FunctionSpec* spec = functions_.find(name);
+  if (spec && spec->has(changes_always)) list_.is_volatile = true;
+  const SpecialFunction function = special_function(name);
+  if (function == SpecialFunction::bind_names || function == SpecialFunction::lambda)
+    bind_locals(part);
+  const bool fixed_index = function == SpecialFunction::index && visit_fixed_index(part);
+  if (function == SpecialFunction::sum_range_if) visit_sum_range(part);
+  std::vector<Part> arguments;
+  int position = 0;
+  for (NodeIndex child = node.first_child; child != no_node; child = part.tree->at(child).next) {
+    if (position != 0 || !fixed_index)
+      arguments.push_back(argument(part, child, position, function, spec));
+    ++position;
+  }
+  work_.insert(work_.end(), arguments.rbegin(), arguments.rend());
+}
+
+PrecedentWalk::Part PrecedentWalk::argument(const Part& call, NodeIndex node, int position,
+                                            SpecialFunction function,
+                                            const FunctionSpec* spec) const {
+  if (hands_on(function, position, call.at().child_count)) return call.child(node, call.use);
+  if (function != SpecialFunction::none) {
+    const Use use = special_use(call, position, function);
+    if (use != Use::single) return call.child(node, use);
+    return call.child(node, call.value_use());
+  }
+  const Parameter kind = spec && spec->max_args > 0 ? spec->parameter(position) : Parameter::values;
+  switch (kind) {
+    case Parameter::values:
+    case Parameter::reference:
+      return call.child(node, Use::full);
+    case Parameter::array: {
+      Part part = call.child(node, Use::full);
+      part.array = true;
+      return part;
+    }
+    default:
+      return call.child(node, call.value_use());
+  }
+}
+
+/// The use of an argument of a special function; `single` stands for a plain value.
+Use PrecedentWalk::special_use(const Part& call, int position, SpecialFunction function) const {
+  switch (function) {
+    case SpecialFunction::looks_at_address:
+      return Use::address;
+    case SpecialFunction::looks_at_formula:
+      return Use::watched;
+    case SpecialFunction::offset:
+      return position == 0 ? Use::address : Use::single;
+    case SpecialFunction::index:
+      if (position != 0) return Use::single;
+      return call.use == Use::address ? Use::address : Use::watched;
+    case SpecialFunction::cell: {
+      if (position == 0) return Use::single;
+      const Node& what = call.tree->at(call.at().first_child);
+      if (what.kind != NodeKind::text) return Use::address;
+      const std::string& text = call.tree->texts[what.payload];
+      const bool reads =
+          text::equal_ascii_nocase(text, "contents") || text::equal_ascii_nocase(text, "type");
+      return reads ? Use::full : Use::address;
+    }
+    case SpecialFunction::sum_range_if:
+      return position == 1 ? Use::single : position == 0 ? Use::full : Use::watched;
+    case SpecialFunction::bind_names:
+    case SpecialFunction::lambda:
+      return Use::full;
+    default:
+      return Use::single;
+  }
+}
+
+/// INDEX over a written block with constant positions reads one cell.
+bool PrecedentWalk::visit_fixed_index(const Part& call) {
+  const NodeIndex block = call.at().first_child;
+  if (block == no_node || call.at().child_count < 2 || call.at().child_count > 3) return false;
+  const auto found = leaf(call.child(block, call.use));
+  if (!found) return false;
+  const NodeIndex second = call.tree->at(block).next;
+  auto row = constant_position(*call.tree, second);
+  auto column = constant_position(*call.tree, call.tree->at(second).next);
+  const auto rows = distance(found->area.first_row, found->area.last_row);
+  const auto columns = distance(found->area.first_column, found->area.last_column);
+  if (!row || !column || !rows || !columns) return false;
+  if (*rows == 0 && call.at().child_count == 2) std::swap(row, column);
+  if (*row > *rows + 1 || *column > *columns + 1) return false;
+  AreaRef cell = found->area;
+  cell.shape = AreaShape::cell;
+  cell.first_row.value += *row - 1;
+  cell.first_column.value += *column - 1;
+  cell.last_row = cell.first_row;
+  cell.last_column = cell.first_column;
+  add(cell, found->sheet, call.use);
+  return true;
+}
+
+/// The block that is added up has the shape of the one that is tested, whatever its own.
+void PrecedentWalk::visit_sum_range(const Part& call) {
+  if (call.at().child_count < 3) return;
+  const NodeIndex tested = call.at().first_child;
+  const NodeIndex summed = call.tree->at(call.tree->at(tested).next).next;
+  const auto criteria = leaf(call.child(tested, Use::full));
+  const auto sum = leaf(call.child(summed, Use::full));
+  const auto rows =
+      criteria ? distance(criteria->area.first_row, criteria->area.last_row) : std::nullopt;
+  const auto columns =
+      criteria ? distance(criteria->area.first_column, criteria->area.last_column) : std::nullopt;
+  if (!sum || !rows || !columns) {
+    push(call.child(summed, Use::full));
+    return;
+  }
+  AreaRef area = sum->area;
+  area.shape = AreaShape::area;
+  area.last_row = {area.first_row.value + *rows, area.first_row.absolute};
+  area.last_column = {area.first_column.value + *columns, area.first_column.absolute};
+  add(area, sum->sheet, Use::full);
+}
+
+void PrecedentWalk::bind_locals(const Part& call) {
+  const bool every_second =
+      special_function(call.tree->texts[call.at().payload]) == SpecialFunction::bind_names;
+  int position = 0;
+  for (NodeIndex child = call.at().first_child; child != no_node; ++position) {
+    const Node& node = call.tree->at(child);
+    child = node.next;
+    if (node.kind != NodeKind::name || child == no_node) continue;
+    if (every_second && position % 2 != 0) continue;
+    locals_.emplace_back(call.tree, call.tree->texts[node.payload]);
+  }
+}
+
+}  // namespace qto::embedded
