@@ -125,6 +125,8 @@ class ModelPart : public Object {
 
   /// What Create does for the cell at `pos`, without a host range.
   void create_cell(const Ref<SheetRecord>& sheet, CellPos pos);
+  /// What Create does with the part's own object and type.
+  void create_afresh();
   void put_HasError(bool value) noexcept { set(error, value); }
   /// Gives up both precedent lists.
   void clear_precedents();
@@ -176,6 +178,7 @@ class ModelPart : public Object {
   bool has_object() const noexcept { return sheet_ || rare().underlying; }
   static Type type_of(std::string_view likely_type) noexcept;
 
+  void require_kind(const Object* object) const;
   void create_range(const Ref<host::Range>& range);
   void create_pivot_table();
   void create_name();
@@ -198,10 +201,9 @@ class ModelPart : public Object {
   Variant name_value();
   std::string get_text();
   std::string get_title();
-  void set_range_results(std::int32_t style);
-  void set_name_results(std::int32_t style);
-  void set_series_results(std::int32_t style);
-  void clear_title_silently();
+  bool set_range_results(std::int32_t style);
+  bool set_name_results(std::int32_t style);
+  bool set_series_results(std::int32_t style);
   Ref<host::Range> range() const;
 
   Ref<SheetRecord> sheet_;  // set for a part of one cell; its position is pos_

@@ -31,7 +31,11 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
   if (type_ == Type::other) rare().object_type = likely_type;
   set(checked_for_precedents, false);
   set(text_read, false);
-  if (!proc.step([&] { value_ = get_value(); })) return;
+  if (!proc.step([&] {
+        require_kind(object.get());
+        value_ = get_value();
+      }))
+    return;
   if (!object) {
     make_unknown(unknown_name);
   } else {
@@ -57,6 +61,35 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
     if (!done) return;
   }
   set(checked_for_precedents, false);
+}
+
+/// A client may name a type that its object is not of.
+void ModelPart::require_kind(const Object* object) const {
+  if (!object) return;
+  bool fits = true;
+  switch (type_) {
+    case Type::range:
+    case Type::pivot_table:
+      fits = dynamic_cast<const host::Range*>(object);
+      break;
+    case Type::name:
+      fits = dynamic_cast<const host::DefinedName*>(object);
+      break;
+    case Type::series:
+      fits = dynamic_cast<const host::Series*>(object);
+      break;
+    default:
+      throw AutomationError(ErrorNumber::wrong_object);
+  }
+  if (!fits) throw NumberedFailure(13, "Type mismatch: the object is not of the type given");
+}
+
+void ModelPart::create_afresh() {
+  check_still_exists();
+  if (sheet_)
+    create_cell(sheet_, pos_);
+  else
+    Create(UnderlyingObject(), ObjectType());
 }
 
 void ModelPart::create_cell(const Ref<SheetRecord>& sheet, CellPos pos) {
@@ -132,7 +165,9 @@ void ModelPart::create_series() {
   set(constant, formula.empty());
   (void)proc.step([&] {
     Ref<host::HostObject> chart = series->Parent();
-    while (chart->TypeName() != "Chart") chart = chart->Parent();
+    while (chart && chart->TypeName() != "Chart")
+      chart = chart->TypeName() == "Application" ? nullptr : chart->Parent();
+    if (!chart) throw NumberedFailure(91, "a series without a chart");
     const auto container = chart->Parent();
     if (container->TypeName() == "ChartObject") {
       const auto holder = ref_cast<host::ChartObject>(container);

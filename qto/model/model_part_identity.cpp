@@ -139,21 +139,24 @@ const PartKey& ModelPart::Key() {
   // A cell's key needs no text, as long as its sheet is still called what it was.
   if (sheet_ && sheet_->stamp != 0 && sheet_->stamp == sheet_->sheet->IdentityStamp())
     key_ = PartKey::of_cell(sheet_->prefix, pos_);
+  else if (const std::string text = UniqueKey(); !text.empty())
+    key_ = PartKey::of_text(text);
   else
-    key_ = PartKey::of_text(UniqueKey());
+    throw NumberedFailure(5, "a part without a key");
   return key_;
 }
 
 std::string ModelPart::UniqueKey() {
   Procedure proc("ModelPart", "UniqueKey[Get]");
   if (!rare().unique_key.empty()) return rare().unique_key;
-  rare().unique_key = compute_unique_key();
+  if (!proc.step([&] { rare().unique_key = compute_unique_key(); })) return "";
   if (!key_.is_set()) key_ = PartKey::of_text(rare().unique_key);
   return rare().unique_key;
 }
 
 std::string ModelPart::compute_unique_key() {
   if (!has(relative_name)) return AddressLong(qtoaddressPath);
+  if (!rare().parent_range) throw NumberedFailure(91, "a relative name without a parent cell");
   // The same relative name used from two cells is two different things.
   return rare().parent_range->Address(false, false, host::xlA1, true) + "-" +
          AddressLong(qtoaddressPath);

@@ -74,60 +74,59 @@ void ModelPart::SetResultsValues() {
   set(text_read, true);
   const auto object = UnderlyingObject();
   const std::string_view kind = object ? object->TypeName() : "";
-  if (kind == "Range")
-    set_range_results(style);
-  else if (kind == "Name")
-    set_name_results(style);
-  else if (kind == "Series")
-    set_series_results(style);
-  else
+  if (kind != "Range" && kind != "Name" && kind != "Series")
     throw AutomationError(ErrorNumber::wrong_object);
+  const bool done = kind == "Range"  ? set_range_results(style)
+                    : kind == "Name" ? set_name_results(style)
+                                     : set_series_results(style);
+  if (!done) return;
   set(results_set, true);
   AfterSetResults();
 }
 
-void ModelPart::set_range_results(std::int32_t style) {
+bool ModelPart::set_range_results(std::int32_t style) {
   Procedure proc("ModelPart", "SetResultsValues");
   const auto cells = range();
   if (!proc.step(
           [&] { rare().address_short_local = cells->AddressLocal(false, false, style, false); }))
-    return;
+    return false;
   rare().formula_local.clear();
   if (!has(formula_hidden) && cells->CellsCount() == 1 && !proc.step([&] {
         rare().formula_local =
             style == host::xlA1 ? cells->FormulaLocal() : cells->FormulaR1C1Local();
       }))
-    return;
+    return false;
   const std::string before = rare().title;
   rare().title = get_title();
   if (rare().title != before) TitleChanged(before, rare().title);
+  return true;
 }
 
-void ModelPart::set_name_results(std::int32_t style) {
+bool ModelPart::set_name_results(std::int32_t style) {
   Procedure proc("ModelPart", "SetResultsValues");
   const auto name = ref_cast<host::DefinedName>(rare().underlying);
-  if (!proc.step([&] { rare().address_short_local = name->NameLocal(); })) return;
-  if (!has(relative_name) && !has(formula_hidden)) {
-    (void)proc.step([&] {
-      rare().formula_local =
-          style == host::xlA1 ? name->RefersToLocal() : name->RefersToR1C1Local();
-    });
-  }
+  if (!proc.step([&] { rare().address_short_local = name->NameLocal(); })) return false;
+  if (!has(relative_name) && !has(formula_hidden) && !proc.step([&] {
+        rare().formula_local =
+            style == host::xlA1 ? name->RefersToLocal() : name->RefersToR1C1Local();
+      }))
+    return false;
   rare().title.clear();
+  return true;
 }
 
-void ModelPart::set_series_results(std::int32_t style) {
+bool ModelPart::set_series_results(std::int32_t style) {
   Procedure proc("ModelPart", "SetResultsValues");
   const auto series = ref_cast<host::Series>(rare().underlying);
   rare().address_short_local = AddressShort();
   rare().formula_local.clear();
-  if (!has(formula_hidden)) {
-    (void)proc.step([&] {
-      rare().formula_local =
-          style == host::xlA1 ? series->FormulaLocal() : series->FormulaR1C1Local();
-    });
-  }
+  if (!has(formula_hidden) && !proc.step([&] {
+        rare().formula_local =
+            style == host::xlA1 ? series->FormulaLocal() : series->FormulaR1C1Local();
+      }))
+    return false;
   rare().title.clear();
+  return true;
 }
 
 namespace {
