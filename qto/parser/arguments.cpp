@@ -48,10 +48,13 @@ std::string args_array_to_string(Tokens argument) {
         const bool bracketed = out.ends_with('[');
         if (bracketed) out.pop_back();
         // 'D:\Data\Book2.xls'!Rate has no bracket: the separator stands before the book.
+        const char mark = out.empty() ? '\\' : out.back();
         if (!path.empty() && !bracketed && !out.empty()) out.pop_back();
         out.append("'").append(path);
-        if (!bracketed && !path.empty()) out.push_back('\\');
-        if (bracketed) out.push_back('[');
+        if (bracketed)
+          out.push_back('[');
+        else if (!path.empty())
+          out.push_back(mark);
         out.append(token.text);
         path = {};
         quoted = true;

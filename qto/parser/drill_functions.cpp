@@ -2,6 +2,7 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/main.hpp"
+#include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
 #include "qto/parser/parser.hpp"
 
@@ -14,7 +15,7 @@ void Parser::parse_functions_intelligently() {
   while (ModelPart* found = pass.next())
     if (found->IsUnknown()) return;
   found_ = make_ref<ModelParts>();
-  part_->Create(part_->UnderlyingObject(), part_->ObjectType());
+  part_->create_afresh();
   TokenTable table;
   split_formula(part_->read_formula_again(), table);
   bool second_pass = true;
@@ -84,36 +85,62 @@ void Parser::walk_text(const std::string& formula, bool second_pass) {
   do_parse(table.tokens, second_pass);
 }
 
+namespace {
+
+/// Takes at least one token and then all up to the one before which `ends` says stop; on return
+/// `position` is on that one.
+template <class Ends>
+Tokens take_until(Tokens tokens, std::size_t& position, int depth, Ends&& ends) {
+  const std::size_t start = position;
+  do {
+    if (position >= tokens.size())
+      throw NumberedFailure(9, "an IF without its closing parenthesis");
+    const std::string_view text = tokens[position - 1].text;
+    if (text == "(") ++depth;
+    if (text == ")") --depth;
+    ++position;
+  } while (!ends(tokens[position - 1].text, depth));
+  return tokens.subspan(start - 1, position - start);
+}
+
+/// TRUE as a number is -1; any other number, a text or nothing counts as false.
+bool holds(const Variant& value) {
+  if (const auto* flag = value.get_if<bool>()) return *flag;
+  if (const auto* number = value.get_if<double>()) return *number == -1;
+  const auto* whole = value.get_if<std::int32_t>();
+  return whole && *whole == -1;
+}
+
+}  // namespace
+
+/// The second branch runs up to the closing parenthesis, commas and all: an array constant in the
+/// first branch ends that one early and must not hide what follows.
 void Parser::parse_if(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_if");
   position += 2;
-  bool is_last = false;
-  std::vector<Tokens> parts;
-  do {
-    parts.push_back(take_argument(tokens, position, is_last));
-    if (!is_last) ++position;
-  } while (!is_last);
-  const Tokens condition = parts[0];
-  const Variant value = [&] {
-    Variant result = local_eval(join_texts(condition));
-    const auto range = ref_cast<host::Range>(result.object());
-    return range ? range->value() : result;
-  }();
-  bool plain = false;
+  const Tokens condition = take_until(
+      tokens, position, 0, [](std::string_view text, int depth) { return text == "," && !depth; });
+  ++position;
+  Tokens branches[2];
+  branches[0] = take_until(tokens, position, 0, [](std::string_view text, int depth) {
+    return (text == "," || text == ")") && depth == 0;
+  });
+  if (tokens[position - 1].text == ",") {
+    ++position;
+    branches[1] = take_until(tokens, position, 1, [](std::string_view text, int depth) {
+      return text == ")" && depth == 1;
+    });
+  }
+  const Variant value = value_behind(local_eval(join_texts(condition)));
   if (value.is_error()) {
-    for (const Tokens part : parts) {
-      plain = false;
-      do_parse(part, plain);
+    for (const Tokens part : {condition, branches[0], branches[1]}) {
+      bool second_pass = false;
+      do_parse(part, second_pass);
     }
     return;
   }
-  const auto* flag = value.get_if<bool>();
-  const auto* number = value.get_if<double>();
-  // TRUE as a number is -1; any other number counts as false.
-  const bool holds = (flag && *flag) || (number && *number == -1);
-  const std::size_t branch = holds ? 1 : 2;
   bool second_pass = true;
-  if (branch < parts.size()) do_parse(parts[branch], second_pass);
+  do_parse(branches[holds(value) ? 0 : 1], second_pass);
   if (options().ParseIf() != qtodrillconditionandused) return;
   second_pass = true;
   do_parse(condition, second_pass);

@@ -1,51 +1,52 @@
 #include <cmath>
+#include <utility>
 
 #include "qto/automation/error.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/main.hpp"
+#include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
 namespace {
 
-/// The value itself, read through when an evaluation gave a range.
-Variant value_behind(Variant result) {
-  const auto range = ref_cast<host::Range>(result.object());
-  return range ? range->value() : result;
-}
-
-double number_behind(const Variant& value) {
-  if (const auto* number = value.get_if<double>()) return *number;
-  if (const auto* whole = value.get_if<std::int32_t>()) return *whole;
-  if (const auto* flag = value.get_if<bool>()) return *flag ? -1 : 0;
-  if (const auto* date = value.get_if<Date>()) return date->serial;
-  if (value.is_empty()) return 0;
-  if (value.is_text())
-    if (const auto number = text::to_number(value.text())) return *number;
-  throw NumberedFailure(13, "Type mismatch: a lookup argument is no number");
-}
-
-std::int32_t whole_number(const Variant& value) {
-  const double rounded = std::nearbyint(number_behind(value));
-  if (!(std::abs(rounded) < 2147483648.0)) throw NumberedFailure(6, "Overflow");
-  return static_cast<std::int32_t>(rounded);
-}
-
-/// What follows the qualifier of a reference text.
-std::string_view without_qualifier(std::string_view text) {
-  const std::size_t mark = text.rfind('!');
-  return mark == std::string_view::npos ? text : text.substr(mark + 1);
+/// True for one reference or name with its qualifiers and nothing else.
+bool is_one_reference(Tokens argument) {
+  bool found = false;
+  for (const Token& token : argument) {
+    switch (token.type) {
+      case TokenType::path_name:
+      case TokenType::workbook:
+      case TokenType::worksheet:
+        continue;
+      case TokenType::end_token:
+        if (std::string_view("[]!\\/").find(token.text) != std::string_view::npos) continue;
+        return false;
+      case TokenType::range:
+      case TokenType::workbook_name:
+      case TokenType::worksheet_name:
+        if (std::exchange(found, true)) return false;
+        continue;
+      default:
+        return false;
+    }
+  }
+  return found;
 }
 
 }  // namespace
 
+Variant Parser::argument_value(Tokens argument) {
+  return value_behind(local_eval(args_array_to_string(argument)));
+}
+
 /// The value to look up; a date, or a text that reads as one, by its serial number.
 Variant Parser::lookup_value(Tokens argument) {
   const std::string text = args_array_to_string(argument);
-  const Variant value = value_behind(local_eval(text));
+  const Variant value = argument_value(argument);
   if (const auto* date = value.get_if<Date>()) return std::nearbyint(date->serial);
   if (!value.is_text() || text::is_numeric(value.text())) return value;
   const Variant serial = local_eval("DATEVALUE(" + text + ")");
@@ -60,20 +61,13 @@ void Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 3) throw NumberedFailure(9, "a lookup with fewer than three arguments");
   const Variant wanted = lookup_value(args[0]);
-  const std::string table_text = args_array_to_string(args[1]);
-  const std::string_view address = trim_white_space(without_qualifier(table_text));
-  std::string no_book;
-  std::string no_sheet;
-  const bool usable = is_range(address) || is_name(address, no_book, no_sheet) != TokenType::none;
-  const auto table = usable ? local_eval_range(table_text) : nullptr;
-  if (!table) {
+  if (!is_one_reference(args[1])) {
     part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
   } else {
-    const bool approximate =
-        args.size() < 4 ||
-        number_behind(value_behind(local_eval(args_array_to_string(args[3])))) != 0;
-    const std::int32_t index =
-        whole_number(value_behind(local_eval(args_array_to_string(args[2]))));
+    const auto table = local_eval_range(args_array_to_string(args[1]));
+    const bool approximate = args.size() < 4 || flag_behind(argument_value(args[3]));
+    const std::int32_t index = whole_number_behind(argument_value(args[2]));
+    if (!table) return;
     const auto line = by_column ? table->Columns(1) : table->Rows(1);
     const auto place = Main::shared_application()->WorksheetFunction()->Match(
         wanted, line, approximate ? 1.0 : 0.0);

@@ -2,7 +2,7 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/main.hpp"
-#include "qto/model/display_format.hpp"
+#include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
 #include "qto/parser/parser.hpp"
 
@@ -20,21 +20,13 @@ Tokens argument_list(Tokens tokens, std::size_t& position) {
   }
 }
 
-/// The text that a reference to a text stands for.
-std::string text_behind(const Variant& result) {
-  const auto range = ref_cast<host::Range>(result.object());
-  const Variant value = range ? range->value() : result;
-  if (const auto* error = value.get_if<ErrorValue>()) return std::string(error_text(*error));
-  return value.is_text() ? value.text() : value.is_empty() ? "" : format_value(value);
-}
-
 }  // namespace
 
 void Parser::parse_index(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_index");
   position += 2;
   const Tokens list = argument_list(tokens, position);
-  if (const auto range = local_eval_range("INDEX(" + args_array_to_string(list) + ")"))
+  if (const auto range = local_eval_range("INDEX(" + join_texts(list) + ")"))
     walk_text("=" + range->Address(), false);
   else
     part_->put_HasError(true);
@@ -61,14 +53,9 @@ void Parser::parse_indirect(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_indirect");
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
-  std::string target = text_behind(local_eval(args_array_to_string(args[0])));
-  if (args.size() > 1) {
-    const Variant style = local_eval(args_array_to_string(args[1]));
-    const auto* flag = style.get_if<bool>();
-    const auto* number = style.get_if<double>();
-    if ((flag && !*flag) || (number && *number == 0))
-      target = Main::shared_application()->ConvertFormula(target, host::xlR1C1, host::xlA1);
-  }
+  std::string target = text_behind(argument_value(args[0]));
+  if (args.size() > 1 && !flag_behind(argument_value(args[1])))
+    target = Main::shared_application()->ConvertFormula(target, host::xlR1C1, host::xlA1);
   parse_indirect_real(target);
   if (options().ParseIndirect() != qtodrillindirectboth) return;
   for (const Tokens argument : args) {
@@ -79,13 +66,19 @@ void Parser::parse_indirect(Tokens tokens, std::size_t& position) {
 
 void Parser::parse_indirect_real(const std::string& text) {
   Procedure proc("Parser", "parse_indirect_real");
-  const Ref<ModelParts> before = std::exchange(found_, make_ref<ModelParts>());
   TokenTable table;
   split_formula("=" + text, table);
+  const Ref<ModelParts> before = found_;
   bool drill_intelligently = false;
-  do_parse(table.tokens, drill_intelligently);
   bool unresolved = false;
-  found_->for_each([&](ModelPart& part) { unresolved = unresolved || part.IsUnknown(); });
+  try {
+    found_ = make_ref<ModelParts>();
+    do_parse(table.tokens, drill_intelligently);
+    found_->for_each([&](ModelPart& part) { unresolved = unresolved || part.IsUnknown(); });
+  } catch (...) {
+    found_ = before;
+    throw;
+  }
   found_ = before;
   if (unresolved) {
     part_->put_HasError(true);

@@ -81,7 +81,9 @@ void Parser::Parse(ModelPart& part) {
   bool drill_intelligently = false;
   do_parse(table_.tokens, drill_intelligently);
   if (!proc.step([&] { check_for_unknown_precedents(); })) return;
-  if (drill_intelligently || leaves_something_out(options())) keep_all_precedents();
+  // A part that was drilled intelligently before shows its own list, not that of another part.
+  if (drill_intelligently || leaves_something_out(options()) || part.IntelligentDrillingUsed())
+    keep_all_precedents();
   if (drill_intelligently) parse_functions_intelligently();
   part.putref_DirectPrecedents(found_);
   part.put_CheckedForPrecedents(true);

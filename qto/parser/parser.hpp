@@ -102,6 +102,7 @@ class Parser {
   Variant local_eval(const std::string& text);
   Ref<host::Range> local_eval_range(const std::string& text);
   Ref<host::Worksheet> evaluation_sheet();
+  Variant argument_value(Tokens argument);
   Variant lookup_value(Tokens argument);
   void add_cell_part(const Ref<host::Range>& cell);
   void walk_text(const std::string& formula, bool second_pass);
@@ -112,6 +113,7 @@ class Parser {
   void add_unknown_range(const Qualifiers& at, std::string_view address);
   void add_cell_precedents(const Ref<host::Workbook>& workbook, std::string_view sheet,
                            std::string_view address);
+  /// A sheet without cells inside a span comes as null.
   std::vector<Ref<SheetRecord>> sheets_for_reference(const Ref<host::Workbook>& workbook,
                                                      std::string_view sheet);
   void add_cells_of(const Ref<SheetRecord>& sheet, std::string_view address);

@@ -40,6 +40,8 @@ void Parser::add_unknown_range(const Qualifiers& at, std::string_view address) {
 
 void Parser::add_possible_name_found(const Qualifiers& at, std::string_view name) {
   Procedure proc("Parser", "add_possible_name_found");
+  // Between two delimiters there may be nothing but white space.
+  if (name.empty()) return;
   if (at.book == own_book_) {
     part_->put_HasError(true);
     return;
@@ -61,8 +63,13 @@ void Parser::add_cell_precedents(const Ref<host::Workbook>& workbook, std::strin
     (void)proc.step([&] { add_cells_of(last_record_, address); });
     return;
   }
-  for (const auto& record : sheets_for_reference(workbook, sheet))
-    if (!proc.step([&] { add_cells_of(record, address); })) return;
+  for (const auto& record : sheets_for_reference(workbook, sheet)) {
+    if (!proc.step([&] {
+          if (!record) throw host::HostFailure(host::general_failure, "a chart sheet has no cells");
+          add_cells_of(record, address);
+        }))
+      return;
+  }
 }
 
 std::vector<Ref<SheetRecord>> Parser::sheets_for_reference(const Ref<host::Workbook>& workbook,
@@ -84,8 +91,7 @@ std::vector<Ref<SheetRecord>> Parser::sheets_for_reference(const Ref<host::Workb
     const int to = workbook->Sheets(undouble_apostrophes(trim_white_space(last)))->Index();
     for (int position = from; position <= to; ++position) {
       const auto worksheet = ref_cast<host::Worksheet>(workbook->Sheets(position));
-      if (!worksheet) throw host::HostFailure(host::general_failure, "a chart sheet has no cells");
-      records.push_back(record_of(worksheet));
+      records.push_back(worksheet ? record_of(worksheet) : nullptr);
     }
   });
   if (!done) records.clear();

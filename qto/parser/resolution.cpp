@@ -62,7 +62,8 @@ Ref<host::Worksheet> Parser::find_sheet(std::string_view book, std::string_view 
 
 void Parser::workbook_name_found(Qualifiers at, std::string_view name) {
   Procedure proc("Parser", "workbook_name_found");
-  if (at.sheet != own_sheet_ && at.book == own_book_) {
+  // Unless it is a sheet of the own book, the qualifier is a workbook written without brackets.
+  if (at.sheet != own_sheet_ && at.book == own_book_ && !find_sheet(at.book, at.sheet)) {
     at.book = at.sheet;
     at.sheet = own_sheet_;
   }

@@ -1,3 +1,4 @@
+#include "qto/automation/error.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/parser/parser.hpp"
@@ -8,10 +9,11 @@ namespace {
 
 /// application | document ! item, whatever the pieces were taken for.
 void mark_link(TokenTable& table, std::size_t i) {
+  if (i + 3 > table.count()) throw NumberedFailure(9, "a link without its document and item");
   table.at(i).type = TokenType::pipe;
   if (i > 1) table.at(i - 1).type = TokenType::application;
-  if (i + 1 <= table.count()) table.at(i + 1).type = TokenType::document;
-  if (i + 3 <= table.count()) table.at(i + 3).type = TokenType::link;
+  table.at(i + 1).type = TokenType::document;
+  table.at(i + 3).type = TokenType::link;
 }
 
 }  // namespace
@@ -29,7 +31,11 @@ void Parser::split_formula(std::string_view formula, TokenTable& table) {
       table.tokens.insert(table.tokens.begin() + static_cast<std::ptrdiff_t>(i),
                           columns.begin() + 1, columns.end());
     }
-    if (table.at(i).text == "|") mark_link(table, i);
+    if (table.at(i).text == "|" && !proc.step([&] { mark_link(table, i); })) {
+      table.tokens
+          .clear();  // half a table is none: its tokens would be taken for what they are not
+      return;
+    }
     if (table.at(i).type == TokenType::none) classify(table, i);
   }
 }
