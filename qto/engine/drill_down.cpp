@@ -84,10 +84,11 @@ void DrillDown::putref_StartUnderlyingObject(const Ref<Object>& object) {
     throw AutomationError(ErrorNumber::wrong_object);
   start_workbook_ = ref_cast<host::Workbook>(owner);
   const std::string_view kind = object->TypeName();
-  if (kind == "Range")
-    check_range(ref_cast<host::Range>(object));
-  else if (kind != "Series")
+  if (kind == "Range") {
+    if (!proc.step([&] { check_range(ref_cast<host::Range>(object)); })) return;
+  } else if (kind != "Series") {
     throw AutomationError(ErrorNumber::wrong_object);
+  }
   Main::set_shared_application(host_object->Application());
   start_object_ = object;
   start_part_ = make_ref<ModelPart>();

@@ -77,8 +77,9 @@ class DrillDown : public Object {
   /// The item limit stopped the current or last drill.
   bool ExceededMaxItems() const noexcept { return exceeded_; }
 
-  // The operations. All raise 80040001 without a start object, and 80040003 when the start workbook
-  // holds a circular reference (DrillHere only when MaximumDepth is 0).
+  // The operations. All raise 80040001 without a start object, 80040003 when the start workbook
+  // holds a circular reference (DrillHere only when MaximumDepth is 0), and 80040004 when they are
+  // called from an event of a drill of this object.
 
   /// Builds the precedent tree: DirectPrecedents of the start part and of everything below it.
   void DrillHere();
@@ -109,6 +110,17 @@ class DrillDown : public Object {
   void find_precedents_if_necessary(Ref<ModelPart>& part);
   bool already_seen(Ref<ModelPart>& part, ModelParts& list);
   void collect_input(Ref<ModelPart>& part);
+  /// Adds to a collection of the drill. A client may substitute another part, but none is no part
+  /// to go on with.
+  static void add_to(ModelParts& parts, Ref<ModelPart>& part);
+  /// Raises an event about a part, which the client may substitute.
+  template <class... Answers>
+  static void raise_about(const Event<Ref<ModelPart>&, Answers&...>& event, Ref<ModelPart>& part,
+                          Answers&... answers) {
+    Ref<ModelPart> shown = part;
+    event(shown, answers...);
+    if (shown) part = std::move(shown);
+  }
   void yield();
 
   // Linked workbooks

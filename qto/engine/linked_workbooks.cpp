@@ -16,6 +16,14 @@ Ref<host::Workbook> try_open(const std::string& full_name, const std::string& pa
   }
 }
 
+void bring_to_front(host::Application& app) {
+  try {
+    app.bring_to_front();
+  } catch (const std::exception&) {
+    // A window that stays behind is no reason not to open.
+  }
+}
+
 }  // namespace
 
 qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
@@ -34,11 +42,11 @@ qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
     BeforeInternetAccess(part->WorkBookPath(), part->WorkBookName(), cancel);
     if (cancel) return record(qtownoUserDecision);
   }
-  app->bring_to_front();
+  bring_to_front(*app);
   std::string password;
   auto workbook = try_open(full_name, password);
   if (!workbook) {
-    AskForPassword(part, password);
+    raise_about(AskForPassword, part, password);
     if (password.empty()) return record(qtownoOther);
     workbook = try_open(full_name, password);
   }

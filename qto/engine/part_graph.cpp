@@ -1,5 +1,6 @@
 #include "qto/engine/part_graph.hpp"
 
+#include <array>
 #include <unordered_map>
 #include <vector>
 
@@ -20,10 +21,12 @@ class Reachability {
  public:
   explicit Reachability(const std::vector<Ref<ModelPart>>& parts) {
     for (const auto& part : parts) counts_[part.get()] = 0;
-    for (const auto& part : parts) count_list(part->DirectPrecedents());
+    for (const auto& part : parts)
+      for (const auto& list : lists_of(*part)) count_list(list);
     for (const auto& part : parts) {
-      const auto& list = part->DirectPrecedents();
-      if (list && list->ref_count() > holders_[list.get()]) mark_items(*list);
+      for (const auto& list : lists_of(*part))
+        // One reference is this loop's own.
+        if (list && list->ref_count() > holders_[list.get()] + 1) mark_items(*list);
       // One reference is the watch itself.
       if (part->ref_count() > counts_[part.get()] + 1) mark(part.get());
     }
@@ -33,6 +36,12 @@ class Reachability {
   bool reaches(const ModelPart* part) const { return reached_.contains(part); }
 
  private:
+  /// Direct precedents, and all of them where some were left out.
+  static std::array<Ref<ModelParts>, 2> lists_of(ModelPart& part) {
+    Ref<ModelParts> all;
+    if (part.IntelligentDrillingUsed()) all = part.AllPrecedents();
+    return {part.DirectPrecedents(), all == part.DirectPrecedents() ? nullptr : all};
+  }
   void count_list(const Ref<ModelParts>& list) {
     if (!list || holders_[list.get()]++ > 0) return;
     list->for_each([this](ModelPart& item) {
@@ -50,7 +59,8 @@ class Reachability {
     while (!open_.empty()) {
       ModelPart* part = open_.back();
       open_.pop_back();
-      if (const auto& list = part->DirectPrecedents()) mark_items(*list);
+      for (const auto& list : lists_of(*part))
+        if (list) mark_items(*list);
     }
   }
 

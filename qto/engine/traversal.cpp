@@ -12,8 +12,11 @@ namespace qto {
 
 /// One part under way: its precedents and how far the pass over them has come.
 struct DrillDown::Frame {
-  explicit Frame(Ref<ModelPart> entered) : part(std::move(entered)) {}
-  Ref<ModelPart> part;
+  explicit Frame(Ref<ModelPart> entered)
+      : part(entered), walked(std::move(entered)), is_parent(walked->is_range()) {}
+  Ref<ModelPart> part;    // a client may put another in its place
+  Ref<ModelPart> walked;  // the one that was entered
+  bool is_parent;         // on the parser's stack of parents
   std::optional<ModelParts::Pass> pass;
 };
 
@@ -34,12 +37,14 @@ class DrillDown::Walk {
     while (!stack_.empty()) pop();
     while (drill_.clsParser_->ParentCount() > parents_) drill_.clsParser_->RemoveParentRange();
     drill_.current_depth_ = depth_;
+    if (drill_.met_cycle_) watch_graph(start_, *drill_.parts_analysed_);
   }
 
   /// `enter` determines the part's precedents and gives the list to pass over, or null; `visit`
   /// handles one precedent and answers whether to descend into it.
   template <class Enter, class Visit>
   void run(const Ref<ModelPart>& start, Enter&& enter, Visit&& visit) {
+    start_ = start;
     push(start, enter);
     while (!stack_.empty()) {
       Frame& frame = stack_.back();
@@ -61,8 +66,8 @@ class DrillDown::Walk {
     Frame& frame = stack_.back();
     drill_.yield();
     ++drill_.current_depth_;
-    frame.part->mark_walk(true);
-    if (frame.part->is_range()) drill_.clsParser_->AddParentRange(*frame.part);
+    frame.walked->mark_walk(true);
+    if (frame.is_parent) drill_.clsParser_->AddParentRange(*frame.walked);
     if (const Ref<ModelParts> list = enter(frame.part)) frame.pass.emplace(list);
   }
 
@@ -71,9 +76,9 @@ class DrillDown::Walk {
     const auto& list = frame.part->DirectPrecedents();
     if (drops_empty_lists_ && list && list->Count() == 0)
       frame.part->putref_DirectPrecedents(nullptr);
-    if (frame.part->is_range() && drill_.clsParser_->ParentCount() > parents_)
+    if (frame.is_parent && drill_.clsParser_->ParentCount() > parents_)
       drill_.clsParser_->RemoveParentRange();
-    frame.part->mark_walk(false);
+    frame.walked->mark_walk(false);
     --drill_.current_depth_;
     stack_.pop_back();
     if (diagnostics::tracing()) diagnostics::trace_out(name_);
@@ -84,6 +89,7 @@ class DrillDown::Walk {
   const bool drops_empty_lists_;
   const std::size_t parents_;
   const std::int32_t depth_;
+  Ref<ModelPart> start_;
   std::deque<Frame> stack_;
 };
 
@@ -95,7 +101,7 @@ void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
   Procedure proc("DrillDown", "find_precedents_if_necessary");
   if (!part->CheckedForPrecedents()) {
     bool cancel = false;
-    BeforeGetPrecedents(part, cancel);
+    raise_about(BeforeGetPrecedents, part, cancel);
     if (cancel)
       part->put_CheckedForPrecedents(true);
     else
@@ -104,18 +110,25 @@ void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
   yield();
 }
 
+void DrillDown::add_to(ModelParts& parts, Ref<ModelPart>& part) {
+  Ref<ModelPart> added = part;
+  parts.AddExisting(added);
+  if (added) part = std::move(added);
+}
+
 bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
   Procedure proc("DrillDown", "already_seen");
   Ref<ModelPart> canonical(parts_analysed_->find(part->Key()));
   if (!canonical) {
-    parts_analysed_->AddExisting(part);
+    add_to(*parts_analysed_, part);
     check_max_items(parts_analysed_->Count());
     return false;
   }
   if (canonical != part) {
     const PartKey key = part->Key();
     list.remove(key);
-    list.AddExisting(canonical);
+    Ref<ModelPart> moved = canonical;
+    list.AddExisting(moved);
     canonical->CheckForChanges();
     part = canonical;
   }
@@ -125,31 +138,28 @@ bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
 
 void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
   static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_this_cell"};
-  {
-    Walk walk(*this, name, Walk::EmptyLists::drop);
-    walk.run(
-        start,
-        [this](Ref<ModelPart>& part) {
-          if (!parts_analysed_->find(part->Key())) part->put_CheckedForPrecedents(false);
-          find_precedents_if_necessary(part);
-          return part->DirectPrecedents();
-        },
-        [this](Ref<ModelPart>& precedent, ModelParts& list) {
-          const bool seen = already_seen(precedent, list);
-          if (maximum_depth_ != 0 && current_depth_ >= maximum_depth_) return false;
-          return !exceeded_ && !precedent->IsUnknown() && !seen;
-        });
-  }
-  if (met_cycle_) watch_graph(start, *parts_analysed_);
+  Walk walk(*this, name, Walk::EmptyLists::drop);
+  walk.run(
+      start,
+      [this](Ref<ModelPart>& part) {
+        if (!parts_analysed_->find(part->Key())) part->put_CheckedForPrecedents(false);
+        find_precedents_if_necessary(part);
+        return part->DirectPrecedents();
+      },
+      [this](Ref<ModelPart>& precedent, ModelParts& list) {
+        const bool seen = already_seen(precedent, list);
+        if (maximum_depth_ != 0 && current_depth_ >= maximum_depth_) return false;
+        return !exceeded_ && !precedent->IsUnknown() && !seen;
+      });
 }
 
 void DrillDown::collect_input(Ref<ModelPart>& part) {
   switch (part->FormulaContainsConstant()) {
     case qtoFormulaContainsConstant:
-      input_cells_->AddExisting(part);
+      add_to(*input_cells_, part);
       break;
     case qtoFormulaContainsConstZeroOrOne:
-      if (!ignore_zero_or_one_) input_cells_->AddExisting(part);
+      if (!ignore_zero_or_one_) add_to(*input_cells_, part);
       break;
     case qtoNoConstantInFormula:
       break;
@@ -167,13 +177,13 @@ void DrillDown::drill_to_inputs(const Ref<ModelPart>& start) {
         if (list)
           collect_input(part);
         else
-          input_cells_->AddExisting(part);
+          add_to(*input_cells_, part);
         return list;
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         if (already_seen(precedent, list) || exceeded_) return false;
         if (!precedent->IsUnknown()) return true;
-        input_cells_->AddExisting(precedent);
+        add_to(*input_cells_, precedent);
         return false;
       });
 }
@@ -189,13 +199,13 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
         bool any_error = false;
         if (list) list->for_each([&](ModelPart& item) { any_error |= item.HasError(); });
         if (any_error) return list;
-        error_cells_->AddExisting(part);
+        add_to(*error_cells_, part);
         return Ref<ModelParts>();
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         if (already_seen(precedent, list) || exceeded_) return false;
         if (!precedent->IsUnknown()) return precedent->HasError();
-        error_cells_->AddExisting(precedent);
+        add_to(*error_cells_, precedent);
         return false;
       });
 }

@@ -35,7 +35,7 @@ void DrillDown::follow_unknown(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
 
 void DrillDown::ask_to_open(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
   bool user_choice = true;
-  AskToOpenBook(unknown, user_choice);
+  raise_about(AskToOpenBook, unknown, user_choice);
   if (!user_choice)
     add_linked_book(*unknown, qtownoUserDecision, "");
   else if (open_linked_book(unknown) == qtoWNOOK)
