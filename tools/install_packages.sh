@@ -9,6 +9,7 @@ packages=(
   libexpat1-dev zlib1g-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
   # Debian's CMake package of libzip refuses to load unless its three command line tools are there.
   libzip-dev zipcmp zipmerge ziptool
+  libssl-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 

@@ -1,0 +1,35 @@
+#include "qto/hosts/embedded/objects/application.hpp"
+
+#include <algorithm>
+
+#include "qto/hosts/embedded/objects/application_object.hpp"
+#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/workbook_object.hpp"
+
+namespace qto::embedded {
+
+Application::Application() : object_(new ApplicationObject), host_(object_) {}
+
+Application::~Application() = default;
+
+void Application::add_search_folder(std::string_view folder) {
+  object_->search_folders.emplace_back(folder);
+}
+
+void Application::set_now(double moment) { object_->fixed_now = moment; }
+
+void Application::set_window_size(int rows, int columns) {
+  object_->window_rows = std::max(rows, 1);
+  object_->window_columns = std::max(columns, 1);
+}
+
+Event<std::string_view, bool&>& Application::hyperlink_followed() {
+  return object_->hyperlink_followed;
+}
+
+Ref<host::Workbook> Application::adopt(std::unique_ptr<Book> book) {
+  if (object_->find_book(book->name)) fail("A workbook named " + book->name + " is open");
+  return object_->add_book(std::move(book)).workbook();
+}
+
+}  // namespace qto::embedded

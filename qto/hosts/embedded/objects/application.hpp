@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "qto/automation/event.hpp"
+#include "qto/host/application.hpp"
+#include "qto/host/workbook.hpp"
+#include "qto/host/workbooks.hpp"
+
+namespace qto::embedded {
+
+class ApplicationObject;
+class Book;
+
+/// The spreadsheet application of this process: opens workbook files, calculates, answers the
+/// object model. The facade is a handle like any other; the open books live until it and every
+/// object obtained from it are gone. Copies are the same application.
+class Application {
+ public:
+  Application();
+  Application(const Application&) = default;
+  Application& operator=(const Application&) = default;
+  ~Application();
+
+  const Ref<host::Application>& ref() const noexcept { return host_; }
+  operator Ref<host::Application>() const noexcept { return host_; }
+  host::Application* operator->() const noexcept { return host_.get(); }
+  Ref<host::Workbooks> Workbooks() const { return host_->Workbooks(); }
+
+  /// A folder in which linked books are looked for that are not at their place.
+  void add_search_folder(std::string_view folder);
+  /// Fixes the moment of calculation (serial number, 1900 system) instead of the clock.
+  void set_now(double moment);
+  /// Rows and columns that show in a window; at least 1 each.
+  void set_window_size(int rows, int columns);
+  /// Raised for an address that is to be followed (mail, browser). A handler sets the flag when it
+  /// has taken it; otherwise Workbook.FollowHyperlink fails.
+  Event<std::string_view, bool&>& hyperlink_followed();
+  /// Takes in a book that was built by code. Its name must not be that of an open book.
+  Ref<host::Workbook> adopt(std::unique_ptr<Book> book);
+
+ private:
+  ApplicationObject* object_;
+  Ref<host::Application> host_;
+};
+
+}  // namespace qto::embedded

@@ -1,0 +1,49 @@
+#include "qto/hosts/embedded/objects/embedded_chart_object.hpp"
+
+#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/sheet_operations.hpp"
+
+namespace qto::embedded {
+
+Ref<host::HostObject> EmbeddedChartObject::Parent() const {
+  place_.sheet();
+  return make_ref<ChartFrameObject>(place_);
+}
+
+std::string EmbeddedChartObject::Name() const {
+  return place_.sheet().name + " " + place_.model()->name;
+}
+
+int EmbeddedChartObject::Index() const {
+  fail("A chart on a worksheet has no position among the sheets");
+}
+
+Ref<host::Workbook> EmbeddedChartObject::Workbook() const {
+  place_.sheet();
+  return place_.workbook;
+}
+
+std::int32_t EmbeddedChartObject::Visible() const {
+  return static_cast<std::int32_t>(place_.sheet().visibility);
+}
+
+void EmbeddedChartObject::put_Visible(std::int32_t) {
+  fail("A chart on a worksheet is shown and hidden with its sheet");
+}
+
+void EmbeddedChartObject::Unprotect(std::string_view password) {
+  unprotect(place_.sheet(), password);
+}
+
+Ref<host::HostObject> ChartFrameObject::Parent() const {
+  return place_.open().sheet(place_.sheet());
+}
+
+std::string ChartFrameObject::Name() const { return place_.model()->name; }
+
+Ref<host::Chart> ChartFrameObject::Chart() const {
+  place_.sheet();
+  return make_ref<EmbeddedChartObject>(place_);
+}
+
+}  // namespace qto::embedded

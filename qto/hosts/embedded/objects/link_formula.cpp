@@ -1,0 +1,94 @@
+#include "qto/hosts/embedded/objects/link_formula.hpp"
+
+#include <algorithm>
+
+#include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/formula/qualifier.hpp"
+#include "qto/hosts/embedded/objects/application_object.hpp"
+#include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/rewrite_tokens.hpp"
+
+namespace qto::embedded {
+namespace {
+
+/// What a qualifier says about the folder, with its separator: 'D:\Data\[Book2.xlsx]Sheet1'! and
+/// 'D:\Data\Book2.xlsx'! say D:\Data\.
+std::string written_folder(std::string_view token) {
+  if (!token.starts_with('\'')) return {};
+  token = token.substr(1, token.find('[') - 1);
+  const std::size_t cut = token.find_last_of("/\\");
+  return cut == std::string_view::npos ? std::string{} : std::string(token.substr(0, cut + 1));
+}
+
+std::string folder_of(const OpenBook& open, const std::string& name, std::string_view token) {
+  std::string folder = written_folder(token);
+  const OpenBook* target = folder.empty() ? open.application().find_book(name) : nullptr;
+  return target ? join_path(target->book().path, "") : folder;
+}
+
+/// The number of the link from 1, 0 when there is none.
+std::size_t find_link(const Book& book, std::string_view name, std::string_view folder) {
+  const auto& links = book.externals;
+  const auto known = std::find_if(links.begin(), links.end(), [&](const ExternalBook& link) {
+    return link.kind == ExternalBook::Kind::workbook && text::equal_fold(link.name, name) &&
+           (folder.empty() || link.folder.empty() || link.folder == folder);
+  });
+  return known == links.end() ? 0 : static_cast<std::size_t>(known - links.begin()) + 1;
+}
+
+std::size_t add_link(Book& book, std::string name, std::string folder) {
+  ExternalBook link;
+  link.name = std::move(name);
+  link.folder = std::move(folder);
+  book.externals.push_back(std::move(link));
+  return book.externals.size();
+}
+
+void append_numbered(std::string& out, std::size_t number, const SheetQualifier& qualifier) {
+  std::string sheets = qualifier.sheet;
+  if (!qualifier.last_sheet.empty()) sheets += ":" + qualifier.last_sheet;
+  const std::string text = "[" + std::to_string(number) + "]" + sheets;
+  const bool quotes = (!qualifier.sheet.empty() && needs_quotes(qualifier.sheet)) ||
+                      (!qualifier.last_sheet.empty() && needs_quotes(qualifier.last_sheet));
+  if (quotes)
+    append_sheet_name(out, text);
+  else
+    out.append(text);
+  out.push_back('!');
+}
+
+/// Lets `number_of(book name, folder)` number the links; 0 leaves a reference as it is.
+template <class NumberOf>
+std::string number_qualifiers(std::string_view formula, const OpenBook& book,
+                              NumberOf&& number_of) {
+  return rewrite_tokens(
+      formula, [&](TokenKind kind, std::string_view text, TokenKind, std::string& out) {
+        const SheetQualifier qualifier =
+            kind == TokenKind::qualifier ? parse_qualifier(text) : SheetQualifier{};
+        const bool document = qualifier.book.find('|') != std::string::npos;
+        const bool own = text::equal_fold(qualifier.book, book.book().name);
+        std::size_t number = 0;
+        if (!qualifier.book.empty() && !own && !document && !qualifier.broken)
+          number = number_of(qualifier.book, folder_of(book, qualifier.book, text));
+        if (number == 0) return void(out.append(text));
+        append_numbered(out, number, qualifier);
+      });
+}
+
+}  // namespace
+
+std::string number_links(std::string_view formula, OpenBook& book) {
+  return number_qualifiers(formula, book, [&](const std::string& name, std::string folder) {
+    const std::size_t known = find_link(book.book(), name, folder);
+    return known ? known : add_link(book.book(), name, std::move(folder));
+  });
+}
+
+std::string number_known_links(std::string_view formula, const OpenBook& book) {
+  if (book.book().externals.empty()) return std::string(formula);
+  return number_qualifiers(formula, book, [&](const std::string& name, const std::string& folder) {
+    return find_link(book.book(), name, folder);
+  });
+}
+
+}  // namespace qto::embedded

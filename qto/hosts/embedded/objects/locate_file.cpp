@@ -1,0 +1,78 @@
+#include "qto/hosts/embedded/objects/locate_file.hpp"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/objects/full_name.hpp"
+
+namespace qto::embedded {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool is_file(const fs::path& path) {
+  std::error_code failure;
+  const fs::file_status status = fs::status(path, failure);
+  return fs::exists(status) && !fs::is_directory(status);
+}
+
+/// The text as a path of this system: a file: scheme and foreign separators taken away.
+std::string native(std::string_view file_name) {
+  constexpr std::string_view scheme = "file://";
+  std::string path(file_name);
+  if (text::equal_ascii_nocase(file_name.substr(0, scheme.size()), scheme))
+    path.erase(0, scheme.size());
+  if constexpr (fs::path::preferred_separator == '/')
+    std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
+bool links_to(const Book& book, std::string_view name) {
+  return std::any_of(book.externals.begin(), book.externals.end(), [&](const ExternalBook& link) {
+    return link.kind == ExternalBook::Kind::workbook && text::equal_fold(link.name, name);
+  });
+}
+
+std::vector<std::string> folders_to_search(const ApplicationObject& application,
+                                           std::string_view name) {
+  std::vector<std::string> folders;
+  if (const OpenBook* active = application.active_book()) folders.push_back(active->book().path);
+  for (const auto& open : application.books())
+    if (links_to(open->book(), name)) folders.push_back(open->book().path);
+  folders.insert(folders.end(), application.search_folders.begin(),
+                 application.search_folders.end());
+  std::erase(folders, "");
+  return folders;
+}
+
+std::string full_path(const fs::path& path) {
+  std::error_code failure;
+  const fs::path full = fs::absolute(path, failure);
+  return (failure ? path : full).lexically_normal().string();
+}
+
+}  // namespace
+
+std::optional<std::string> locate_file(const ApplicationObject& application,
+                                       std::string_view file_name) {
+  if (is_file(fs::path(file_name))) return full_path(fs::path(file_name));
+  const std::string path = native(file_name);
+  if (is_file(path)) return full_path(path);
+  const std::string name(file_part(path));
+  if (name.empty()) return std::nullopt;
+  for (const std::string& folder : folders_to_search(application, name))
+    for (const std::string& part : {path, name}) {
+      if (is_absolute_path(part)) continue;
+      if (const fs::path beside = fs::path(folder) / part; is_file(beside))
+        return full_path(beside);
+    }
+  return std::nullopt;
+}
+
+bool is_same_file(const std::string& a, const std::string& b) {
+  std::error_code failure;
+  return a == b || fs::equivalent(a, b, failure);
+}
+
+}  // namespace qto::embedded

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "qto/hosts/embedded/book/sheet.hpp"
+
+namespace qto::embedded {
+
+/// Whether the password opens a protected sheet. A protection without a hash has no password, any
+/// text opens it; one whose algorithm is unknown or whose data is damaged is opened by none.
+bool password_matches(const SheetProtection& protection, std::string_view password);
+
+/// The 16-bit hash of ECMA-376 Part 1, 18.2.29, over the password's characters.
+std::uint16_t legacy_password_hash(std::string_view password);
+
+}  // namespace qto::embedded

@@ -1,0 +1,55 @@
+#include "qto/hosts/embedded/objects/series_object.hpp"
+
+#include "qto/hosts/embedded/objects/cell_formula.hpp"
+#include "qto/hosts/embedded/objects/chart_selection.hpp"
+
+namespace qto::embedded {
+namespace {
+
+/// One argument of SERIES as people see it.
+void append_argument(std::string& out, const std::string& stored, const RenderContext& context,
+                     AppendFormula append) {
+  if (stored.empty()) return;
+  const auto compiled = CompiledFormula::compile(stored, context.at);
+  std::string text;
+  (compiled.get()->*append)(text, context);
+  out.append(text, text.starts_with('=') ? 1 : 0);
+}
+
+std::string series_formula(const ChartPlace& chart, const ChartSeries& series,
+                           AppendFormula append) {
+  const RenderContext context = context_at(chart.open(), chart.sheet(), {});
+  std::string out = "=SERIES(";
+  for (const std::string* stored :
+       {&series.name_formula, &series.category_formula, &series.values_formula}) {
+    append_argument(out, *stored, context, append);
+    out.push_back(',');
+  }
+  return out.append(std::to_string(series.order)).append(")");
+}
+
+}  // namespace
+
+const ChartSeries& SeriesObject::model() const { return chart_.model()->series[position_]; }
+
+Ref<host::HostObject> SeriesObject::Parent() const { return chart_at(chart_); }
+
+std::string SeriesObject::Name() const { return model().name; }
+
+std::string SeriesObject::Formula() const {
+  return series_formula(chart_, model(), &CompiledFormula::append_formula);
+}
+
+std::string SeriesObject::FormulaLocal() const {
+  return series_formula(chart_, model(), &CompiledFormula::append_local);
+}
+
+std::string SeriesObject::FormulaR1C1Local() const {
+  return series_formula(chart_, model(), &CompiledFormula::append_r1c1);
+}
+
+std::int32_t SeriesObject::ChartType() const { return model().chart_type; }
+
+void SeriesObject::Select() { chart_.select(position_); }
+
+}  // namespace qto::embedded

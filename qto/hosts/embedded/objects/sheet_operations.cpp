@@ -1,0 +1,88 @@
+#include "qto/hosts/embedded/objects/sheet_operations.hpp"
+
+#include <algorithm>
+
+#include "qto/hosts/embedded/objects/password.hpp"
+#include "qto/hosts/embedded/objects/raise.hpp"
+
+namespace qto::embedded {
+namespace {
+
+bool another_is_visible(const Book& book, const Sheet& sheet) {
+  return std::any_of(book.sheets().begin(), book.sheets().end(), [&](const auto& other) {
+    return other.get() != &sheet && other->visibility == SheetVisibility::visible;
+  });
+}
+
+/// The last of `wanted` lines that show from `first` on.
+template <class IsHidden>
+std::int32_t last_shown(std::int32_t first, std::int32_t end, int wanted, IsHidden&& hidden) {
+  std::int32_t last = first;
+  for (std::int32_t line = first; line <= end && wanted > 0; ++line)
+    if (!hidden(line)) {
+      last = line;
+      --wanted;
+    }
+  return last;
+}
+
+}  // namespace
+
+void put_visibility(OpenBook& book, Sheet& sheet, std::int32_t visibility) {
+  const auto wanted = static_cast<SheetVisibility>(visibility);
+  if (wanted != SheetVisibility::visible && wanted != SheetVisibility::hidden &&
+      wanted != SheetVisibility::very_hidden)
+    fail("No visibility has the number " + std::to_string(visibility));
+  if (wanted == sheet.visibility) return;
+  if (book.book().structure_locked) fail("The structure of " + book.book().name + " is protected");
+  if (wanted != SheetVisibility::visible && !another_is_visible(book.book(), sheet))
+    fail("A workbook must show one sheet at least");
+  const bool was_active = &book.active_sheet() == &sheet;
+  sheet.visibility = wanted;
+  if (!was_active || wanted == SheetVisibility::visible) return;
+  const auto& sheets = book.book().sheets();
+  const auto next = std::find_if(sheets.begin(), sheets.end(), [](const auto& other) {
+    return other->visibility == SheetVisibility::visible;
+  });
+  book.set_active_sheet(**next);
+}
+
+void unprotect(Sheet& sheet, std::string_view password) {
+  if (!sheet.protection.enabled) return;
+  if (!password_matches(sheet.protection, password))
+    fail("The password is not that of sheet " + sheet.name);
+  sheet.protection = {};
+}
+
+void activate_sheet(OpenBook& book, Sheet& sheet) {
+  if (sheet.visibility != SheetVisibility::visible) fail("Sheet " + sheet.name + " is hidden");
+  book.application().activate(book);
+  book.set_active_sheet(sheet);
+}
+
+void select_sheet(OpenBook& book, Sheet& sheet) {
+  if (book.application().active_book() != &book) fail(book.book().name + " is not active");
+  activate_sheet(book, sheet);
+}
+
+bool is_active(const OpenBook& book, const Sheet& sheet) {
+  return book.application().active_book() == &book && &book.active_sheet() == &sheet;
+}
+
+Rect visible_block(const ApplicationObject& application, const Sheet& sheet) {
+  const SheetLayout& layout = sheet.layout;
+  return {sheet.scroll,
+          {last_shown(sheet.scroll.row, max_rows, application.window_rows,
+                      [&](std::int32_t row) { return layout.row_hidden(row); }),
+           last_shown(sheet.scroll.column, max_columns, application.window_columns,
+                      [&](std::int32_t column) { return layout.column_hidden(column); })}};
+}
+
+void scroll_into_view(const ApplicationObject& application, Sheet& sheet, CellPos pos) {
+  const Rect visible = visible_block(application, sheet);
+  if (pos.row < visible.first.row || pos.row > visible.last.row) sheet.scroll.row = pos.row;
+  if (pos.column < visible.first.column || pos.column > visible.last.column)
+    sheet.scroll.column = pos.column;
+}
+
+}  // namespace qto::embedded

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "qto/hosts/embedded/objects/application_object.hpp"
+
+/// What worksheets and chart sheets have in common.
+namespace qto::embedded {
+
+/// Shows or hides a sheet; throws for the last visible one, a locked structure, an unknown number.
+void put_visibility(OpenBook& book, Sheet& sheet, std::int32_t visibility);
+/// Takes the protection away; throws for a wrong password.
+void unprotect(Sheet& sheet, std::string_view password);
+/// Makes the sheet and its book active; throws for a hidden sheet.
+void activate_sheet(OpenBook& book, Sheet& sheet);
+/// The same inside the active book only; throws when the book is not active.
+void select_sheet(OpenBook& book, Sheet& sheet);
+/// Whether the sheet is the one that the user sees.
+bool is_active(const OpenBook& book, const Sheet& sheet);
+/// Scrolls just as far as needed for the cell to show.
+void scroll_into_view(const ApplicationObject& application, Sheet& sheet, CellPos pos);
+/// The rows and columns that show in a window from the sheet's scroll position on.
+Rect visible_block(const ApplicationObject& application, const Sheet& sheet);
+
+}  // namespace qto::embedded

@@ -1,0 +1,52 @@
+#include "qto/hosts/embedded/objects/worksheet_function_object.hpp"
+
+#include "qto/hosts/embedded/objects/evaluation.hpp"
+#include "qto/hosts/embedded/objects/formula_literal.hpp"
+#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/range_object.hpp"
+
+namespace qto::embedded {
+namespace {
+
+/// An argument as formula text: a range by its address, a value as a literal.
+bool append_argument(std::string& out, const Variant& value, const Book& book) {
+  const auto range = ref_cast<host::Range>(value.object());
+  if (!range) return append_literal(out, value, book);
+  out.append(range_of(range).Address(true, true, host::xlA1, true));
+  return true;
+}
+
+Variant evaluate_on(const RangeObject& range, std::string_view formula) {
+  return evaluate_text(range.sheet()->open(), range.sheet()->sheet(), {}, formula);
+}
+
+}  // namespace
+
+std::optional<double> WorksheetFunctionObject::Match(const Variant& lookup_value,
+                                                     const Ref<host::Range>& lookup_range,
+                                                     std::optional<double> match_type) {
+  const RangeObject& range = range_of(lookup_range);
+  std::string formula = "MATCH(";
+  if (!append_argument(formula, lookup_value, range.sheet()->open().book())) return std::nullopt;
+  formula.append(",").append(range.Address(true, true, host::xlA1, true));
+  if (match_type) {
+    formula.push_back(',');
+    append_literal(formula, *match_type, range.sheet()->open().book());
+  }
+  const Variant result = evaluate_on(range, formula.append(")"));
+  const double* position = result.get_if<double>();
+  return position ? std::optional(*position) : std::nullopt;
+}
+
+double WorksheetFunctionObject::CountIf(const Ref<host::Range>& range, const Variant& criteria) {
+  const RangeObject& counted = range_of(range);
+  std::string formula = "COUNTIF(" + counted.Address(true, true, host::xlA1, true) + ",";
+  // An empty criterion counts what equals zero, as an empty cell given to the function does.
+  if (!append_argument(formula, criteria, counted.sheet()->open().book())) formula.append("0");
+  const Variant result = evaluate_on(counted, formula.append(")"));
+  const double* count = result.get_if<double>();
+  if (!count) fail("COUNTIF gives no number for " + formula);
+  return *count;
+}
+
+}  // namespace qto::embedded
