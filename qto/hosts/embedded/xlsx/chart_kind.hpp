@@ -7,9 +7,9 @@ namespace qto::embedded {
 
 /// What a chart part says about a group of series that are drawn the same way.
 struct ChartGroup {
-  std::string element;        ///< "barChart", "surface3DChart", ...
-  std::string grouping;       ///< "standard", "clustered", "stacked", "percentStacked"
-  std::string style;          ///< scatterStyle, radarStyle or ofPieType
+  std::string element{};      ///< "barChart", "surface3DChart", ...
+  std::string grouping{};     ///< "standard", "clustered", "stacked", "percentStacked"
+  std::string style{};        ///< scatterStyle, radarStyle or ofPieType
   std::string shape = "box";  ///< of three-dimensional bars
   bool horizontal = false;    ///< bars instead of columns
   bool wireframe = false;
