@@ -87,6 +87,14 @@ bool same(const Variant& got, const Variant& want) {
   return got == want;
 }
 
+/// Sheets that a formula names are there, even when all their cells are empty.
+void add_sheets(Book& book, const CompiledFormula& formula) {
+  if (!formula.tree()) return;
+  for (const SheetQualifier& qualifier : formula.tree()->qualifiers)
+    if (qualifier.external == 0 && qualifier.book.empty() && !qualifier.sheet.empty())
+      sheet_named(book, qualifier.sheet);
+}
+
 Variant evaluate(const json& c) {
   Book book;
   book.date1904 = c.value("date1904", false);
@@ -107,7 +115,9 @@ Variant evaluate(const json& c) {
   StillWorld world;
   Evaluator evaluator(world, functions::registry());
   const bool array = c.contains("array");
-  const Operand result = evaluator.evaluate(*CompiledFormula::compile(text, pos), sheet, pos,
+  const auto formula = CompiledFormula::compile(text, pos);
+  add_sheets(book, *formula);
+  const Operand result = evaluator.evaluate(*formula, sheet, pos,
                                             array ? EvaluationMode::array : EvaluationMode::cell);
   return view_of(*result.value()).to_variant();
 }

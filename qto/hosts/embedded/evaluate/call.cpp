@@ -14,6 +14,7 @@ constexpr bool wants_single_value(Parameter kind) { return kind <= Parameter::an
 
 /// Makes a single value what its parameter wants; gives the error that ends the call.
 std::optional<ErrorValue> coerce(Parameter kind, Operand& operand, Context& context) {
+  if (operand.is_missing() && kind == Parameter::strict_number) return ErrorValue::na;
   if (operand.is_missing() || kind == Parameter::any) return std::nullopt;
   const Variant& held = *operand.value();
   const ValueView value = view_of(held);
@@ -142,6 +143,8 @@ Operand run_function(const FunctionSpec& spec, Context& context, std::span<Opera
       many = true;
     } else if (operand.is_reference()) {
       const Area* area = operand.area();
+      if (kind == Parameter::strict_number && area && !area->rect.is_cell())
+        return ErrorValue::value;
       if (array && area && !area->rect.is_cell())
         many = true;
       else

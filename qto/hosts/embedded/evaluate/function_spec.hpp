@@ -20,7 +20,8 @@ class LazyCall;
 /// the formula's cell, and arrays make the function run once for each element.
 enum class Parameter : std::uint8_t {
   number,         ///< a value, made a number
-  strict_number,  ///< the same, but Booleans are refused with #VALUE!
+  strict_number,  ///< the same, but Booleans and blocks of cells are refused with #VALUE!, and a
+                  ///< blank argument is #N/A
   text,           ///< a value, made a text
   logical,        ///< a value, made a Boolean
   value,          ///< a value as it is; an error becomes the result

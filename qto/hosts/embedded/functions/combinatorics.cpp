@@ -71,14 +71,29 @@ Operand fn_permutationa(Call& call) {
   return std::pow(n, k);
 }
 
-/// The whole numbers of the arguments; texts in arrays are read as numbers too.
+/// Adds one value to a list of whole numbers; gives the error that it is instead.
+std::optional<ErrorValue> add_whole(std::vector<double>& whole, const ValueView& value,
+                                    const DateSettings& dates) {
+  if (value.is_boolean()) return ErrorValue::value;
+  const auto number = to_number(value, dates);
+  if (!number) return number.error();
+  if (*number < 0 || *number >= largest_whole) return ErrorValue::num;
+  whole.push_back(std::trunc(*number));
+  return std::nullopt;
+}
+
+/// The whole numbers of the arguments, texts read as numbers; anything else is an error.
 Outcome<std::vector<double>> whole_numbers(Call& call) {
-  auto numbers = collect_numbers(call.context(), call.from(0));
-  if (!numbers) return numbers.error();
   std::vector<double> whole;
-  for (const double number : *numbers) {
-    if (number < 0 || number >= largest_whole) return ErrorValue::num;
-    whole.push_back(std::trunc(number));
+  std::optional<ErrorValue> error;
+  for (const Operand& argument : call.from(0)) {
+    if (argument.is_missing()) return ErrorValue::na;
+    if (argument.areas().size() > 1) return ErrorValue::value;
+    Grid(call.context(), argument).for_each_by_row([&](int, int, const ValueView& value) {
+      error = add_whole(whole, value, call.context().dates());
+      return !error;
+    });
+    if (error) return *error;
   }
   return whole;
 }
@@ -121,89 +136,27 @@ Operand fn_multinomial(Call& call) {
   return result;
 }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"COMBIN",
-     2,
-     2,
-     plain,
-     {number},
-     fn_combin,
-     "number, chosen",
-     "the number of choices without repetition",
-     "=COMBIN(8,2)",
-     "28"},
-    {"COMBINA",
-     2,
-     2,
-     plain,
-     {number},
-     fn_combina,
-     "number, chosen",
-     "the number of choices with repetition",
-     "=COMBINA(4,3)",
-     "20"},
+    {"COMBIN", 2, 2, plain, {number}, fn_combin, "number, chosen",
+     "the number of choices without repetition", "=COMBIN(8,2)", "28"},
+    {"COMBINA", 2, 2, plain, {number}, fn_combina, "number, chosen",
+     "the number of choices with repetition", "=COMBINA(4,3)", "20"},
     {"FACT", 1, 1, plain, {number}, fn_fact, "number", "the factorial", "=FACT(5)", "120"},
-    {"FACTDOUBLE",
-     1,
-     1,
-     plain,
-     {strict_number},
-     fn_factdouble,
-     "number",
-     "the product of every second number down to 1 or 2",
-     "=FACTDOUBLE(7)",
-     "105"},
-    {"GCD",
-     1,
-     any_count,
-     plain,
-     {values},
-     fn_gcd,
-     "number1, ...",
-     "the greatest common divisor",
-     "=GCD(24,36)",
-     "12"},
-    {"LCM",
-     1,
-     any_count,
-     plain,
-     {values},
-     fn_lcm,
-     "number1, ...",
-     "the least common multiple",
-     "=LCM(24,36)",
-     "72"},
-    {"MULTINOMIAL",
-     1,
-     any_count,
-     plain,
-     {values},
-     fn_multinomial,
-     "number1, ...",
-     "the number of ways to share out a set",
-     "=MULTINOMIAL(2,3,4)",
-     "1260"},
-    {"PERMUT",
-     2,
-     2,
-     plain,
-     {number},
-     fn_permut,
-     "number, chosen",
-     "the number of ordered choices without repetition",
-     "=PERMUT(100,3)",
-     "970200"},
-    {"PERMUTATIONA",
-     2,
-     2,
-     plain,
-     {number},
-     fn_permutationa,
-     "number, chosen",
-     "the number of ordered choices with repetition",
-     "=PERMUTATIONA(3,2)",
-     "9"},
+    {"FACTDOUBLE", 1, 1, plain, {strict_number}, fn_factdouble, "number",
+     "the product of every second number down to 1 or 2", "=FACTDOUBLE(7)", "105"},
+    {"GCD", 1, any_count, plain, {values}, fn_gcd, "number1, ...", "the greatest common divisor",
+     "=GCD(24,36)", "12"},
+    {"LCM", 1, any_count, plain, {values}, fn_lcm, "number1, ...", "the least common multiple",
+     "=LCM(24,36)", "72"},
+    {"MULTINOMIAL", 1, any_count, plain, {values}, fn_multinomial, "number1, ...",
+     "the number of ways to share out a set", "=MULTINOMIAL(2,3,4)", "1260"},
+    {"PERMUT", 2, 2, plain, {number}, fn_permut, "number, chosen",
+     "the number of ordered choices without repetition", "=PERMUT(100,3)", "970200"},
+    {"PERMUTATIONA", 2, 2, plain, {number}, fn_permutationa, "number, chosen",
+     "the number of ordered choices with repetition", "=PERMUTATIONA(3,2)", "9"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

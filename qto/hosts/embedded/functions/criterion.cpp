@@ -117,7 +117,8 @@ bool Criterion::equals(const ValueView& value) const {
       break;
   }
   if (value.is_number()) return value.number() == number_;
-  if (!value.is_text() || !may_be_number(value.text())) return false;
+  // A text that reads as the number is equal to it, yet not excluded by "<>".
+  if (op_ != Op::equal || !value.is_text() || !may_be_number(value.text())) return false;
   const auto number = to_number(value, dates_);
   return number && *number == number_;
 }

@@ -9,7 +9,8 @@
 namespace qto::embedded::functions {
 
 /// A condition of the SUMIF family: a value to be equal to, or a text with an operator, such as
-/// ">=10", "<>x*" or "=". A number in the text also fits texts that read as that number.
+/// ">=10", "<>x*" or "=". A number also fits
+/// texts that read as that number.
 class Criterion {
  public:
   Criterion(const ValueView& value, const DateSettings& dates);

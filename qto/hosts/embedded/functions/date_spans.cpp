@@ -44,13 +44,13 @@ int whole_months(const Day& start, const Day& end) {
   return end.date.day < start.date.day ? months - 1 : months;
 }
 
-/// Days from a day's last anniversary by year ("YD") to the end.
-int days_since_anniversary(const Day& start, const Day& end, bool date1904) {
-  const bool before = end.date.month < start.date.month ||
-                      (end.date.month == start.date.month && end.date.day < start.date.day);
-  const int year = end.date.year - (before ? 1 : 0);
-  return end.serial -
-         formats::date_serial(year, start.date.month, start.date.day, date1904).value_or(0);
+/// Days between two days when their years are left out ("YD"): counted in the start's year.
+int days_within_year(const Day& start, const Day& end, bool date1904) {
+  for (int year = start.date.year; year <= start.date.year + 1; ++year) {
+    const auto moved = formats::date_serial(year, end.date.month, end.date.day, date1904);
+    if (moved && *moved >= start.serial) return *moved - start.serial;
+  }
+  return 0;
 }
 
 /// Days from the last time the start's day of the month came round ("MD").
@@ -72,8 +72,7 @@ Operand fn_datedif(Call& call) {
   if (unit == "Y") return static_cast<double>(months / 12);
   if (unit == "YM") return static_cast<double>(months % 12);
   if (unit == "MD") return static_cast<double>(days_beyond_months(*start, *end));
-  if (unit == "YD")
-    return static_cast<double>(days_since_anniversary(*start, *end, date1904(call)));
+  if (unit == "YD") return static_cast<double>(days_within_year(*start, *end, date1904(call)));
   return ErrorValue::num;
 }
 
@@ -185,88 +184,33 @@ Operand fn_networkdays_intl(Call& call) { return count_workdays(call, calendar_o
 Operand fn_workday(Call& call) { return move_workdays(call, calendar_of(call, 2, 0)); }
 Operand fn_workday_intl(Call& call) { return move_workdays(call, calendar_of(call, 3, 2)); }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"DATEDIF",
-     3,
-     3,
-     plain,
-     {number, number, text},
-     fn_datedif,
-     "start, end, unit",
+    {"DATEDIF", 3, 3, plain, {number, number, text}, fn_datedif, "start, end, unit",
      "the time between two dates in years, months or days",
-     "=DATEDIF(DATE(2020,1,31),DATE(2021,3,1),\"M\")",
-     "13"},
-    {"DAYS",
-     2,
-     2,
-     plain,
-     {number},
-     fn_days,
-     "end, start",
-     "the days between two dates",
-     "=DAYS(\"2024-03-01\",\"2024-02-01\")",
-     "29"},
-    {"DAYS360",
-     2,
-     3,
-     plain,
-     {number, number, logical},
-     fn_days360,
-     "start, end, [european]",
+     "=DATEDIF(DATE(2020,1,31),DATE(2021,3,1),\"M\")", "13"},
+    {"DAYS", 2, 2, plain, {number}, fn_days, "end, start", "the days between two dates",
+     "=DAYS(\"2024-03-01\",\"2024-02-01\")", "29"},
+    {"DAYS360", 2, 3, plain, {number, number, logical}, fn_days360, "start, end, [european]",
      "the days between two dates in a year of 360 days",
-     "=DAYS360(DATE(2024,1,31),DATE(2024,12,31))",
-     "330"},
-    {"NETWORKDAYS",
-     2,
-     3,
-     plain,
-     {strict_number, strict_number, values},
-     fn_networkdays,
-     "start, end, [holidays]",
-     "the working days between two dates",
-     "=NETWORKDAYS(DATE(2024,3,1),DATE(2024,3,10))",
-     "6"},
-    {"NETWORKDAYS.INTL",
-     2,
-     4,
-     plain,
-     {strict_number, strict_number, value, values},
-     fn_networkdays_intl,
-     "start, end, [weekend], [holidays]",
+     "=DAYS360(DATE(2024,1,31),DATE(2024,12,31))", "330"},
+    {"NETWORKDAYS", 2, 3, plain, {strict_number, strict_number, values}, fn_networkdays,
+     "start, end, [holidays]", "the working days between two dates",
+     "=NETWORKDAYS(DATE(2024,3,1),DATE(2024,3,10))", "6"},
+    {"NETWORKDAYS.INTL", 2, 4, plain, {strict_number, strict_number, value, values},
+     fn_networkdays_intl, "start, end, [weekend], [holidays]",
      "the working days between two dates with a weekend of its own",
-     "=NETWORKDAYS.INTL(DATE(2024,3,1),DATE(2024,3,10),\"0000001\")",
-     "8"},
-    {"WORKDAY",
-     2,
-     3,
-     plain,
-     {strict_number, strict_number, values},
-     fn_workday,
-     "start, days, [holidays]",
-     "the day some working days on",
-     "=WORKDAY(DATE(2024,3,1),1)",
+     "=NETWORKDAYS.INTL(DATE(2024,3,1),DATE(2024,3,10),\"0000001\")", "8"},
+    {"WORKDAY", 2, 3, plain, {strict_number, strict_number, values}, fn_workday,
+     "start, days, [holidays]", "the day some working days on", "=WORKDAY(DATE(2024,3,1),1)",
      "45355"},
-    {"WORKDAY.INTL",
-     2,
-     4,
-     plain,
-     {strict_number, strict_number, value, values},
-     fn_workday_intl,
-     "start, days, [weekend], [holidays]",
-     "the day some working days on with a weekend of its own",
-     "=WORKDAY.INTL(DATE(2024,3,1),1,11)",
-     "45353"},
-    {"YEARFRAC",
-     2,
-     3,
-     plain,
-     {strict_number},
-     fn_yearfrac,
-     "start, end, [basis]",
-     "the part of a year between two dates",
-     "=YEARFRAC(DATE(2024,1,1),DATE(2024,7,1))",
-     "0.5"},
+    {"WORKDAY.INTL", 2, 4, plain, {strict_number, strict_number, value, values}, fn_workday_intl,
+     "start, days, [weekend], [holidays]", "the day some working days on with a weekend of its own",
+     "=WORKDAY.INTL(DATE(2024,3,1),1,11)", "45353"},
+    {"YEARFRAC", 2, 3, plain, {strict_number}, fn_yearfrac, "start, end, [basis]",
+     "the part of a year between two dates", "=YEARFRAC(DATE(2024,1,1),DATE(2024,7,1))", "0.5"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

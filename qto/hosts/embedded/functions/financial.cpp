@@ -21,6 +21,7 @@ Operand fn_fv(Call& call) {
 Operand fn_pv(Call& call) {
   const Annuity plan{call.number(0),    call.number(1),        call.number(2), 0,
                      call.number(3, 0), call.number(4, 0) != 0};
+  if (plan.rate == -1) return ErrorValue::div0;
   return plan.present_value();
 }
 
@@ -94,7 +95,11 @@ Operand fn_rate(Call& call) {
 
 double present_worth(const std::vector<double>& flows, double rate) {
   double worth = 0;
-  for (std::size_t i = flows.size(); i > 0; --i) worth = worth / (1 + rate) + flows[i - 1];
+  double factor = 1;
+  for (const double flow : flows) {
+    if (flow != 0) worth += flow / factor;
+    factor *= 1 + rate;
+  }
   return worth;
 }
 
@@ -147,11 +152,22 @@ struct DatedFlows {
   }
 };
 
+/// True when an argument holds a text or a Boolean.
+bool holds_others(Call& call, int i) {
+  bool found = false;
+  Grid(call.context(), call[i]).for_each([&](int, int, const ValueView& value) {
+    found = value.is_text() || value.is_boolean();
+    return !found;
+  });
+  return found;
+}
+
 Outcome<DatedFlows> dated_flows(Call& call, int first) {
   const auto flows = numbers_in_order(call.context(), call.from(first).first(1));
   if (!flows) return flows.error();
   const auto days = numbers_in_order(call.context(), call.from(first + 1).first(1));
   if (!days) return days.error();
+  if (holds_others(call, first) || holds_others(call, first + 1)) return ErrorValue::value;
   DatedFlows dated{*flows, *days};
   if (dated.flows.size() != dated.days.size() || dated.flows.empty()) return ErrorValue::num;
   for (double& day : dated.days) {
@@ -164,7 +180,7 @@ Outcome<DatedFlows> dated_flows(Call& call, int first) {
 Operand fn_xnpv(Call& call) {
   const auto dated = dated_flows(call, 1);
   if (!dated) return dated.error();
-  if (call.number(0) <= -1) return ErrorValue::num;
+  if (call.number(0) < 0) return ErrorValue::num;
   return dated->worth(call.number(0));
 }
 
@@ -175,7 +191,8 @@ Operand fn_xirr(Call& call) {
   const double guess = call.given(2) ? call.number(2) : 0.1;
   if (guess <= -1) return ErrorValue::num;
   const auto root = find_root([&](double rate) { return dated->worth(rate); }, guess, -1);
-  return root ? Operand(*root) : Operand(ErrorValue::num);
+  // A rate that swallows everything is the limit of the search and no answer.
+  return root && *root > -0.999999 ? Operand(*root) : Operand(ErrorValue::num);
 }
 
 Operand fn_effect(Call& call) {
@@ -220,228 +237,60 @@ Operand fn_dollar_price(Call& call) {
   return to_decimal ? whole + part * scale / fraction : whole + part * fraction / scale;
 }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"CUMIPMT",
-     6,
-     6,
-     plain,
-     {strict_number},
-     fn_cumulative<true>,
-     "rate, periods, present, start, end, type",
-     "the interest paid between two periods",
-     "=ROUND(CUMIPMT(0.01,12,1000,1,2,0),4)",
-     "-19.2115"},
-    {"CUMPRINC",
-     6,
-     6,
-     plain,
-     {strict_number},
-     fn_cumulative<false>,
-     "rate, periods, present, start, end, type",
-     "the principal paid between two periods",
-     "=ROUND(CUMPRINC(0.01,12,1000,1,2,0),4)",
-     "-158.4861"},
-    {"DOLLARDE",
-     2,
-     2,
-     plain,
-     {number},
-     fn_dollar_price<true>,
-     "price, fraction",
-     "a fractional price as a decimal number",
-     "=DOLLARDE(1.02,16)",
-     "1.125"},
-    {"DOLLARFR",
-     2,
-     2,
-     plain,
-     {number},
-     fn_dollar_price<false>,
-     "price, fraction",
-     "a decimal price as a fractional number",
-     "=DOLLARFR(1.125,16)",
-     "1.02"},
-    {"EFFECT",
-     2,
-     2,
-     plain,
-     {strict_number},
-     fn_effect,
-     "nominal_rate, periods",
-     "the effective yearly rate",
-     "=ROUND(EFFECT(0.12,12),6)",
-     "0.126825"},
-    {"FV",
-     3,
-     5,
-     plain,
-     {number},
-     fn_fv,
-     "rate, periods, payment, [present], [type]",
-     "what equal payments are worth at the end",
-     "=ROUND(FV(0.01,12,-100),2)",
-     "1268.25"},
-    {"FVSCHEDULE",
-     2,
-     2,
-     plain,
-     {number, values},
-     fn_fvschedule,
-     "principal, rates",
-     "what an amount is worth after changing rates",
-     "=FVSCHEDULE(100,{0.1,0.2})",
-     "132"},
-    {"IPMT",
-     4,
-     6,
-     plain,
-     {number},
-     fn_payment_part<true>,
-     "rate, period, periods, present, [future], [type]",
-     "the interest part of a payment",
-     "=IPMT(0.01,1,12,1000)",
-     "-10"},
-    {"IRR",
-     1,
-     2,
-     plain,
-     {values, number},
-     fn_irr,
-     "flows, [guess]",
-     "the rate at which cash flows are worth nothing",
-     "=ROUND(IRR({-100,60,60}),6)",
-     "0.130662"},
-    {"ISPMT",
-     4,
-     4,
-     plain,
-     {number},
-     fn_ispmt,
-     "rate, period, periods, present",
-     "the interest of a loan with equal principal payments",
-     "=ISPMT(0.1,0,2,100)",
-     "-10"},
-    {"MIRR",
-     3,
-     3,
-     plain,
-     {values, number, number},
-     fn_mirr,
-     "flows, finance_rate, reinvest_rate",
+    {"CUMIPMT", 6, 6, plain, {strict_number}, fn_cumulative<true>,
+     "rate, periods, present, start, end, type", "the interest paid between two periods",
+     "=ROUND(CUMIPMT(0.01,12,1000,1,2,0),4)", "-19.2115"},
+    {"CUMPRINC", 6, 6, plain, {strict_number}, fn_cumulative<false>,
+     "rate, periods, present, start, end, type", "the principal paid between two periods",
+     "=ROUND(CUMPRINC(0.01,12,1000,1,2,0),4)", "-158.4861"},
+    {"DOLLARDE", 2, 2, plain, {number}, fn_dollar_price<true>, "price, fraction",
+     "a fractional price as a decimal number", "=DOLLARDE(1.02,16)", "1.125"},
+    {"DOLLARFR", 2, 2, plain, {number}, fn_dollar_price<false>, "price, fraction",
+     "a decimal price as a fractional number", "=DOLLARFR(1.125,16)", "1.02"},
+    {"EFFECT", 2, 2, plain, {strict_number}, fn_effect, "nominal_rate, periods",
+     "the effective yearly rate", "=ROUND(EFFECT(0.12,12),6)", "0.126825"},
+    {"FV", 3, 5, plain, {number}, fn_fv, "rate, periods, payment, [present], [type]",
+     "what equal payments are worth at the end", "=ROUND(FV(0.01,12,-100),2)", "1268.25"},
+    {"FVSCHEDULE", 2, 2, plain, {number, values}, fn_fvschedule, "principal, rates",
+     "what an amount is worth after changing rates", "=FVSCHEDULE(100,{0.1,0.2})", "132"},
+    {"IPMT", 4, 6, plain, {number}, fn_payment_part<true>,
+     "rate, period, periods, present, [future], [type]", "the interest part of a payment",
+     "=IPMT(0.01,1,12,1000)", "-10"},
+    {"IRR", 1, 2, plain, {values, number}, fn_irr, "flows, [guess]",
+     "the rate at which cash flows are worth nothing", "=ROUND(IRR({-100,60,60}),6)", "0.130662"},
+    {"ISPMT", 4, 4, plain, {number}, fn_ispmt, "rate, period, periods, present",
+     "the interest of a loan with equal principal payments", "=ISPMT(0.1,0,2,100)", "-10"},
+    {"MIRR", 3, 3, plain, {values, number, number}, fn_mirr, "flows, finance_rate, reinvest_rate",
      "the rate of return with different rates for costs and gains",
-     "=ROUND(MIRR({-100,60,60},0.1,0.12),6)",
-     "0.127830"},
-    {"NOMINAL",
-     2,
-     2,
-     plain,
-     {strict_number},
-     fn_nominal,
-     "effective_rate, periods",
-     "the nominal yearly rate",
-     "=ROUND(NOMINAL(0.126825,12),4)",
-     "0.12"},
-    {"NPER",
-     3,
-     5,
-     plain,
-     {number},
-     fn_nper,
-     "rate, payment, present, [future], [type]",
-     "how many payments are needed",
-     "=ROUND(NPER(0.01,-100,1000),4)",
-     "10.5886"},
-    {"NPV",
-     2,
-     any_count,
-     plain,
-     {number, values},
-     fn_npv,
-     "rate, value1, ...",
-     "the present worth of cash flows",
-     "=ROUND(NPV(0.1,{110,121}),6)",
-     "200"},
-    {"PDURATION",
-     3,
-     3,
-     plain,
-     {number},
-     fn_pduration,
-     "rate, present, future",
-     "the periods until an amount has grown to another",
-     "=ROUND(PDURATION(0.1,100,121),6)",
-     "2"},
-    {"PMT",
-     3,
-     5,
-     plain,
-     {number},
-     fn_pmt,
-     "rate, periods, present, [future], [type]",
-     "the payment of a loan",
-     "=ROUND(PMT(0.01,12,1000),4)",
-     "-88.8488"},
-    {"PPMT",
-     4,
-     6,
-     plain,
-     {number},
-     fn_payment_part<false>,
-     "rate, period, periods, present, [future], [type]",
-     "the principal part of a payment",
-     "=ROUND(PPMT(0.01,1,12,1000),4)",
-     "-78.8488"},
-    {"PV",
-     3,
-     5,
-     plain,
-     {number},
-     fn_pv,
-     "rate, periods, payment, [future], [type]",
-     "what equal payments are worth now",
-     "=ROUND(PV(0.01,12,-100),2)",
-     "1125.51"},
-    {"RATE",
-     3,
-     6,
-     plain,
-     {number},
-     fn_rate,
-     "periods, payment, present, [future], [type], [guess]",
-     "the rate of a loan",
-     "=ROUND(RATE(12,-88.8488,1000),5)",
-     "0.01"},
-    {"RRI",
-     3,
-     3,
-     plain,
-     {number},
-     fn_rri,
-     "periods, present, future",
-     "the rate at which an amount grows to another",
-     "=ROUND(RRI(2,100,121),6)",
+     "=ROUND(MIRR({-100,60,60},0.1,0.12),6)", "0.127830"},
+    {"NOMINAL", 2, 2, plain, {strict_number}, fn_nominal, "effective_rate, periods",
+     "the nominal yearly rate", "=ROUND(NOMINAL(0.126825,12),4)", "0.12"},
+    {"NPER", 3, 5, plain, {number}, fn_nper, "rate, payment, present, [future], [type]",
+     "how many payments are needed", "=ROUND(NPER(0.01,-100,1000),4)", "10.5886"},
+    {"NPV", 2, any_count, plain, {number, values}, fn_npv, "rate, value1, ...",
+     "the present worth of cash flows", "=ROUND(NPV(0.1,{110,121}),6)", "200"},
+    {"PDURATION", 3, 3, plain, {number}, fn_pduration, "rate, present, future",
+     "the periods until an amount has grown to another", "=ROUND(PDURATION(0.1,100,121),6)", "2"},
+    {"PMT", 3, 5, plain, {number}, fn_pmt, "rate, periods, present, [future], [type]",
+     "the payment of a loan", "=ROUND(PMT(0.01,12,1000),4)", "-88.8488"},
+    {"PPMT", 4, 6, plain, {number}, fn_payment_part<false>,
+     "rate, period, periods, present, [future], [type]", "the principal part of a payment",
+     "=ROUND(PPMT(0.01,1,12,1000),4)", "-78.8488"},
+    {"PV", 3, 5, plain, {number}, fn_pv, "rate, periods, payment, [future], [type]",
+     "what equal payments are worth now", "=ROUND(PV(0.01,12,-100),2)", "1125.51"},
+    {"RATE", 3, 6, plain, {number}, fn_rate, "periods, payment, present, [future], [type], [guess]",
+     "the rate of a loan", "=ROUND(RATE(12,-88.8488,1000),5)", "0.01"},
+    {"RRI", 3, 3, plain, {number}, fn_rri, "periods, present, future",
+     "the rate at which an amount grows to another", "=ROUND(RRI(2,100,121),6)", "0.1"},
+    {"XIRR", 2, 3, plain, {values, values, strict_number}, fn_xirr, "flows, dates, [guess]",
+     "the rate at which dated cash flows are worth nothing", "=ROUND(XIRR({-100,110},{1,366}),6)",
      "0.1"},
-    {"XIRR",
-     2,
-     3,
-     plain,
-     {values, values, number},
-     fn_xirr,
-     "flows, dates, [guess]",
-     "the rate at which dated cash flows are worth nothing",
-     "=ROUND(XIRR({-100,110},{1,366}),6)",
-     "0.1"},
-    {"XNPV",
-     3,
-     3,
-     plain,
-     {number, values, values},
-     fn_xnpv,
-     "rate, flows, dates",
-     "the present worth of dated cash flows",
-     "=ROUND(XNPV(0.1,{-100,110},{1,366}),6)",
-     "0"},
+    {"XNPV", 3, 3, plain, {strict_number, values, values}, fn_xnpv, "rate, flows, dates",
+     "the present worth of dated cash flows", "=ROUND(XNPV(0.1,{-100,110},{1,366}),6)", "0"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

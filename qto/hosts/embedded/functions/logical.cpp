@@ -160,6 +160,7 @@ struct Truths {
   std::int64_t yes = 0;
   std::int64_t no = 0;
   std::optional<ErrorValue> error;
+  bool unreadable = false;  ///< a text that is no truth value; errors come before it
 
   void take(const ValueView& value, bool single) {
     if (value.is_error()) {
@@ -169,7 +170,7 @@ struct Truths {
     if (!single && (value.is_text() || value.is_empty())) return;
     const auto flag = to_logical(value);
     if (!flag) {
-      error = flag.error();
+      unreadable = true;
     } else {
       ++(*flag ? yes : no);
     }
@@ -192,7 +193,8 @@ Truths truths_of(Call& call) {
         return !truths.error;
       });
   }
-  if (!truths.error && truths.yes + truths.no == 0) truths.error = ErrorValue::value;
+  if (!truths.error && (truths.unreadable || truths.yes + truths.no == 0))
+    truths.error = ErrorValue::value;
   return truths;
 }
 
@@ -215,110 +217,34 @@ Operand fn_not(Call& call) { return !call.logical(0); }
 Operand fn_true(Call&) { return true; }
 Operand fn_false(Call&) { return false; }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"AND",
-     1,
-     any_count,
-     takes_spans,
-     {values},
-     fn_and,
-     "logical1, ...",
-     "true when all arguments are true",
-     "=AND(1>0,TRUE)",
-     "TRUE"},
+    {"AND", 1, any_count, takes_spans, {values}, fn_and, "logical1, ...",
+     "true when all arguments are true", "=AND(1>0,TRUE)", "TRUE"},
     {"FALSE", 0, 0, plain, {}, fn_false, "", "the value FALSE", "=FALSE()", "FALSE"},
-    {"IF",
-     2,
-     3,
-     gives_reference,
-     {any},
-     fn_if,
-     "condition, value_if_true, [value_if_false]",
-     "one of two values, as the condition is true or false",
-     "=IF(2>1,\"yes\",1/0)",
-     "yes"},
-    {"IFERROR",
-     2,
-     2,
-     plain,
-     {any},
-     fn_iferror,
-     "value, value_if_error",
-     "the value, or another one where it is an error",
-     "=IFERROR(1/0,\"none\")",
-     "none"},
-    {"IFNA",
-     2,
-     2,
-     plain,
-     {any},
-     fn_ifna,
-     "value, value_if_na",
-     "the value, or another one where it is #N/A",
-     "=IFNA(NA(),7)",
-     "7"},
-    {"IFS",
-     2,
-     any_count,
-     gives_reference,
-     {any},
-     fn_ifs,
-     "condition1, value1, ...",
-     "the value behind the first condition that is true",
-     "=IFS(FALSE,1,TRUE,2)",
-     "2"},
-    {"LET",
-     3,
-     any_count,
-     gives_reference,
-     {any},
-     fn_let,
-     "name1, value1, ..., result",
-     "a result calculated with names for values",
-     "=LET(x,3,y,x+1,x*y)",
-     "12"},
-    {"NOT",
-     1,
-     1,
-     plain,
-     {logical},
-     fn_not,
-     "logical",
-     "the opposite truth value",
-     "=NOT(1>2)",
+    {"IF", 2, 3, gives_reference, {any}, fn_if, "condition, value_if_true, [value_if_false]",
+     "one of two values, as the condition is true or false", "=IF(2>1,\"yes\",1/0)", "yes"},
+    {"IFERROR", 2, 2, plain, {any}, fn_iferror, "value, value_if_error",
+     "the value, or another one where it is an error", "=IFERROR(1/0,\"none\")", "none"},
+    {"IFNA", 2, 2, plain, {any}, fn_ifna, "value, value_if_na",
+     "the value, or another one where it is #N/A", "=IFNA(NA(),7)", "7"},
+    {"IFS", 2, any_count, gives_reference, {any}, fn_ifs, "condition1, value1, ...",
+     "the value behind the first condition that is true", "=IFS(FALSE,1,TRUE,2)", "2"},
+    {"LET", 3, any_count, gives_reference, {any}, fn_let, "name1, value1, ..., result",
+     "a result calculated with names for values", "=LET(x,3,y,x+1,x*y)", "12"},
+    {"NOT", 1, 1, plain, {logical}, fn_not, "logical", "the opposite truth value", "=NOT(1>2)",
      "TRUE"},
-    {"OR",
-     1,
-     any_count,
-     takes_spans,
-     {values},
-     fn_or,
-     "logical1, ...",
-     "true when any argument is true",
-     "=OR(FALSE,2)",
-     "TRUE"},
-    {"SWITCH",
-     3,
-     any_count,
-     gives_reference,
-     {any},
-     fn_switch,
+    {"OR", 1, any_count, takes_spans, {values}, fn_or, "logical1, ...",
+     "true when any argument is true", "=OR(FALSE,2)", "TRUE"},
+    {"SWITCH", 3, any_count, gives_reference, {any}, fn_switch,
      "expression, value1, result1, ..., [otherwise]",
      "the result behind the first value that equals the expression",
-     "=SWITCH(2,1,\"a\",2,\"b\",\"c\")",
-     "b"},
+     "=SWITCH(2,1,\"a\",2,\"b\",\"c\")", "b"},
     {"TRUE", 0, 0, plain, {}, fn_true, "", "the value TRUE", "=TRUE()", "TRUE"},
-    {"XOR",
-     1,
-     any_count,
-     takes_spans,
-     {values},
-     fn_xor,
-     "logical1, ...",
-     "true when an odd number of arguments is true",
-     "=XOR(TRUE,TRUE,TRUE)",
-     "TRUE"},
+    {"XOR", 1, any_count, takes_spans, {values}, fn_xor, "logical1, ...",
+     "true when an odd number of arguments is true", "=XOR(TRUE,TRUE,TRUE)", "TRUE"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

@@ -25,10 +25,8 @@ Operand look_up_in_table(Call& call, bool across) {
   const Operand& table = call[1];
   if (const auto error = block_error(table)) return *error;
   const Shape shape = shape_of(table);
-  const double wanted_index = std::trunc(call.number(2));
-  if (wanted_index < 1) return ErrorValue::value;
-  if (wanted_index > (across ? shape.rows : shape.columns)) return ErrorValue::ref;
-  const int index = static_cast<int>(wanted_index) - 1;
+  if (!table.is_reference() && !table.is_array() && call.context().single(table).is_text())
+    return ErrorValue::value;
   const bool sorted = call.logical(3, true);
   const Operand keys = across ? part_of(call.context(), table, 0, 0, 1, shape.columns)
                               : part_of(call.context(), table, 0, 0, shape.rows, 1);
@@ -37,6 +35,10 @@ Operand look_up_in_table(Call& call, bool across) {
   const Wanted wanted(call.value(0), !sorted);
   const Position found = sorted ? find_sorted(vector, wanted) : find_equal(vector, wanted);
   if (!found) return ErrorValue::na;
+  const double wanted_index = std::trunc(call.number(2));
+  if (wanted_index < 1) return ErrorValue::value;
+  if (wanted_index > (across ? shape.rows : shape.columns)) return ErrorValue::ref;
+  const int index = static_cast<int>(wanted_index) - 1;
   const int at = static_cast<int>(*found);
   return across ? part_of(call.context(), table, index, at, 1, 1)
                 : part_of(call.context(), table, at, index, 1, 1);
@@ -95,13 +97,15 @@ Outcome<std::int64_t> extended_match(Call& call, int mode_at) {
   if (shape.rows > 1 && shape.columns > 1) return ErrorValue::value;
   const double match = std::trunc(call.number(mode_at, 0));
   const double search = call.given(mode_at + 1) ? std::trunc(call.number(mode_at + 1)) : 1;
-  if (std::fabs(match) > 2 || match == -2 || std::fabs(search) > 2 || search == 0)
+  const bool halving = std::fabs(search) == 2;
+  if (std::fabs(match) > 2 || match == -2 || std::fabs(search) > 2 || search == 0 ||
+      (halving && match == 2))
     return ErrorValue::value;
   const Vector vector(call.context(), call[1]);
   if (call.context().gave_up()) return ErrorValue::na;
   const Wanted wanted(call.value(0), match == 2);
   Position found;
-  if (std::fabs(search) == 2 && match != 2) {
+  if (halving) {
     const bool descending = search < 0;
     found = find_sorted(vector, wanted, descending);
     const bool equal = found && wanted.equals(vector.at(*found));
@@ -151,6 +155,10 @@ struct Index {
 Outcome<Index> index_of(Call& call, const Shape& shape) {
   double row = call.number(1);
   double column = call.number(2, 0);
+  if (call.number(1) < 0) return ErrorValue::value;
+  // A block of cells needs both.
+  if (call.count() < 3 && call[0].is_reference() && shape.rows > 1 && shape.columns > 1)
+    return ErrorValue::ref;
   // In a single row the one index counts columns.
   if (call.count() < 3 && shape.rows == 1) std::swap(row, column);
   if (call.count() < 3 && shape.rows == 1) row = 1;
@@ -215,88 +223,35 @@ Operand fn_choose(LazyCall& call) {
   return call.missing(static_cast<int>(at)) ? Operand(0.0) : call.evaluate(static_cast<int>(at));
 }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"CHOOSE",
-     2,
-     any_count,
-     gives_reference,
-     {any},
-     fn_choose,
-     "index, value1, ...",
-     "the value with that number",
-     "=CHOOSE(2,\"a\",\"b\")",
-     "b"},
-    {"HLOOKUP",
-     3,
-     4,
-     plain,
-     {value, values, number, logical},
-     fn_hlookup,
+    {"CHOOSE", 2, any_count, gives_reference, {any}, fn_choose, "index, value1, ...",
+     "the value with that number", "=CHOOSE(2,\"a\",\"b\")", "b"},
+    {"HLOOKUP", 3, 4, plain, {value, values, number, logical}, fn_hlookup,
      "value, table, row, [approximate]",
      "looks a value up in the first row and gives what stands below",
-     "=HLOOKUP(2,{1,2,3;\"a\",\"b\",\"c\"},2)",
-     "b"},
-    {"INDEX",
-     2,
-     4,
-     gives_reference,
-     {Parameter::array, number, number, number},
-     fn_index,
-     "array, row, [column], [area]",
-     "what stands in a row and column of a block",
-     "=INDEX({1,2;3,4},2,1)",
-     "3"},
-    {"LOOKUP",
-     2,
-     3,
-     plain,
-     {value, Parameter::array, Parameter::array},
-     fn_lookup,
-     "value, vector, [result_vector]",
-     "looks a value up in sorted values",
-     "=LOOKUP(2.5,{1,2,3},{\"a\",\"b\",\"c\"})",
-     "b"},
-    {"MATCH",
-     2,
-     3,
-     plain,
-     {value, values, number},
-     fn_match,
-     "value, vector, [type]",
-     "the position of a value in a row or column",
-     "=MATCH(\"b*\",{\"a\",\"Bc\"},0)",
-     "2"},
-    {"VLOOKUP",
-     3,
-     4,
-     plain,
-     {value, values, number, logical},
-     fn_vlookup,
+     "=HLOOKUP(2,{1,2,3;\"a\",\"b\",\"c\"},2)", "b"},
+    {"INDEX", 2, 4, gives_reference, {Parameter::array, number, number, number}, fn_index,
+     "array, row, [column], [area]", "what stands in a row and column of a block",
+     "=INDEX({1,2;3,4},2,1)", "3"},
+    {"LOOKUP", 2, 3, plain, {value, Parameter::array, Parameter::array}, fn_lookup,
+     "value, vector, [result_vector]", "looks a value up in sorted values",
+     "=LOOKUP(2.5,{1,2,3},{\"a\",\"b\",\"c\"})", "b"},
+    {"MATCH", 2, 3, plain, {value, values, number}, fn_match, "value, vector, [type]",
+     "the position of a value in a row or column", "=MATCH(\"b*\",{\"a\",\"Bc\"},0)", "2"},
+    {"VLOOKUP", 3, 4, plain, {value, values, number, logical}, fn_vlookup,
      "value, table, column, [approximate]",
      "looks a value up in the first column and gives what stands beside it",
-     "=VLOOKUP(2,{1,\"a\";2,\"b\"},2,FALSE)",
-     "b"},
-    {"XLOOKUP",
-     3,
-     6,
-     gives_reference,
-     {value, values, values, values, number, number},
-     fn_xlookup,
+     "=VLOOKUP(2,{1,\"a\";2,\"b\"},2,FALSE)", "b"},
+    {"XLOOKUP", 3, 6, gives_reference, {value, values, values, values, number, number}, fn_xlookup,
      "value, lookup, results, [if_not_found], [match_mode], [search_mode]",
      "looks a value up in one row or column and gives what stands in another",
-     "=XLOOKUP(5,{1,2,3},{10,20,30},\"none\",-1)",
-     "30"},
-    {"XMATCH",
-     2,
-     4,
-     plain,
-     {value, values, number, number},
-     fn_xmatch,
-     "value, vector, [match_mode], [search_mode]",
-     "the position of a value in a row or column",
-     "=XMATCH(2.5,{1,2,3},1)",
-     "3"},
+     "=XLOOKUP(5,{1,2,3},{10,20,30},\"none\",-1)", "30"},
+    {"XMATCH", 2, 4, plain, {value, values, number, number}, fn_xmatch,
+     "value, vector, [match_mode], [search_mode]", "the position of a value in a row or column",
+     "=XMATCH(2.5,{1,2,3},1)", "3"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

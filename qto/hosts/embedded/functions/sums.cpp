@@ -82,6 +82,7 @@ template <class Term>
 Operand sum_over_pairs(Call& call, Term&& term) {
   const auto pairs = collect_pairs(call.context(), call[0], call[1]);
   if (!pairs) return pairs.error();
+  if (pairs->first.empty()) return ErrorValue::div0;
   double sum = 0;
   for (std::size_t i = 0; i < pairs->first.size(); ++i)
     sum += term(pairs->first[i], pairs->second[i]);
@@ -105,95 +106,35 @@ Operand fn_seriessum(Call& call) {
   double sum = 0;
   double power = call.number(1);
   for (const double coefficient : *coefficients) {
-    const double factor = power == 0 ? 1.0 : std::pow(x, power);
-    sum += coefficient * factor;
+    const Variant factor = raise_to_power(x, power);
+    if (factor.is_error()) return factor;
+    sum += coefficient * *factor.get_if<double>();
     power += call.number(2);
   }
   return sum;
 }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"PRODUCT",
-     1,
-     any_count,
-     takes_spans,
-     {values},
-     fn_product,
-     "number1, ...",
-     "the product of the numbers",
-     "=PRODUCT(2,3,{4,\"x\"})",
-     "24"},
-    {"SERIESSUM",
-     4,
-     4,
-     plain,
-     {number, number, number, values},
-     fn_seriessum,
-     "x, power, step, coefficients",
-     "the sum of a power series",
-     "=SERIESSUM(2,1,1,{1,1,1})",
+    {"PRODUCT", 1, any_count, takes_spans, {values}, fn_product, "number1, ...",
+     "the product of the numbers", "=PRODUCT(2,3,{4,\"x\"})", "24"},
+    {"SERIESSUM", 4, 4, plain, {strict_number, strict_number, strict_number, values}, fn_seriessum,
+     "x, power, step, coefficients", "the sum of a power series", "=SERIESSUM(2,1,1,{1,1,1})",
      "14"},
-    {"SUM",
-     1,
-     any_count,
-     takes_spans,
-     {values},
-     fn_sum,
-     "number1, ...",
-     "the sum of the numbers",
-     "=SUM(1,\"2\",{3,\"x\"})",
-     "6"},
-    {"SUMPRODUCT",
-     1,
-     any_count,
-     plain,
-     {Parameter::array},
-     fn_sumproduct,
-     "array1, ...",
-     "the sum of the products of what stands at the same place",
-     "=SUMPRODUCT({1,2},{3,4})",
-     "11"},
-    {"SUMSQ",
-     1,
-     any_count,
-     takes_spans,
-     {values},
-     fn_sumsq,
-     "number1, ...",
-     "the sum of the squares",
-     "=SUMSQ(3,4)",
-     "25"},
-    {"SUMX2MY2",
-     2,
-     2,
-     plain,
-     {Parameter::array},
-     fn_sumx2my2,
-     "array_x, array_y",
-     "the sum of the differences of squares",
-     "=SUMX2MY2({3,4},{1,2})",
-     "20"},
-    {"SUMX2PY2",
-     2,
-     2,
-     plain,
-     {Parameter::array},
-     fn_sumx2py2,
-     "array_x, array_y",
-     "the sum of the sums of squares",
-     "=SUMX2PY2({3,4},{1,2})",
-     "30"},
-    {"SUMXMY2",
-     2,
-     2,
-     plain,
-     {Parameter::array},
-     fn_sumxmy2,
-     "array_x, array_y",
-     "the sum of the squares of differences",
-     "=SUMXMY2({3,4},{1,2})",
-     "8"},
+    {"SUM", 1, any_count, takes_spans, {values}, fn_sum, "number1, ...", "the sum of the numbers",
+     "=SUM(1,\"2\",{3,\"x\"})", "6"},
+    {"SUMPRODUCT", 1, any_count, plain, {Parameter::array}, fn_sumproduct, "array1, ...",
+     "the sum of the products of what stands at the same place", "=SUMPRODUCT({1,2},{3,4})", "11"},
+    {"SUMSQ", 1, any_count, takes_spans, {values}, fn_sumsq, "number1, ...",
+     "the sum of the squares", "=SUMSQ(3,4)", "25"},
+    {"SUMX2MY2", 2, 2, plain, {Parameter::array}, fn_sumx2my2, "array_x, array_y",
+     "the sum of the differences of squares", "=SUMX2MY2({3,4},{1,2})", "20"},
+    {"SUMX2PY2", 2, 2, plain, {Parameter::array}, fn_sumx2py2, "array_x, array_y",
+     "the sum of the sums of squares", "=SUMX2PY2({3,4},{1,2})", "30"},
+    {"SUMXMY2", 2, 2, plain, {Parameter::array}, fn_sumxmy2, "array_x, array_y",
+     "the sum of the squares of differences", "=SUMXMY2({3,4},{1,2})", "8"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

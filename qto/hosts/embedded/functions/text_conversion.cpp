@@ -105,24 +105,21 @@ char separator(Call& call, int position, char fallback) {
 Operand fn_numbervalue(Call& call) {
   const char decimal = separator(call, 1, '.');
   const char group = separator(call, 2, ',');
-  if (decimal == '\0' || decimal == group) return ErrorValue::value;
+  if (decimal == '\0' || group == '\0' || decimal == group) return ErrorValue::value;
   std::string digits;
   int percents = 0;
   bool fraction = false;
   for (const char c : call.text(0)) {
     if (c == ' ' || c == '\t' || c == '\n') continue;
-    if (c == decimal) {
-      if (std::exchange(fraction, true)) return ErrorValue::value;
-      digits += '.';
-    } else if (c == group) {
-      if (fraction) return ErrorValue::value;
-    } else if (c == '%') {
+    if (c == '%') {
       ++percents;
-    } else if (percents > 0) {
-      return ErrorValue::value;
-    } else {
-      digits += c;
+      continue;
     }
+    // Signs of hundredths stand behind the number, inside brackets or outside.
+    if (percents > 0 && c != ')') return ErrorValue::value;
+    if (c == group && fraction) return ErrorValue::value;
+    if (c == decimal && std::exchange(fraction, true)) return ErrorValue::value;
+    if (c != group) digits += c == decimal ? '.' : c;
   }
   if (digits.empty()) return 0.0;
   const auto number = to_number(std::string_view(digits), call.context().dates());
@@ -130,98 +127,29 @@ Operand fn_numbervalue(Call& call) {
   return *number / std::pow(100, percents);
 }
 
+// clang-format off
 constexpr FunctionSpec table[] = {
-    {"CHAR",
-     1,
-     1,
-     plain,
-     {number},
-     fn_char,
-     "code",
-     "the character of a code from 1 to 255",
-     "=CHAR(65)",
-     "A"},
-    {"CODE",
-     1,
-     1,
-     plain,
-     {text},
-     fn_code,
-     "text",
-     "the code of the first character",
-     "=CODE(\"A\")",
-     "65"},
-    {"DOLLAR",
-     1,
-     2,
-     plain,
-     {number},
-     fn_dollar,
-     "number, [decimals]",
-     "a number as an amount of money",
-     "=DOLLAR(-1234.567,2)",
-     "($1,234.57)"},
-    {"FIXED",
-     1,
-     3,
-     plain,
-     {number, number, logical},
-     fn_fixed,
-     "number, [decimals], [no_commas]",
-     "a number with decimal places as text",
-     "=FIXED(1234.567,1)",
-     "1,234.6"},
-    {"NUMBERVALUE",
-     1,
-     3,
-     plain,
-     {text},
-     fn_numbervalue,
-     "text, [decimal_separator], [group_separator]",
-     "a text read with given separators",
-     "=NUMBERVALUE(\"1.234,5\",\",\",\".\")",
-     "1234.5"},
-    {"TEXT",
-     2,
-     2,
-     plain,
-     {value, text},
-     fn_text,
-     "value, format",
-     "a value shown in a number format",
-     "=TEXT(1234.5,\"#,##0.00\")",
-     "1,234.50"},
-    {"UNICHAR",
-     1,
-     1,
-     plain,
-     {number},
-     fn_unichar,
-     "number",
-     "the character of a Unicode number",
-     "=UNICHAR(8364)",
-     "€"},
-    {"UNICODE",
-     1,
-     1,
-     plain,
-     {text},
-     fn_unicode,
-     "text",
-     "the Unicode number of the first character",
-     "=UNICODE(\"€\")",
-     "8364"},
-    {"VALUE",
-     1,
-     1,
-     plain,
-     {value},
-     fn_value,
-     "text",
-     "the number that a text reads as",
-     "=VALUE(\"12.5%\")",
-     "0.125"},
+    {"CHAR", 1, 1, plain, {number}, fn_char, "code", "the character of a code from 1 to 255",
+     "=CHAR(65)", "A"},
+    {"CODE", 1, 1, plain, {text}, fn_code, "text", "the code of the first character",
+     "=CODE(\"A\")", "65"},
+    {"DOLLAR", 1, 2, plain, {number}, fn_dollar, "number, [decimals]",
+     "a number as an amount of money", "=DOLLAR(-1234.567,2)", "($1,234.57)"},
+    {"FIXED", 1, 3, plain, {number, number, logical}, fn_fixed, "number, [decimals], [no_commas]",
+     "a number with decimal places as text", "=FIXED(1234.567,1)", "1,234.6"},
+    {"NUMBERVALUE", 1, 3, plain, {text}, fn_numbervalue,
+     "text, [decimal_separator], [group_separator]", "a text read with given separators",
+     "=NUMBERVALUE(\"1.234,5\",\",\",\".\")", "1234.5"},
+    {"TEXT", 2, 2, plain, {value, text}, fn_text, "value, format",
+     "a value shown in a number format", "=TEXT(1234.5,\"#,##0.00\")", "1,234.50"},
+    {"UNICHAR", 1, 1, plain, {number}, fn_unichar, "number", "the character of a Unicode number",
+     "=UNICHAR(8364)", "€"},
+    {"UNICODE", 1, 1, plain, {text}, fn_unicode, "text",
+     "the Unicode number of the first character", "=UNICODE(\"€\")", "8364"},
+    {"VALUE", 1, 1, plain, {value}, fn_value, "text", "the number that a text reads as",
+     "=VALUE(\"12.5%\")", "0.125"},
 };
+// clang-format on
 static_assert(well_formed(table));
 
 }  // namespace

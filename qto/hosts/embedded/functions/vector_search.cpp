@@ -5,6 +5,21 @@
 
 namespace qto::embedded::functions {
 
+namespace {
+
+/// The end of the run of equal values that a position lies in.
+std::int64_t last_of_run(const Vector& vector, const Wanted& wanted, std::int64_t position) {
+  const std::int64_t end = vector.stored();
+  while (position + 1 < end) {
+    const ValueView next = vector.at(position + 1);
+    if (!wanted.comparable(next) || compare_values(next, wanted.value()) != 0) break;
+    ++position;
+  }
+  return position;
+}
+
+}  // namespace
+
 Vector::Vector(Context& context, const Operand& operand) : grid_(context, operand) {}
 
 std::int64_t Vector::stored() const noexcept {
@@ -69,6 +84,7 @@ std::optional<std::int64_t> find_sorted(const Vector& vector, const Wanted& want
       continue;
     }
     const int order = compare_values(vector.at(probe), wanted.value());
+    if (order == 0) return last_of_run(vector, wanted, probe);
     if (descending ? order >= 0 : order <= 0) {
       found = probe;
       low = probe + 1;
