@@ -71,18 +71,18 @@ void CellFormulas::store_shared(CellPos at, bool has_result) {
 }
 
 void CellFormulas::store_block(CellPos at, bool has_result) {
-  const Rect block = block_from(at);
-  context_.array_cells += std::min(block.cells(), std::int64_t{max_rows});
-  if (context_.array_cells > limits::array_cells ||
-      sheet_.large_blocks().size() >= limits::large_array_blocks)
-    context_.package.fail(
-        OpenFailureKind::too_large, "", 0,
-        "the array formulas of sheet \"" + sheet_.name + "\" cover too many cells");
   if (kind_ == Kind::array && text_.empty()) return;
+  const Rect block = block_from(at);
   const FormulaId id = kind_ == Kind::array
                            ? context_.formulas.add_array(text_, block)
                            : context_.formulas.add_data_table(data_table_text(), block);
+  const std::size_t large = sheet_.large_blocks().size();
   sheet_.set_block_formula(block, id);
+  if (sheet_.large_blocks().size() == large) context_.array_cells += block.cells();
+  if (context_.array_cells > limits::array_cells || large >= limits::large_array_blocks)
+    context_.package.fail(
+        OpenFailureKind::too_large, "", 0,
+        "the array formulas of sheet \"" + sheet_.name + "\" cover too many cells");
   context_.check_memory(sheet_);
   give(at, id, has_result);
 }

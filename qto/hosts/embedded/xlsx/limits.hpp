@@ -18,12 +18,10 @@ inline constexpr int element_depth = 256;
 inline constexpr std::size_t cell_text_units = 32'767;
 /// Formula texts beyond this are cut; no application writes more than 8,192 characters.
 inline constexpr std::size_t formula_bytes = std::size_t{1} << 20;
-/// Blocks of the cell store, each of 64 rows of a column and about 1.5 KiB.
-inline constexpr std::int64_t cell_blocks = 2'000'000;
 inline constexpr std::size_t sheets = 100'000;
 inline constexpr std::size_t styles = 65'536;
-/// Cells that the blocks of array formulas may cover in a book, overlaps counted.
-inline constexpr std::int64_t array_cells = 100'000'000;
+/// Cells that get the formula of an array or data table in a book, overlaps counted.
+inline constexpr std::int64_t array_cells = 8'000'000;
 inline constexpr std::size_t large_array_blocks = 4'096;
 
 }  // namespace qto::embedded::limits

@@ -20,10 +20,11 @@ struct CachedResults {
 struct LoadContext {
   Package& package;
   Book& book;
+  std::int64_t cell_memory;  ///< bytes that the cells may take
   FormulaIntern formulas;
   std::vector<TextId> strings;
   CachedResults results;
-  /// Cells that blocks of array formulas covered so far; see limits.
+  /// Cells that got the formula of an array or data table so far; see limits.
   std::int64_t array_cells = 0;
   /// Blocks that the cells of earlier sheets take.
   std::int64_t earlier_blocks = 0;

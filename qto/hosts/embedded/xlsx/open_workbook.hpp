@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -14,6 +15,8 @@ struct OpenOptions {
   void* progress_data = nullptr;
   /// Keep the results that the file remembers; otherwise everything waits for calculation.
   bool keep_cached_values = true;
+  /// A book whose cells take more memory than this is refused as too large.
+  std::int64_t cell_memory = std::int64_t{4} << 30;
 };
 
 /// Reads a workbook (.xlsx, .xlsm, .xltx, .xltm; ECMA-376, transitional and strict). A file whose

@@ -34,7 +34,7 @@ WorkbookReader::WorkbookReader(const std::string& file, const OpenOptions& optio
     : options_(options),
       package_(file),
       book_(std::make_unique<Book>()),
-      context_{package_, *book_, FormulaIntern(*book_), {}, {}, 0},
+      context_{package_, *book_, options.cell_memory, FormulaIntern(*book_), {}, {}, 0},
       pivots_(package_, folder_of(file)) {
   book_->name = std::filesystem::path(file).filename().string();
   book_->path = folder_of(file);
