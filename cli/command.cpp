@@ -1,0 +1,128 @@
+#include "cli/command.hpp"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "cli/answer_json.hpp"
+#include "cli/answer_text.hpp"
+#include "cli/complaint.hpp"
+#include "cli/drill.hpp"
+#include "cli/item.hpp"
+#include "cli/open_start_book.hpp"
+#include "cli/progress.hpp"
+#include "cli/refusal.hpp"
+#include "cli/reports.hpp"
+#include "qto/automation/error.hpp"
+#include "qto/links/main.hpp"
+
+namespace qto::cli {
+namespace {
+
+/// One run of the command: what its steps share.
+class Run {
+ public:
+  explicit Run(const Arguments& arguments) : arguments_(arguments) {}
+
+  ExitStatus answer() {
+    try {
+      open();
+      if (arguments_.operation == Operation::links) return links();
+      if (arguments_.operation == Operation::part) return part();
+      return drill();
+    } catch (const ItemError& error) {
+      throw Complaint(wrong_usage, error.what());
+    }
+  }
+
+ private:
+  void open() {
+    progress_.stage("opening " + std::filesystem::path(arguments_.book).filename().string());
+    book_ = open_start_book(application_, arguments_);
+    // Parts of names evaluate before any drill has announced the application.
+    Main::set_shared_application(application_);
+  }
+
+  ExitStatus links() {
+    progress_.hide();
+    arguments_.json ? write_links(book_, reports_) : print_links(book_);
+    return finish(false);
+  }
+
+  ExitStatus part() {
+    const Item item = find_item(book_, arguments_.item);
+    const auto part = make_ref<ModelPart>();
+    if (item.seen_from) part->putref_ParentRange(item.seen_from);
+    part->Create(item.object, item.type);
+    if (!part->CheckedForPrecedents()) parse_only(part);
+    progress_.hide();
+    arguments_.json ? write_item(part, reports_) : print_item(part);
+    return finish(false);
+  }
+
+  ExitStatus drill() {
+    const auto start = find_start(book_, arguments_.item);
+    Drill drill(arguments_, progress_);
+    progress_.stage("following formulas");
+    try {
+      drill.run(start);
+    } catch (const AutomationError& error) {
+      throw Complaint(refused, refusal_text(error.number, book_, arguments_.item, start),
+                      error_number_text(error.number));
+    }
+    // On a terminal the answer itself is what moves.
+    isatty(STDOUT_FILENO) ? progress_.hide() : progress_.stage("writing the answer");
+    if (arguments_.json)
+      write_drill(arguments_, drill, reports_, progress_);
+    else
+      print_drill(arguments_, drill, progress_);
+    return finish(drill.interrupted());
+  }
+
+  ExitStatus finish(bool interrupted) {
+    std::fflush(stdout);
+    progress_.hide();
+    if (interrupted) fmt::print(stderr, "qto: interrupted; this is what was found until then\n");
+    reports_.print();
+    return interrupted || reports_.count() > 0 ? done_in_part : done;
+  }
+
+  const Arguments& arguments_;
+  Reports reports_;
+  Progress progress_;
+  embedded::Application application_;
+  Ref<host::Workbook> book_;
+};
+
+int complain(const Arguments& arguments, const Complaint& complaint) {
+  print_complaint(complaint, arguments.json);
+  return complaint.status;
+}
+
+int answer(const Arguments& arguments) {
+  try {
+    return Run(arguments).answer();
+  } catch (const Complaint& complaint) {
+    return complain(arguments, complaint);
+  } catch (const std::bad_alloc&) {
+    return complain(arguments, Complaint(refused, "not enough memory for " + arguments.book));
+  } catch (const AutomationError& error) {
+    const std::string number = error_number_text(error.number);
+    return complain(arguments, Complaint(refused, "refused with the number " + number, number));
+  } catch (const std::exception& failure) {
+    return complain(arguments, Complaint(refused, arguments.book + ": " + failure.what()));
+  }
+}
+
+}  // namespace
+
+int run_command(const Arguments& arguments) {
+  const int status = answer(arguments);
+  if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return status;
+  fmt::print(stderr, "qto: the answer could not be written to standard output\n");
+  return wrong_usage;
+}
+
+}  // namespace qto::cli

@@ -1,0 +1,58 @@
+#include "cli/drill.hpp"
+
+#include "cli/interrupt.hpp"
+#include "qto/automation/error.hpp"
+
+namespace qto::cli {
+
+Drill::Drill(const Arguments& arguments, Progress& progress)
+    : arguments_(arguments), progress_(progress), choices_(arguments, progress) {
+  engine_->putref_DrillOptions(arguments.drill);
+  engine_->put_IgnoreConstantIfZeroOrOne(arguments.ignore_zero_one);
+  engine_->put_MaximumDepth(arguments.depth);
+  engine_->put_MaxItems(arguments.max_items);
+  subscribe();
+}
+
+void Drill::subscribe() {
+  engine_->BeforeGetPrecedents.add([this](Ref<ModelPart>&, bool&) {
+    progress_.count_one();
+    if (interrupted_ || !Interrupt::raised()) return;
+    // From now on any item is one too many: the walk ends in good order.
+    interrupted_ = true;
+    engine_->put_MaxItems(1);
+  });
+  engine_->AskToOpenBook.add(
+      [this](Ref<ModelPart>& unknown, bool& choice) { choice = choices_.opens(*unknown); });
+  engine_->AskForPassword.add([this](Ref<ModelPart>& unknown, std::string& password) {
+    password = choices_.password(*unknown);
+  });
+}
+
+void Drill::run(const Ref<Object>& start) {
+  const Interrupt listening;
+  engine_->putref_StartUnderlyingObject(start);
+  switch (arguments_.operation) {
+    case Operation::inputs:
+      return engine_->FindInputs();
+    case Operation::errors:
+      return engine_->TraceError();
+    default:
+      return engine_->DrillHere();
+  }
+}
+
+void parse_only(const Ref<ModelPart>& part) {
+  const auto engine = make_ref<DrillDown>();
+  engine->putref_DrillOptions(make_ref<DrillOptions>());
+  engine->put_MaximumDepth(1);
+  engine->AskToOpenBook.add([](Ref<ModelPart>&, bool& choice) { choice = false; });
+  try {
+    engine->putref_StartUnderlyingObject(part);
+    engine->DrillHere();
+  } catch (const AutomationError&) {
+    // A formula that cannot be parsed can still be shown.
+  }
+}
+
+}  // namespace qto::cli

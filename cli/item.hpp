@@ -1,0 +1,36 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "qto/automation/object.hpp"
+#include "qto/host/range.hpp"
+#include "qto/host/workbook.hpp"
+
+namespace qto::cli {
+
+/// A text names nothing in the book, or nothing that can be asked about. what() says it to people.
+class ItemError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// What START or ITEM denotes.
+struct Item {
+  Ref<Object> object;
+  /// As ModelPart::Create takes it: "Range", "Name", "Series".
+  std::string_view type;
+  /// For a name, a cell on the sheet from whose view it is read.
+  Ref<host::Range> seen_from;
+};
+
+/// The item that a text names: an address, a defined name or a series, with or without its sheet.
+/// Throws ItemError.
+Item find_item(const Ref<host::Workbook>& book, std::string_view text);
+
+/// The cell to start from: as find_item, but a name must refer to one fixed cell, which is the
+/// start. Throws ItemError.
+Ref<Object> find_start(const Ref<host::Workbook>& book, std::string_view text);
+
+}  // namespace qto::cli

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "qto/model/model_part.hpp"
+
+namespace qto::cli {
+
+/// What people read about a part, each field one line without control characters.
+struct PartText {
+  std::string address;
+  std::string title;
+  std::string formula;  ///< "" for constants
+  std::string value;    ///< as displayed; in words where there is none
+};
+
+/// The texts of a part. Formulas and titles are cut to a readable length unless `full`; books other
+/// than `home_book` are named.
+PartText describe(ModelPart& part, std::string_view home_book, bool full);
+
+/// Sheet-qualified, in apostrophes only where they are needed: Costs!D8, 'Cash flow'!B2.
+std::string readable_address(const ModelPart& part, std::string_view home_book);
+std::string readable_address(const ModelPart& part, std::string_view home_book,
+                             std::string_view address);
+
+/// Letters of a UTF-8 text.
+std::size_t letters(std::string_view text) noexcept;
+/// Appends blanks up to a width in letters.
+void pad(std::string& text, std::size_t width);
+/// Blanks instead of line breaks and other control characters, which a terminal might obey.
+std::string one_line(std::string_view text);
+
+}  // namespace qto::cli
