@@ -1,11 +1,15 @@
+#include "qto/host/range.hpp"
 #include "qto/hosts/embedded/objects/open_book.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
-#include "qto/host/range.hpp"
 
 namespace qto::embedded {
 
 void OpenBook::calculate() { book_->calculation_done(); }
 
-Ref<host::Range> WorksheetObject::CircularReference() const { return nullptr; }
+Ref<host::Range> WorksheetObject::CircularReference() const {
+  OpenBook& book = open();
+  const auto cell = book.circles.of(book.book()).first_on(sheet());
+  return cell ? Cells(cell->row, cell->column) : nullptr;
+}
 
 }  // namespace qto::embedded

@@ -11,6 +11,7 @@
 #include "qto/hosts/embedded/book/book.hpp"
 #include "qto/hosts/embedded/formula/formula_intern.hpp"
 #include "qto/hosts/embedded/objects/name_index.hpp"
+#include "qto/hosts/embedded/recalc/circular_references.hpp"
 
 namespace qto::embedded {
 
@@ -82,6 +83,7 @@ class OpenBook {
   ChartSelection chart_selection;
 
   NameIndex name_index;
+  CircularReferenceCache circles;
 
   bool read_only = false;
 

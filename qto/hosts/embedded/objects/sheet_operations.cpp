@@ -8,12 +8,6 @@
 namespace qto::embedded {
 namespace {
 
-bool another_is_visible(const Book& book, const Sheet& sheet) {
-  return std::any_of(book.sheets().begin(), book.sheets().end(), [&](const auto& other) {
-    return other.get() != &sheet && other->visibility == SheetVisibility::visible;
-  });
-}
-
 /// The last of `wanted` lines that show from `first` on.
 template <class IsHidden>
 std::int32_t last_shown(std::int32_t first, std::int32_t end, int wanted, IsHidden&& hidden) {
@@ -27,6 +21,12 @@ std::int32_t last_shown(std::int32_t first, std::int32_t end, int wanted, IsHidd
 }
 
 }  // namespace
+
+bool another_is_visible(const Book& book, const Sheet& sheet) {
+  return std::any_of(book.sheets().begin(), book.sheets().end(), [&](const auto& other) {
+    return other.get() != &sheet && other->visibility == SheetVisibility::visible;
+  });
+}
 
 void put_visibility(OpenBook& book, Sheet& sheet, std::int32_t visibility) {
   const auto wanted = static_cast<SheetVisibility>(visibility);

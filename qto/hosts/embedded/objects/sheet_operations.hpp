@@ -8,6 +8,8 @@
 /// What worksheets and chart sheets have in common.
 namespace qto::embedded {
 
+/// True when the book shows some other sheet than this one.
+bool another_is_visible(const Book& book, const Sheet& sheet);
 /// Shows or hides a sheet; throws for the last visible one, a locked structure, an unknown number.
 void put_visibility(OpenBook& book, Sheet& sheet, std::int32_t visibility);
 /// Takes the protection away; throws for a wrong password.

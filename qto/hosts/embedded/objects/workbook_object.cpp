@@ -118,7 +118,7 @@ std::vector<std::string> WorkbookObject::LinkSources(std::int32_t type) const {
   const Book& book = open().book();
   if (type != host::link_type_workbooks) return sources;
   for (const ExternalBook& link : book.externals)
-    if (link.kind == ExternalBook::Kind::workbook)
+    if (link.kind == ExternalBook::Kind::workbook && !link.name.empty())
       sources.push_back(join_path(link.folder.empty() ? book.path : link.folder, link.name));
   return sources;
 }

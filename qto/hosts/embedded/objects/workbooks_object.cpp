@@ -1,8 +1,5 @@
 #include "qto/hosts/embedded/objects/workbooks_object.hpp"
 
-#include <algorithm>
-#include <filesystem>
-
 #include "qto/hosts/embedded/objects/full_name.hpp"
 #include "qto/hosts/embedded/objects/locate_file.hpp"
 #include "qto/hosts/embedded/objects/open_error.hpp"
@@ -13,21 +10,9 @@
 namespace qto::embedded {
 namespace {
 
-/// Links say where they are from then on, whatever folder is the current one.
-void complete_link_folders(Book& book) {
-  for (ExternalBook& link : book.externals) {
-    if (link.kind != ExternalBook::Kind::workbook || is_absolute_path(link.folder)) continue;
-    std::string folder = join_path(book.path, link.folder);
-    std::replace(folder.begin(), folder.end(), '\\', '/');
-    link.folder = join_path(std::filesystem::path(folder).lexically_normal().string(), "");
-  }
-}
-
 std::unique_ptr<Book> read_file(const std::string& path) {
   try {
-    auto book = open_workbook(path, {});
-    complete_link_folders(*book);
-    return book;
+    return open_workbook(path);
   } catch (const OpenFailure& failure) {
     throw OpenError(failure);
   }
