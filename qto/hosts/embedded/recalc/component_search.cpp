@@ -80,6 +80,7 @@ bool ComponentSearch::visit(Frame& frame, const Area& area) {
     return true;
   }
   if (state.on_stack.touches(area.rect)) {
+    if (!numbered_) number_stack();
     const std::uint32_t lowest = state.order.smallest_in(area.rect);
     frame.low = std::min(frame.low, lowest);
     if (*number == frame.node.sheet && graph_.cells_of(frame.node).intersect(area.rect))
@@ -106,22 +107,33 @@ void ComponentSearch::enter(std::uint32_t sheet, CellPos pos) {
   FormulaNode node{sheet, owner.cells.formula(pos), pos};
   const FormulaRecord& record = graph_.record(node);
   SheetState& state = sheets_[sheet];
-  const std::uint32_t order = ++entered_;
   if (record.kind == FormulaKind::normal) {
     state.fresh.erase(pos);
     state.on_stack.insert(pos);
-    state.order.set(pos, order);
   } else {
     node.at = record.block.first;
     state.fresh.erase(record.block);
     state.fresh.erase(pos);
     state.on_stack.insert(record.block);
-    for (std::int32_t row = record.block.first.row; row <= record.block.last.row; ++row)
-      for (std::int32_t column = record.block.first.column; column <= record.block.last.column;
-           ++column)
-        state.order.set({row, column}, order);
   }
+  const std::uint32_t order = ++entered_;
+  if (numbered_) number_cells(node, order);
   push(node, order);
+}
+
+void ComponentSearch::number_cells(const FormulaNode& node, std::uint32_t order) {
+  const Rect cells = graph_.cells_of(node);
+  for (std::int32_t row = cells.first.row; row <= cells.last.row; ++row)
+    for (std::int32_t column = cells.first.column; column <= cells.last.column; ++column)
+      sheets_[node.sheet].order.set({row, column}, order);
+}
+
+/// Most graphs have no cycles and need no numbers. When the stack is met for the first time, it is
+/// the path still.
+void ComponentSearch::number_stack() {
+  numbered_ = true;
+  for (const Frame& frame : path_)
+    if (!large_block(frame.node)) number_cells(frame.node, frame.order);
 }
 
 void ComponentSearch::enter_large(std::uint32_t sheet, LargeBlock& large) {
@@ -179,13 +191,15 @@ void ComponentSearch::take_off_stack(const FormulaNode& node) {
   const Rect cells = graph_.cells_of(node);
   if (cells.is_cell()) {
     state.on_stack.erase(node.at);
-    return state.order.reset(node.at);
+    if (numbered_) state.order.reset(node.at);
+    return;
   }
   if (LargeBlock* large = large_block(node)) {
     large->state = LargeBlock::done;
     return;
   }
   state.on_stack.erase(cells);
+  if (!numbered_) return;
   for (std::int32_t row = cells.first.row; row <= cells.last.row; ++row)
     for (std::int32_t column = cells.first.column; column <= cells.last.column; ++column)
       state.order.reset({row, column});

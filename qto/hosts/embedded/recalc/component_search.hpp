@@ -43,7 +43,7 @@ class ComponentSearch {
   struct SheetState {
     CellSet fresh;     // not entered yet
     CellSet on_stack;  // entered, its component not complete
-    StackOrder order;  // of the cells on the stack
+    StackOrder order;  // of the cells on the stack, once numbered_
     std::vector<LargeBlock> large;
   };
   struct Frame {
@@ -71,6 +71,8 @@ class ComponentSearch {
   bool finish(Frame& frame);
   void close_component(const Frame& frame);
   void take_off_stack(const FormulaNode& node);
+  void number_cells(const FormulaNode& node, std::uint32_t order);
+  void number_stack();
   LargeBlock* large_block(const FormulaNode& node) noexcept;
 
   FormulaGraph& graph_;
@@ -80,6 +82,7 @@ class ComponentSearch {
   std::vector<FormulaNode> stack_;  // nodes whose component is not complete
   std::vector<Area> waits_;
   std::uint32_t entered_ = 0;
+  bool numbered_ = false;
 };
 
 }  // namespace qto::embedded

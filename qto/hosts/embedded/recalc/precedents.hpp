@@ -31,6 +31,8 @@ struct PrecedentList {
   std::vector<Precedent> items;
   /// The result can change although none of the items does.
   bool is_volatile = false;
+  /// A function is called that nobody can evaluate.
+  bool unknown_function = false;
 };
 
 /// The references of a formula that stands on `sheet`: through names, spans of sheets and tables,

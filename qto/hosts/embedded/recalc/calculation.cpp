@@ -1,0 +1,85 @@
+#include "qto/hosts/embedded/recalc/calculation.hpp"
+
+#include <algorithm>
+
+#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/functions/registry.hpp"
+#include "qto/hosts/embedded/recalc/store_result.hpp"
+
+namespace qto::embedded {
+
+Calculation::Calculation(const std::vector<Book*>& books, const OpenBooks& open, double now)
+    : open_(open),
+      now_(now),
+      graph_({books.begin(), books.end()}, &open),
+      changed_(graph_),
+      search_(graph_, *this),
+      evaluator_(*this, functions::registry()) {
+  for (const Book* book : books)
+    for (const CellAddress& cell : book->pending())
+      changed_.add({cell.sheet, Rect::cell(cell.pos)});
+}
+
+void Calculation::run() { search_.run(); }
+
+double Calculation::random() { return std::uniform_real_distribution<double>(0, 1)(random_); }
+
+bool Calculation::ready(const Area& area) {
+  if (!search_.unsettled(area)) return true;
+  unsettled_.push_back(area);
+  return false;
+}
+
+void Calculation::settle(const FormulaNode& node, std::vector<Area>& waits) {
+  if (!must_evaluate(node)) return;
+  const FormulaRecord& record = graph_.record(node);
+  const EvaluationMode mode =
+      record.kind == FormulaKind::array ? EvaluationMode::array : EvaluationMode::cell;
+  unsettled_.clear();
+  const Operand result =
+      evaluator_.evaluate(*record.compiled, graph_.sheet(node.sheet), node.at, mode);
+  if (evaluator_.gave_up())
+    waits.insert(waits.end(), unsettled_.begin(), unsettled_.end());
+  else
+    store(node, result.value() ? *result.value() : Variant(ErrorValue::value));
+}
+
+void Calculation::cycle(std::span<const FormulaNode> nodes) {
+  const auto must = [this](const FormulaNode& node) { return must_evaluate(node); };
+  if (std::none_of(nodes.begin(), nodes.end(), must)) return;
+  for (const FormulaNode& node : nodes) store(node, 0.0);
+}
+
+bool Calculation::must_evaluate(const FormulaNode& node) {
+  if (keeps_value(node)) return false;
+  const Book& book = graph_.sheet(node.sheet).book();
+  return book.all_pending() || graph_.precedents(node).is_volatile || reads_a_change(node);
+}
+
+bool Calculation::reads_a_change(const FormulaNode& node) {
+  if (changed_.none()) return false;
+  Sheet& sheet = graph_.sheet(node.sheet);
+  if (changed_.touch({&sheet, graph_.cells_of(node)})) return true;
+  const std::vector<Precedent>& items = graph_.precedents(node).items;
+  for (std::size_t i = 0; i < items.size();) {
+    const std::optional<Area> area = resolve_precedent(items, i, sheet, node.at);
+    if (area && changed_.touch(*area)) return true;
+  }
+  return false;
+}
+
+/// True for a formula that nobody can evaluate, as long as its remembered value may be right.
+bool Calculation::keeps_value(const FormulaNode& node) {
+  const Cell* cell = graph_.sheet(node.sheet).cells.find(node.at);
+  if (!cell || cell->is_empty()) return false;
+  if (graph_.record(node).compiled->broken()) return true;
+  return graph_.precedents(node).unknown_function && !reads_a_change(node);
+}
+
+void Calculation::store(const FormulaNode& node, const Variant& result) {
+  Sheet& sheet = graph_.sheet(node.sheet);
+  const Rect cells = graph_.cells_of(node);
+  if (store_result(sheet, cells, result)) changed_.add({&sheet, cells});
+}
+
+}  // namespace qto::embedded

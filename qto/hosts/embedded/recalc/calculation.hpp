@@ -1,0 +1,45 @@
+#pragma once
+
+#include <random>
+#include <vector>
+
+#include "qto/hosts/embedded/evaluate/environment.hpp"
+#include "qto/hosts/embedded/evaluate/evaluator.hpp"
+#include "qto/hosts/embedded/recalc/changed_cells.hpp"
+#include "qto/hosts/embedded/recalc/component_search.hpp"
+#include "qto/hosts/embedded/recalc/formula_graph.hpp"
+
+namespace qto::embedded {
+
+/// One calculation of some books: goes through their formulas in the order of their precedents and
+/// evaluates those that depend on a change.
+class Calculation final : private ComponentVisitor, private Environment {
+ public:
+  Calculation(const std::vector<Book*>& books, const OpenBooks& open, double now);
+  void run();
+
+ private:
+  void settle(const FormulaNode& node, std::vector<Area>& waits) override;
+  void cycle(std::span<const FormulaNode> nodes) override;
+
+  bool ready(const Area& area) override;
+  Book* find_open_book(std::string_view name) const override { return open_.find(name); }
+  double now() const override { return now_; }
+  double random() override;
+
+  bool must_evaluate(const FormulaNode& node);
+  bool reads_a_change(const FormulaNode& node);
+  bool keeps_value(const FormulaNode& node);
+  void store(const FormulaNode& node, const Variant& result);
+
+  const OpenBooks& open_;
+  double now_;
+  FormulaGraph graph_;
+  ChangedCells changed_;
+  ComponentSearch search_;
+  Evaluator evaluator_;
+  std::vector<Area> unsettled_;  // blocks that the evaluation under way would have to wait for
+  std::mt19937_64 random_{std::random_device{}()};
+};
+
+}  // namespace qto::embedded
