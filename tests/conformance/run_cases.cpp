@@ -106,9 +106,11 @@ Variant evaluate(const json& c) {
       book.store(sheet_named(book, other).cells.touch(cell->pos), value_of(value));
   }
   if (c.contains("names"))
-    for (const auto& [name, text] : c["names"].items())
-      book.names.add(
-          {name, nullptr, false, CompiledFormula::compile(text.get<std::string>(), CellPos{})});
+    for (const auto& [name, text] : c["names"].items()) {
+      const auto formula = CompiledFormula::compile(text.get<std::string>(), CellPos{});
+      add_sheets(book, *formula);
+      book.names.add({name, nullptr, false, formula});
+    }
   const CellPos pos = parse_cell(at)->pos;
   std::string text = c["f"].get<std::string>();
   text.erase(0, 1);

@@ -35,7 +35,7 @@ Operand fn_fact(Call& call) {
 
 Operand fn_factdouble(Call& call) {
   const double n = std::trunc(call.number(0));
-  if (n < -1 || n > 300) return ErrorValue::num;
+  if (call.number(0) < -1 || n > 300) return ErrorValue::num;
   double product = 1;
   for (int i = static_cast<int>(n); i > 1; i -= 2) product *= i;
   return product;

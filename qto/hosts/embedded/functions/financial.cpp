@@ -264,7 +264,7 @@ constexpr FunctionSpec table[] = {
      "the interest of a loan with equal principal payments", "=ISPMT(0.1,0,2,100)", "-10"},
     {"MIRR", 3, 3, plain, {values, number, number}, fn_mirr, "flows, finance_rate, reinvest_rate",
      "the rate of return with different rates for costs and gains",
-     "=ROUND(MIRR({-100,60,60},0.1,0.12),6)", "0.127830"},
+     "=ROUND(MIRR({-100,60,60},0.1,0.12),6)", "0.12783"},
     {"NOMINAL", 2, 2, plain, {strict_number}, fn_nominal, "effective_rate, periods",
      "the nominal yearly rate", "=ROUND(NOMINAL(0.126825,12),4)", "0.12"},
     {"NPER", 3, 5, plain, {number}, fn_nper, "rate, payment, present, [future], [type]",
