@@ -23,6 +23,11 @@ void Application::set_window_size(int rows, int columns) {
   object_->window_columns = std::max(columns, 1);
 }
 
+void Application::set_open_progress(void (*progress)(double, void*), void* data) {
+  object_->open_options.progress = progress;
+  object_->open_options.progress_data = data;
+}
+
 Event<std::string_view, bool&>& Application::hyperlink_followed() {
   return object_->hyperlink_followed;
 }

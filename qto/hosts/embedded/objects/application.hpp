@@ -34,6 +34,8 @@ class Application {
   void set_now(double moment);
   /// Rows and columns that show in a window; at least 1 each.
   void set_window_size(int rows, int columns);
+  /// Called now and then while a file is opened, with the fraction done (0..1); null: not called.
+  void set_open_progress(void (*progress)(double fraction, void* data), void* data);
   /// Raised for an address that is to be followed (mail, browser). A handler sets the flag when it
   /// has taken it; otherwise Workbook.FollowHyperlink fails.
   Event<std::string_view, bool&>& hyperlink_followed();

@@ -7,6 +7,7 @@
 #include "qto/hosts/embedded/formats/serial_date.hpp"
 #include "qto/hosts/embedded/objects/chart_selection.hpp"
 #include "qto/hosts/embedded/objects/convert_reference.hpp"
+#include "qto/hosts/embedded/objects/link_values.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
@@ -125,14 +126,35 @@ OpenBook* ApplicationObject::find_book(std::string_view name) const {
 OpenBook& ApplicationObject::add_book(std::unique_ptr<Book> book) {
   books_.push_back(std::make_unique<OpenBook>(*this, std::move(book)));
   active_ = books_.back().get();
+  for (const auto& open : books_)
+    if (open.get() != active_) links_changed(open->book(), active_->book().name);
   return *active_;
 }
 
 void ApplicationObject::close_book(OpenBook& book) {
   const auto found = std::find_if(books_.begin(), books_.end(),
                                   [&](const auto& open) { return open.get() == &book; });
+  for (const auto& open : books_)
+    if (open.get() != &book) remember_values(open->book(), book.book());
   books_.erase(found);
   if (active_ == &book) active_ = books_.empty() ? nullptr : books_.back().get();
+}
+
+Book* ApplicationObject::find(std::string_view name) const {
+  OpenBook* found = find_book(name);
+  return found ? &found->book() : nullptr;
+}
+
+std::vector<Book*> ApplicationObject::all() const {
+  std::vector<Book*> books;
+  for (const auto& open : books_) books.push_back(&open->book());
+  return books;
+}
+
+void ApplicationObject::calculate() {
+  const double moment = now();
+  for (const auto& open : books_)
+    if (open->book().needs_calculation()) calculator_.calculate(open->book(), moment);
 }
 
 double ApplicationObject::now() const {

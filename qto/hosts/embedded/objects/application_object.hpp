@@ -9,12 +9,15 @@
 #include "qto/automation/event.hpp"
 #include "qto/host/application.hpp"
 #include "qto/hosts/embedded/objects/open_book.hpp"
+#include "qto/hosts/embedded/recalc/calculator.hpp"
+#include "qto/hosts/embedded/recalc/open_books.hpp"
+#include "qto/hosts/embedded/xlsx/open_workbook.hpp"
 
 namespace qto::embedded {
 
 /// The application: it owns the open books. Every handle holds it, so the books live until the
 /// client has let go of the last handle.
-class ApplicationObject final : public host::Application {
+class ApplicationObject final : public host::Application, private OpenBooks {
  public:
   ApplicationObject();
   ~ApplicationObject() override;
@@ -47,10 +50,16 @@ class ApplicationObject final : public host::Application {
   /// By file name without folder, letter case ignored.
   OpenBook* find_book(std::string_view name) const;
   OpenBook* active_book() const noexcept { return active_; }
-  /// Takes a book in and makes it the active one.
+  /// Takes a book in and makes it the active one; books that link to it see its cells from then on.
   OpenBook& add_book(std::unique_ptr<Book> book);
   void close_book(OpenBook& book);
   void activate(OpenBook& book) noexcept { active_ = &book; }
+
+  /// Before values are read: brings all open books up to date.
+  void ensure_calculated() {
+    for (const auto& open : books_)
+      if (open->book().needs_calculation()) return calculate();
+  }
 
   /// The moment of calculation as a serial number of the 1900 system.
   double now() const;
@@ -59,6 +68,7 @@ class ApplicationObject final : public host::Application {
   std::vector<std::string> search_folders;
   /// A fixed moment of calculation (serial number, 1900 system) instead of the clock.
   std::optional<double> fixed_now;
+  OpenOptions open_options;
   /// Raised by Workbook.FollowHyperlink; a handler sets the flag when it has taken the address.
   Event<std::string_view, bool&> hyperlink_followed;
   /// Size of every window in rows and columns that show.
@@ -67,9 +77,13 @@ class ApplicationObject final : public host::Application {
 
  private:
   Ref<host::Application> application() const override;
+  Book* find(std::string_view name) const override;
+  std::vector<Book*> all() const override;
+  void calculate();
 
   std::vector<std::unique_ptr<OpenBook>> books_;
   OpenBook* active_ = nullptr;
+  Calculator calculator_{*this};
   bool screen_updating_ = true;
   bool enable_events_ = true;
   bool display_alerts_ = true;

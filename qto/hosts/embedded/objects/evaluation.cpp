@@ -39,11 +39,6 @@ Variant variant_of(const ApplicationObject& application, std::span<const Area> a
 OutsideEnvironment::OutsideEnvironment(ApplicationObject& application)
     : application_(application), now_(application.now()) {}
 
-bool OutsideEnvironment::ready(const Area& area) {
-  if (OpenBook* open = open_book_of(application_, area.sheet->book())) open->ensure_calculated();
-  return true;
-}
-
 Book* OutsideEnvironment::find_open_book(std::string_view name) const {
   OpenBook* found = application_.find_book(name);
   return found ? &found->book() : nullptr;
@@ -58,6 +53,7 @@ Variant evaluate_text(OpenBook& book, Sheet& sheet, CellPos at, std::string_view
   const std::string_view body = text::trim(without_equals(text::trim(text)));
   if (body.empty()) return {};
   const auto formula = CompiledFormula::compile(number_known_links(body, book), at);
+  book.application().ensure_calculated();
   OutsideEnvironment environment(book.application());
   Evaluator evaluator(environment, functions::registry());
   const Operand result = evaluator.evaluate(*formula, sheet, at, EvaluationMode::reference);

@@ -44,6 +44,16 @@ std::size_t add_link(Book& book, std::string name, std::string folder) {
   return book.externals.size();
 }
 
+/// Lists the sheet among those whose values the link remembers.
+void add_sheet(ExternalBook& link, const std::string& sheet) {
+  if (sheet.empty() || std::any_of(link.sheets.begin(), link.sheets.end(), [&](const auto& known) {
+        return text::equal_fold(known, sheet);
+      }))
+    return;
+  link.sheets.push_back(sheet);
+  link.values.resize(link.sheets.size());
+}
+
 void append_numbered(std::string& out, std::size_t number, const SheetQualifier& qualifier) {
   std::string sheets = qualifier.sheet;
   if (!qualifier.last_sheet.empty()) sheets += ":" + qualifier.last_sheet;
@@ -57,7 +67,7 @@ void append_numbered(std::string& out, std::size_t number, const SheetQualifier&
   out.push_back('!');
 }
 
-/// Lets `number_of(book name, folder)` number the links; 0 leaves a reference as it is.
+/// Lets `number_of(qualifier, folder)` number the links; 0 leaves a reference as it is.
 template <class NumberOf>
 std::string number_qualifiers(std::string_view formula, const OpenBook& book,
                               NumberOf&& number_of) {
@@ -69,7 +79,7 @@ std::string number_qualifiers(std::string_view formula, const OpenBook& book,
         const bool own = text::equal_fold(qualifier.book, book.book().name);
         std::size_t number = 0;
         if (!qualifier.book.empty() && !own && !document && !qualifier.broken)
-          number = number_of(qualifier.book, folder_of(book, qualifier.book, text));
+          number = number_of(qualifier, folder_of(book, qualifier.book, text));
         if (number == 0) return void(out.append(text));
         append_numbered(out, number, qualifier);
       });
@@ -78,17 +88,20 @@ std::string number_qualifiers(std::string_view formula, const OpenBook& book,
 }  // namespace
 
 std::string number_links(std::string_view formula, OpenBook& book) {
-  return number_qualifiers(formula, book, [&](const std::string& name, std::string folder) {
-    const std::size_t known = find_link(book.book(), name, folder);
-    return known ? known : add_link(book.book(), name, std::move(folder));
+  return number_qualifiers(formula, book, [&](const SheetQualifier& qualifier, std::string folder) {
+    std::size_t number = find_link(book.book(), qualifier.book, folder);
+    if (number == 0) number = add_link(book.book(), qualifier.book, std::move(folder));
+    add_sheet(book.book().externals[number - 1], qualifier.sheet);
+    return number;
   });
 }
 
 std::string number_known_links(std::string_view formula, const OpenBook& book) {
   if (book.book().externals.empty()) return std::string(formula);
-  return number_qualifiers(formula, book, [&](const std::string& name, const std::string& folder) {
-    return find_link(book.book(), name, folder);
-  });
+  return number_qualifiers(formula, book,
+                           [&](const SheetQualifier& qualifier, const std::string& folder) {
+                             return find_link(book.book(), qualifier.book, folder);
+                           });
 }
 
 }  // namespace qto::embedded

@@ -63,6 +63,11 @@ Ref<host::HostObject> NameObject::Parent() const {
   return workbook_;
 }
 
+Ref<host::Application> NameObject::application() const {
+  name();
+  return workbook_->Application();
+}
+
 std::string NameObject::Name() const {
   const embedded::DefinedName& found = name();
   if (!scope_) return found.name;

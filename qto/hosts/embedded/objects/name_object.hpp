@@ -24,7 +24,7 @@ class NameObject final : public host::DefinedName {
   std::string RefersToR1C1Local() const override;
 
  private:
-  Ref<host::Application> application() const override { return workbook_->Application(); }
+  Ref<host::Application> application() const override;
   const embedded::DefinedName* find() const;
   const embedded::DefinedName& name() const;
 

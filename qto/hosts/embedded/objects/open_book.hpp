@@ -66,11 +66,6 @@ class OpenBook {
   /// Tells that the book's place or name changed: its sheets get new stamps.
   void renew_stamps();
 
-  /// Before values are read: brings them up to date.
-  void ensure_calculated() {
-    if (book_->needs_calculation()) calculate();
-  }
-
   Sheet& active_sheet() const;
   void set_active_sheet(Sheet& sheet);
   CellPos active_cell() const;
@@ -88,8 +83,6 @@ class OpenBook {
   bool read_only = false;
 
  private:
-  void calculate();
-
   ApplicationObject& application_;
   std::unique_ptr<Book> book_;
   FormulaIntern formulas_;

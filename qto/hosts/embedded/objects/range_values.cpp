@@ -58,14 +58,14 @@ std::string RangeObject::FormulaR1C1Local() const {
 Variant RangeObject::value() const {
   if (block_.is_cell()) return sheet_->cell_value(block_.first);
   OpenBook& book = sheet_->open();
-  book.ensure_calculated();
+  book.application().ensure_calculated();
   return values_of_block(book.book(), sheet_->sheet(), block_);
 }
 
 std::string RangeObject::Text() const {
   OpenBook& book = sheet_->open();
   if (!block_.is_cell() || more_) return {};
-  book.ensure_calculated();
+  book.application().ensure_calculated();
   return shown_text(book.book(), sheet_->sheet(), block_.first);
 }
 

@@ -5,14 +5,13 @@
 #include "qto/hosts/embedded/objects/open_error.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
-#include "qto/hosts/embedded/xlsx/open_workbook.hpp"
 
 namespace qto::embedded {
 namespace {
 
-std::unique_ptr<Book> read_file(const std::string& path) {
+std::unique_ptr<Book> read_file(const std::string& path, const OpenOptions& options) {
   try {
-    return open_workbook(path);
+    return open_workbook(path, options);
   } catch (const OpenFailure& failure) {
     throw OpenError(failure);
   }
@@ -62,7 +61,7 @@ Ref<host::Workbook> WorkbooksObject::Open(std::string_view file_name, std::optio
     application_->activate(*open);
     return open->workbook();
   }
-  OpenBook& opened = application_->add_book(read_file(*path));
+  OpenBook& opened = application_->add_book(read_file(*path, application_->open_options));
   opened.read_only = read_only;
   return opened.workbook();
 }

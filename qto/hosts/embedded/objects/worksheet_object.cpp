@@ -103,6 +103,12 @@ Ref<host::DefinedName> WorksheetObject::AddName(std::string_view name, std::stri
   return define_name(open(), &sheet(), name, refers_to);
 }
 
+Ref<host::Range> WorksheetObject::CircularReference() const {
+  OpenBook& book = open();
+  const auto cell = book.circles.of(book.book()).first_on(sheet());
+  return cell ? Cells(cell->row, cell->column) : nullptr;
+}
+
 Variant WorksheetObject::Evaluate(std::string_view text) const {
   OpenBook& book = open();
   const bool active = &book.active_sheet() == slot_->sheet;
@@ -138,7 +144,7 @@ void WorksheetObject::append_cell_formula(CellPos pos, std::string& out) const {
 
 Variant WorksheetObject::cell_value(CellPos pos) const {
   OpenBook& book = open();
-  book.ensure_calculated();
+  book.application().ensure_calculated();
   const Cell* cell = slot_->sheet->cells.find(pos);
   return cell ? book.book().value_of(*cell) : Variant{};
 }
