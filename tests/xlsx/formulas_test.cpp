@@ -136,6 +136,10 @@ TEST(CachedResults, DecideWhatIsCalculated) {
   EXPECT_FALSE(BookFile().cells("<row><c><v>2</v></c></row>").open()->needs_calculation());
   EXPECT_FALSE(BookFile().cells(with).open()->needs_calculation());
   EXPECT_TRUE(BookFile().cells(without).open()->all_pending());
+  const std::string empty = "<row><c><f>1+1</f><v></v></c><c><f>1+1</f><v/></c></row>";
+  EXPECT_TRUE(BookFile().cells(empty).open()->all_pending());
+  const std::string empty_text = "<row><c t='str'><f>\"\"</f><v></v></c></row>";
+  EXPECT_FALSE(BookFile().cells(empty_text).open()->needs_calculation());
   EXPECT_TRUE(BookFile().cells(with).open({.keep_cached_values = false})->all_pending());
   const auto mixed = BookFile().cells(with + without).open();
   EXPECT_FALSE(mixed->all_pending());

@@ -114,7 +114,10 @@ void CellReader::end_cell() {
     forget_earlier(cell);
   cell.set_style(style_);
   if (has_value_) store_value(cell);
-  if (formulas_.present()) formulas_.store(at_, has_value_);
+  if (!formulas_.present()) return;
+  // Writers that do not calculate leave an empty value element; as a text it is a result.
+  const bool is_text = content_ == Content::text || content_ == Content::inline_text;
+  formulas_.store(at_, has_value_ && (is_text || !value_.empty()));
 }
 
 void CellReader::forget_earlier(Cell& cell) {
