@@ -77,7 +77,7 @@ class TreePrinter {
       if (!part.CheckedForPrecedents()) line += "  …";  // a limit ended the drill here
     }
     fmt::print(out_, "{}\n", line);
-    counts_.levels = std::max(counts_.levels, stack_.size() + 1);
+    counts_.levels = std::max(counts_.levels, stack_.size());
     if (!items.empty()) enter(std::move(items));
   }
 
@@ -88,7 +88,7 @@ class TreePrinter {
     fmt::print(out_, "{}{}  {}\n", begin_line(branch),
                readable_address(*parts[0], home_book_, address_of(run.block)), what);
     for (ModelPart* part : parts.first(run.cells)) met_.insert(part);
-    counts_.levels = std::max(counts_.levels, stack_.size() + 1);
+    counts_.levels = std::max(counts_.levels, stack_.size());
   }
 
   std::string begin_line(const std::string& branch) const {

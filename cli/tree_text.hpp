@@ -11,7 +11,7 @@ namespace qto::cli {
 struct TreeCounts {
   std::size_t formulas = 0;  ///< cells, names and series with a formula
   std::size_t others = 0;    ///< constants, empty cells, what could not be opened
-  std::size_t levels = 0;
+  std::size_t levels = 0;    ///< below the start
 };
 
 /// Prints the tree of a start part's precedents, a part that comes again without what is below it.

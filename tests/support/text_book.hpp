@@ -44,6 +44,7 @@ class Books {
     book->name = std::move(name);
     book->path = std::move(path);
     book->add_sheet("Sheet1");
+    models.push_back(book.get());
     opened.push_back(app.adopt(std::move(book)));
     enter(text, opened.back());
     return opened.back();
@@ -68,6 +69,7 @@ class Books {
 
   embedded::Application app;
   std::vector<Ref<host::Workbook>> opened;
+  std::vector<embedded::Book*> models;  // what is under the books, for charts and the like
 
  private:
   static Ref<host::Worksheet> sheet(std::string_view name, const Ref<host::Workbook>& book) {

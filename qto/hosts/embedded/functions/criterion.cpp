@@ -28,7 +28,8 @@ bool may_be_number(std::string_view text) noexcept {
 
 }  // namespace
 
-Criterion::Criterion(const ValueView& value, const DateSettings& dates) : dates_(dates) {
+Criterion::Criterion(const ValueView& value, const DateSettings& dates, Texts texts)
+    : dates_(dates) {
   switch (value.type()) {
     case CellType::empty:
       // A blank cell as criterion looks for zeros.
@@ -56,13 +57,13 @@ Criterion::Criterion(const ValueView& value, const DateSettings& dates) : dates_
   for (const auto& [sign, op] : operators) {
     if (!text.starts_with(sign)) continue;
     op_ = op;
-    read_operand(text.substr(sign.size()), true);
+    read_operand(text.substr(sign.size()), true, Texts::equal);
     return;
   }
-  read_operand(text, false);
+  read_operand(text, false, texts);
 }
 
-void Criterion::read_operand(std::string_view text, bool written_operator) {
+void Criterion::read_operand(std::string_view text, bool written_operator, Texts texts) {
   if (text.empty()) {
     bare_ = !written_operator;
     subject_ = Subject::nothing;
@@ -87,7 +88,8 @@ void Criterion::read_operand(std::string_view text, bool written_operator) {
     return;
   }
   subject_ = Subject::text;
-  WildcardPattern pattern(text);
+  const bool beginnings = texts == Texts::beginnings;
+  WildcardPattern pattern(beginnings ? std::string(text) + '*' : std::string(text));
   if (pattern.has_wildcards() && (op_ == Op::equal || op_ == Op::not_equal)) {
     pattern_ = std::move(pattern);
   } else {

@@ -13,7 +13,9 @@ namespace qto::embedded::functions {
 /// texts that read as that number.
 class Criterion {
  public:
-  Criterion(const ValueView& value, const DateSettings& dates);
+  /// How a text without operator is met: by equal texts, or by all that begin with it.
+  enum class Texts : std::uint8_t { equal, beginnings };
+  Criterion(const ValueView& value, const DateSettings& dates, Texts texts = Texts::equal);
   bool matches(const ValueView& value) const;
   /// True when cells that hold nothing fit.
   bool matches_empty() const { return matches(ValueView()); }
@@ -22,7 +24,7 @@ class Criterion {
   enum class Op : std::uint8_t { equal, not_equal, less, less_equal, greater, greater_equal };
   enum class Subject : std::uint8_t { number, text, boolean, error, nothing };
 
-  void read_operand(std::string_view text, bool written_operator);
+  void read_operand(std::string_view text, bool written_operator, Texts texts);
   bool equals(const ValueView& value) const;
   bool in_order(const ValueView& value) const;
   bool ordered(int order) const;

@@ -26,5 +26,11 @@ std::span<const FunctionSpec> lookup_functions();
 std::span<const FunctionSpec> reference_functions();
 std::span<const FunctionSpec> conditional_functions();
 std::span<const FunctionSpec> financial_functions();
+std::span<const FunctionSpec> subtotal_functions();
+std::span<const FunctionSpec> matrix_functions();
+std::span<const FunctionSpec> linear_fit_functions();
+std::span<const FunctionSpec> database_functions();
+std::span<const FunctionSpec> array_functions();
+std::span<const FunctionSpec> array_shape_functions();
 
 }  // namespace qto::embedded::functions

@@ -25,6 +25,12 @@ std::span<const Family> families() {
       {"References", reference_functions()},
       {"Conditional sums and counts", conditional_functions()},
       {"Financial", financial_functions()},
+      {"Subtotals", subtotal_functions()},
+      {"Matrices", matrix_functions()},
+      {"Fits", linear_fit_functions()},
+      {"Databases", database_functions()},
+      {"Arrays", array_functions()},
+      {"Shapes of arrays", array_shape_functions()},
   };
   return all;
 }

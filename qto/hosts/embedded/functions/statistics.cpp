@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
 
+#include "qto/hosts/embedded/functions/aggregate.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 #include "qto/hosts/embedded/functions/moments.hpp"
 #include "qto/hosts/embedded/functions/numbers.hpp"
@@ -160,21 +160,12 @@ Operand fn_kurt(Call& call) {
          3 * (n - 1) * (n - 1) / ((n - 2) * (n - 3));
 }
 
-/// The values that occur most often, in the order in which they first occur.
 Outcome<std::vector<double>> modes(Call& call) {
   const auto numbers = numbers_in_order(call.context(), call.from(0));
   if (!numbers) return numbers.error();
-  std::unordered_map<double, int> counts;
-  int most = 0;
-  for (const double number : *numbers) most = std::max(most, ++counts[number]);
-  if (most < 2) return ErrorValue::na;
-  std::vector<double> result;
-  for (const double number : *numbers) {
-    int& count = counts[number];
-    if (count == most) result.push_back(number);
-    count = 0;
-  }
-  return result;
+  auto found = most_frequent(*numbers);
+  if (found.empty()) return ErrorValue::na;
+  return found;
 }
 
 Operand fn_mode(Call& call) {

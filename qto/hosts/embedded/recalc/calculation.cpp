@@ -12,12 +12,21 @@ Calculation::Calculation(const std::vector<Book*>& books, const OpenBooks& open,
     : open_(open),
       now_(now),
       graph_({books.begin(), books.end()}, &open),
-      changed_(graph_),
-      search_(graph_, *this),
-      evaluator_(*this, functions::registry()) {
+      changed_(changes_of(graph_, books)),
+      search_(graph_, *this, selection(books)),
+      evaluator_(*this, functions::registry()) {}
+
+ChangedCells Calculation::changes_of(const FormulaGraph& graph, const std::vector<Book*>& books) {
+  ChangedCells changed(graph);
   for (const Book* book : books)
-    for (const CellAddress& cell : book->pending())
-      changed_.add({cell.sheet, Rect::cell(cell.pos)});
+    for (const CellAddress& cell : book->pending()) changed.add({cell.sheet, Rect::cell(cell.pos)});
+  return changed;
+}
+
+FormulaSelection Calculation::selection(const std::vector<Book*>& books) {
+  const bool all =
+      std::any_of(books.begin(), books.end(), [](const Book* book) { return book->all_pending(); });
+  return all ? FormulaSelection::everything() : affected_formulas(graph_, changed_);
 }
 
 void Calculation::run() { search_.run(); }

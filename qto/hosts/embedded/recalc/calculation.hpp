@@ -27,6 +27,8 @@ class Calculation final : private ComponentVisitor, private Environment {
   double now() const override { return now_; }
   double random() override;
 
+  static ChangedCells changes_of(const FormulaGraph& graph, const std::vector<Book*>& books);
+  FormulaSelection selection(const std::vector<Book*>& books);
   bool must_evaluate(const FormulaNode& node);
   bool reads_a_change(const FormulaNode& node);
   bool keeps_value(const FormulaNode& node);
@@ -36,7 +38,7 @@ class Calculation final : private ComponentVisitor, private Environment {
   double now_;
   FormulaGraph graph_;
   ChangedCells changed_;
-  ComponentSearch search_;
+  ComponentSearch search_;  // of the formulas that the changes may reach
   Evaluator evaluator_;
   std::vector<Area> unsettled_;  // blocks that the evaluation under way would have to wait for
   std::mt19937_64 random_{std::random_device{}()};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "qto/hosts/embedded/recalc/acyclic_proof.hpp"
 #include "qto/hosts/embedded/recalc/component_search.hpp"
 
 namespace qto::embedded {
@@ -29,6 +30,7 @@ class CycleCollector : public ComponentVisitor {
 
 CircularReferences::CircularReferences(const Book& book) {
   FormulaGraph graph({&book});
+  if (proven_acyclic(graph)) return;
   CycleCollector collector(graph, first_);
   ComponentSearch(graph, collector).run();
 }

@@ -4,17 +4,19 @@
 
 namespace qto::embedded {
 
-ComponentSearch::ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor)
+ComponentSearch::ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor,
+                                 const FormulaSelection& selection)
     : graph_(graph), visitor_(visitor), sheets_(graph.sheet_count()) {
-  for (std::uint32_t number = 0; number < graph.sheet_count(); ++number) collect(number);
+  for (std::uint32_t number = 0; number < graph.sheet_count(); ++number) collect(number, selection);
 }
 
-void ComponentSearch::collect(std::uint32_t number) {
+void ComponentSearch::collect(std::uint32_t number, const FormulaSelection& selection) {
   const Sheet& sheet = graph_.sheet(number);
   SheetState& state = sheets_[number];
   if (sheet.cells.formula_count() == 0) return;
   for (const auto& large : sheet.large_blocks())
-    if (sheet.book().formula(large.id).kind == FormulaKind::array)
+    if (sheet.book().formula(large.id).kind == FormulaKind::array &&
+        selection.contains(number, large.id))
       state.large.push_back({large.block, large.id});
   const auto is_large = [&](FormulaId id) {
     return std::any_of(state.large.begin(), state.large.end(),
@@ -26,7 +28,8 @@ void ComponentSearch::collect(std::uint32_t number) {
     if (id == 0) return;
     if (id != last) {
       last = id;
-      wanted = sheet.book().formula(id).kind != FormulaKind::data_table && !is_large(id);
+      wanted = sheet.book().formula(id).kind != FormulaKind::data_table && !is_large(id) &&
+               selection.contains(number, id);
     }
     if (wanted) state.fresh.insert(pos);
   });

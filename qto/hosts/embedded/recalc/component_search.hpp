@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "qto/hosts/embedded/recalc/cell_set.hpp"
-#include "qto/hosts/embedded/recalc/formula_graph.hpp"
+#include "qto/hosts/embedded/recalc/formula_groups.hpp"
 #include "qto/hosts/embedded/recalc/stack_order.hpp"
 
 namespace qto::embedded {
@@ -27,7 +27,9 @@ class ComponentVisitor {
 /// next to nothing when its cells are done.
 class ComponentSearch {
  public:
-  ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor);
+  /// Formulas that are not in the selection count as settled.
+  ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor,
+                  const FormulaSelection& selection = FormulaSelection::everything());
   void run();
   /// True when the block holds formula cells that are not settled yet.
   bool unsettled(const Area& area) const noexcept;
@@ -58,7 +60,7 @@ class ComponentSearch {
     bool reads_itself = false;
   };
 
-  void collect(std::uint32_t number);
+  void collect(std::uint32_t number, const FormulaSelection& selection);
   void search();
   /// Goes on with a frame; false when it has entered another node.
   bool advance(Frame& frame);

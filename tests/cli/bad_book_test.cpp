@@ -1,0 +1,75 @@
+#include <gmock/gmock.h>
+
+#include "tests/cli/run_command.hpp"
+#include "tests/xlsx/book_file.hpp"
+
+namespace qto::test {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(BadBook, is_named_with_the_part_and_the_reason) {
+  BookFile good;
+  good.cells("<row r=\"1\"><c r=\"A1\"><f>B1</f><v>1</v></c></row>");
+  const std::string bytes = good.bytes();
+  BookFile no_sheet = good;
+  no_sheet.remove("xl/sheet1.xml");
+  BookFile no_workbook = good;
+  no_workbook.remove("xl/workbook.xml");
+  BookFile unclosed = good;
+  unclosed.edit("xl/sheet1.xml", "</c>", "\n</d>");
+  struct Case {
+    const char* name;
+    std::string bytes;
+    std::vector<std::string> err;
+  };
+  const std::vector<Case> cases = {
+      {"empty.xlsx", "", {"empty.xlsx"}},
+      {"text.xlsx", "Sales,Costs\n1,2\n", {"text.xlsx", "not a workbook"}},
+      {"truncated.xlsx", bytes.substr(0, bytes.size() / 2), {"truncated.xlsx"}},
+      {"zip.xlsx", zip_bytes({{"readme.txt", "no workbook"}}), {"zip.xlsx"}},
+      {"no_sheet.xlsx", no_sheet.bytes(), {"no_sheet.xlsx", "xl/sheet1.xml"}},
+      {"no_workbook.xlsx", no_workbook.bytes(), {"no_workbook.xlsx", "xl/workbook.xml"}},
+      {"unclosed.xlsx", unclosed.bytes(), {"unclosed.xlsx", "xl/sheet1.xml, line 3"}},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.name);
+    const TemporaryFile file(one.name, one.bytes);
+    const Outcome outcome = run_qto({"tree", file.path(), "A1"});
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_EQ(outcome.out, "");
+    for (const std::string& text : one.err) EXPECT_THAT(outcome.err, HasSubstr(text));
+  }
+  EXPECT_EQ(run_qto({"part", "/no/such/folder/book.xlsx", "A1"}).status, 4);
+  EXPECT_EQ(run_qto({"part", testing::TempDir(), "A1"}).status, 4);
+}
+
+TEST(CircularBook, is_refused_with_a_cell_of_the_circle_and_a_way_out) {
+  BookFile book;
+  book.cells(
+      "<row r=\"1\"><c r=\"A1\"><f>B1+C1</f><v>1</v></c><c r=\"B1\"><f>A1+1</f><v>2</v></c>"
+      "<c r=\"C1\"><v>7</v></c></row>");
+  const TemporaryFile file("circle.xlsx", book.bytes());
+  for (const char* operation : {"tree", "inputs", "errors"}) {
+    SCOPED_TRACE(operation);
+    const Outcome refused = run_qto({operation, file.path(), "A1"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.err, HasSubstr("circular reference"));
+    EXPECT_THAT(refused.err, testing::ContainsRegex("Sheet1![AB]1 depends on itself"));
+    EXPECT_THAT(refused.err, HasSubstr("--depth N"));
+  }
+  const Outcome number = run_qto({"inputs", file.path(), "A1", "--json"});
+  EXPECT_THAT(number.out, HasSubstr("\"80040003\""));
+  const Outcome shown = run_qto({"tree", file.path(), "A1", "--depth", "5"});
+  EXPECT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(shown.out,
+            "Sheet1!A1  =B1+C1 → 1\n"
+            "├─ Sheet1!B1  =A1+1 → 2\n"
+            "│  └─ Sheet1!A1  =B1+C1 → 1  (see above)\n"
+            "└─ Sheet1!C1  7\n"
+            "\n"
+            "2 formulas, 1 other item, 2 levels\n");
+}
+
+}  // namespace
+}  // namespace qto::test
