@@ -52,7 +52,8 @@ format: dev-packages ## format the sources in place
 	clang-format -i $(SOURCES)
 
 check: dev-packages ## formatting and the direction of includes
-	clang-format --dry-run --Werror $(SOURCES)
+	@echo "clang-format: every source file"
+	@clang-format --dry-run --Werror $(SOURCES)
 	python3 tools/check_includes.py
 
 packages:

@@ -7,7 +7,9 @@
 namespace qto::embedded {
 namespace {
 
-std::string cell_text(std::int32_t row, std::int32_t column) { return address_of(CellPos{row, column}); }
+std::string cell_text(std::int32_t row, std::int32_t column) {
+  return address_of(CellPos{row, column});
+}
 
 TEST(FormulaInternTest, FormulasOfOneShapeShareARecord) {
   Book book;
