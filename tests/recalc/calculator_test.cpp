@@ -135,6 +135,18 @@ TEST_F(CalculatorTest, PopularFormulasThatLookAtTheirOwnColumn) {
   EXPECT_EQ(book_.shown("A5"), "60");
 }
 
+TEST_F(CalculatorTest, WatchedCellsThatChangeLaterInTheOrder) {
+  book_.formula("A1", "INDEX(B1:B9,C1)");
+  book_.formula("B3", "D1*2");
+  book_.value("C1", 3.0);
+  book_.value("D1", 1.0);
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "2");
+  book_.value("D1", 5.0);
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "10");
+}
+
 TEST_F(CalculatorTest, CyclesGiveZero) {
   plant("A1", 5.0);
   plant("A2", 6.0);
@@ -257,21 +269,21 @@ TEST(CalculatorBooksTest, ChangesGoThroughLinksToOtherOpenBooks) {
 }
 
 TEST_F(CalculatorTest, LongChainsInEitherDirection) {
-  constexpr std::int32_t length = 100'000;
+  constexpr std::int32_t length = 30'000;
   Sheet& sheet = *book_.book.find_sheet("Sheet1");
   const FormulaId down = book_.formulas.intern("A1+1", {2, 1});
   const FormulaId up = book_.formulas.intern("B2+1", {1, 2});
   for (std::int32_t row = 2; row <= length; ++row) sheet.cells.set_formula({row, 1}, down);
   for (std::int32_t row = 1; row < length; ++row) sheet.cells.set_formula({row, 2}, up);
   book_.value("A1", 1.0);
-  book_.value("B100000", 1.0);
+  book_.value("B30000", 1.0);
   book_.book.everything_changed();
   calculate();
-  EXPECT_EQ(book_.shown("A100000"), "100000");
-  EXPECT_EQ(book_.shown("B1"), "100000");
+  EXPECT_EQ(book_.shown("A30000"), "30000");
+  EXPECT_EQ(book_.shown("B1"), "30000");
   book_.value("A1", 2.0);
   calculate();
-  EXPECT_EQ(book_.shown("A100000"), "100001");
+  EXPECT_EQ(book_.shown("A30000"), "30001");
 }
 
 }  // namespace

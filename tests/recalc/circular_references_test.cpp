@@ -147,19 +147,19 @@ TEST(CircularReferencesTest, DenseGraphs) {
   TextBook layers;
   Sheet& wide = *layers.book.find_sheet("Sheet1");
   const FormulaId whole_layer = layers.formulas.intern("SUM($A1:$J1)", {2, 1});
-  for (std::int32_t row = 2; row <= 20'000; ++row)
+  for (std::int32_t row = 2; row <= 5'000; ++row)
     for (std::int32_t column = 1; column <= 10; ++column)
       wide.cells.set_formula({row, column}, whole_layer);
   EXPECT_EQ(circular(layers.book), "");
-  layers.formula("E1", "E10000");
+  layers.formula("E1", "E5000");
   EXPECT_EQ(circular(layers.book), "Sheet1!E1");
 
   TextBook triangle;
   Sheet& tall = *triangle.book.find_sheet("Sheet1");
   const FormulaId all_above = triangle.formulas.intern("SUM($A$1:A1)", {2, 1});
-  for (std::int32_t row = 2; row <= 100'000; ++row) tall.cells.set_formula({row, 1}, all_above);
+  for (std::int32_t row = 2; row <= 30'000; ++row) tall.cells.set_formula({row, 1}, all_above);
   EXPECT_EQ(circular(triangle.book), "");
-  triangle.formula("A1", "A100000");
+  triangle.formula("A1", "A30000");
   EXPECT_EQ(circular(triangle.book), "Sheet1!A1");
 }
 

@@ -114,7 +114,7 @@ bool reaches_itself(const std::map<Node, std::set<Node>>& graph, const Node& sta
 
 TEST(RandomBooksTest, CircularReferencesAgreeWithLookingAtEveryPair) {
   int circular = 0, proven = 0;
-  for (std::uint32_t seed = 1; seed <= 3'000; ++seed) {
+  for (std::uint32_t seed = 1; seed <= 800; ++seed) {
     RandomBook book(seed);
     std::map<const Sheet*, CellPos> expected;
     const auto graph = graph_of(book.book);
@@ -137,8 +137,8 @@ TEST(RandomBooksTest, CircularReferencesAgreeWithLookingAtEveryPair) {
     proven += proof;
   }
   // Both kinds must be there, or the comparison says nothing.
-  EXPECT_GT(circular, 300);
-  EXPECT_GT(proven, 300);
+  EXPECT_GT(circular, 100);
+  EXPECT_GT(proven, 100);
 }
 
 class NoBooks : public OpenBooks {
@@ -160,7 +160,7 @@ TEST(RandomBooksTest, CalculatingAfterAnEditAgreesWithCalculatingEverything) {
   const NoBooks none;
   Calculator calculator(none);
   int compared = 0;
-  for (std::uint32_t seed = 1; seed <= 3'000; ++seed) {
+  for (std::uint32_t seed = 1; seed <= 800; ++seed) {
     RandomBook book(seed);
     if (CircularReferences(book.book).any()) continue;
     book.book.everything_changed();
@@ -178,7 +178,7 @@ TEST(RandomBooksTest, CalculatingAfterAnEditAgreesWithCalculatingEverything) {
       ++compared;
     }
   }
-  EXPECT_GT(compared, 1'000);
+  EXPECT_GT(compared, 300);
 }
 
 }  // namespace

@@ -71,8 +71,12 @@ bool Calculation::reads_a_change(const FormulaNode& node) {
   if (changed_.touch({&sheet, graph_.cells_of(node)})) return true;
   const std::vector<Precedent>& items = graph_.precedents(node).items;
   for (std::size_t i = 0; i < items.size();) {
+    const bool watched_only = items[i].watched_only;
     const std::optional<Area> area = resolve_precedent(items, i, sheet, node.at);
-    if (area && changed_.touch(*area)) return true;
+    if (!area) continue;
+    if (changed_.touch(*area)) return true;
+    // Its turn may come before that of what it watches.
+    if (watched_only && search_.unsettled(*area)) return true;
   }
   return false;
 }
