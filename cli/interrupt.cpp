@@ -13,7 +13,6 @@ Interrupt::Interrupt() noexcept {
   interrupted = 0;
   struct sigaction action {};
   action.sa_handler = note_interrupt;
-  // A prompt that waits for an answer must return.
   action.sa_flags = SA_RESETHAND;
   sigemptyset(&action.sa_mask);
   sigaction(SIGINT, &action, &before_);

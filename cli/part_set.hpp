@@ -9,12 +9,14 @@
 
 namespace qto::cli {
 
-/// Parts by identity: what a walk has met already.
+/// The parts that a walk through a tree has met. They are told apart by identity, for a drill makes
+/// one part of every item; only a start that is met again through a circle comes as a second part.
 class PartSet {
  public:
-  PartSet() : slots_(64) {}
-  /// False when the part was in the set.
-  bool insert(const ModelPart* part) {
+  explicit PartSet(ModelPart& start) : start_(start), slots_(64) {}
+  /// False when the part was met before.
+  bool insert(ModelPart* part) {
+    if (part != &start_ && part->Key() == start_.Key()) return false;
     if ((count_ + 1) * 2 > slots_.size()) grow();
     const ModelPart*& slot = place(part);
     if (slot) return false;
@@ -37,6 +39,7 @@ class PartSet {
     for (const ModelPart* part : before)
       if (part) place(part) = part;
   }
+  ModelPart& start_;
   std::vector<const ModelPart*> slots_;
   std::size_t count_ = 0;
 };

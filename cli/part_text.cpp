@@ -5,6 +5,8 @@
 #include "cli/displayed.hpp"
 #include "qto/automation/address.hpp"
 #include "qto/automation/text.hpp"
+#include "qto/links/linked_books.hpp"
+#include "qto/links/main.hpp"
 
 namespace qto::cli {
 namespace {
@@ -33,7 +35,10 @@ std::string formula_of(ModelPart& shown) {
 }
 
 std::string value_of(ModelPart& shown) {
-  if (shown.IsUnknown()) return shown.Exists() ? "(not opened)" : "(does not exist)";
+  if (shown.IsUnknown()) {
+    const bool closed = Main::BooksNotOpened()->find(shown.WorkBookFullName()) != nullptr;
+    return closed || shown.Exists() ? "(not opened)" : "(does not exist)";
+  }
   std::string value = shown.Text();
   if (value.empty() && shown.value().is_empty()) return "(empty)";
   return value;

@@ -1,17 +1,29 @@
 #include "cli/prompt.hpp"
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
+
+#include "cli/interrupt.hpp"
 
 namespace qto::cli {
 namespace {
 
+/// False when Ctrl-C came first. The flag is looked at again and again: the signal may come just
+/// before the wait begins, and would not end it then.
+bool wait_for_input() {
+  constexpr int pause = 100;  // milliseconds
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  while (!Interrupt::raised())
+    if (poll(&input, 1, pause) > 0) return true;
+  return false;
+}
+
 std::string read_line() {
   std::string line;
   char c;
-  // Unbuffered: a Ctrl-C must end the wait at once, and nothing else reads standard input.
-  while (read(STDIN_FILENO, &c, 1) == 1 && c != '\n') line.push_back(c);
+  while (wait_for_input() && read(STDIN_FILENO, &c, 1) == 1 && c != '\n') line.push_back(c);
   if (line.ends_with('\r')) line.pop_back();
   return line;
 }

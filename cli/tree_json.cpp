@@ -14,7 +14,7 @@ namespace {
 /// The parts of a tree, each once; the tree holds them.
 std::vector<ModelPart*> parts_in_order(ModelPart& start) {
   std::vector<ModelPart*> order;
-  PartSet met;
+  PartSet met(start);
   std::deque<ModelParts::Pass> stack;  // trees may be a million levels deep
   const auto meet = [&](ModelPart& part) {
     if (!met.insert(&part)) return;

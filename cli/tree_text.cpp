@@ -27,11 +27,16 @@ std::vector<ModelPart*> items_of(ModelPart& part) {
 
 class TreePrinter {
  public:
-  TreePrinter(std::FILE* out, std::string home_book, bool full, Progress& progress)
-      : out_(out), home_book_(std::move(home_book)), full_(full), progress_(progress) {}
+  TreePrinter(std::FILE* out, ModelPart& start, bool full, Progress& progress)
+      : out_(out),
+        start_(start),
+        home_book_(start.WorkBookName()),
+        full_(full),
+        progress_(progress),
+        met_(start) {}
 
-  TreeCounts print(ModelPart& start) {
-    print_part(start, "");
+  TreeCounts print() {
+    print_part(start_, "");
     while (!stack_.empty()) {
       if (stack_.back().next == stack_.back().items.size())
         leave();
@@ -108,6 +113,7 @@ class TreePrinter {
   }
 
   std::FILE* out_;
+  ModelPart& start_;
   const std::string home_book_;
   const bool full_;
   Progress& progress_;
@@ -121,7 +127,7 @@ class TreePrinter {
 }  // namespace
 
 TreeCounts print_tree(std::FILE* out, const Ref<ModelPart>& start, bool full, Progress& progress) {
-  return TreePrinter(out, start->WorkBookName(), full, progress).print(*start);
+  return TreePrinter(out, *start, full, progress).print();
 }
 
 }  // namespace qto::cli

@@ -63,7 +63,7 @@ TEST_F(Results, AreSetOnceUntilSomethingChanges) {
   EXPECT_EQ(watched.part->FormulaLocal(), "");
   watched.part->SetResultsValues();
   watched.part->SetResultsValues();
-  EXPECT_EQ(watched.logged(), " title >Revenue results");
+  EXPECT_EQ(watched.logged(), " title >Revenue.2 results");
   EXPECT_EQ(watched.part->AddressShortLocal(), "B2");
   EXPECT_EQ(watched.part->FormulaLocal(), "=A1*2");
   EXPECT_EQ(watched.part->AddressLongLocal(qtoaddressSheet), "'Sheet1'!B2");
@@ -142,7 +142,7 @@ TEST_F(Results, BlocksAndNullsCompareWithoutFailing) {
   EXPECT_EQ(block.part->Text(), "");
   block.part->SetResultsValues();
   block.part->CheckForChanges();
-  EXPECT_EQ(block.logged(), " results");
+  EXPECT_EQ(block.logged(), " title >Block results");
   Watched name(books_.opened[0]->Names("Block"), "Name");
   EXPECT_EQ(name.part->Formula(), "=Sheet1!$A$1:$A$2");
   EXPECT_TRUE(name.part->value().is_null());

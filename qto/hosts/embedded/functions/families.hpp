@@ -32,5 +32,7 @@ std::span<const FunctionSpec> linear_fit_functions();
 std::span<const FunctionSpec> database_functions();
 std::span<const FunctionSpec> array_functions();
 std::span<const FunctionSpec> array_shape_functions();
+std::span<const FunctionSpec> number_base_functions();
+std::span<const FunctionSpec> distribution_functions();
 
 }  // namespace qto::embedded::functions

@@ -31,6 +31,8 @@ std::span<const Family> families() {
       {"Databases", database_functions()},
       {"Arrays", array_functions()},
       {"Shapes of arrays", array_shape_functions()},
+      {"Number bases and bits", number_base_functions()},
+      {"Distributions", distribution_functions()},
   };
   return all;
 }

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "tests/support/text_book.hpp"
+
+/// Sizes at which recursion by depth or work by the square would show.
+namespace qto::test {
+namespace {
+
+constexpr int chain_length = 1'000'000;
+
+/// A1 holds an error, every cell below refers to the one above it.
+void fill_chain(embedded::Book& book) {
+  embedded::Sheet& sheet = *book.sheets()[0];
+  embedded::FormulaIntern formulas(book);
+  sheet.cells.touch({1, 1}).set_error(ErrorValue::na);
+  for (int row = 2; row <= chain_length; ++row) {
+    sheet.cells.touch({row, 1}).set_error(ErrorValue::na);
+    sheet.cells.set_formula({row, 1}, formulas.intern("A" + std::to_string(row - 1), {row, 1}));
+  }
+}
+
+class LongChain : public testing::Test {
+ protected:
+  LongChain() {
+    books_.add("");
+    fill_chain(*books_.models[0]);
+    drill_ = drill_from(books_, "A" + std::to_string(chain_length));
+    rlimit stack{};
+    getrlimit(RLIMIT_STACK, &stack);
+    // On a larger stack a recursive walk might pass.
+    EXPECT_LE(stack.rlim_cur, rlim_t{8} << 20);
+  }
+  Books books_;
+  Ref<DrillDown> drill_;
+};
+
+TEST_F(LongChain, IsDrilledAndReleased) {
+  std::int32_t analysed = 0;
+  drill_->put_MaxItems(chain_length - 1);
+  drill_->MaxItemsExceeded.add([&](int, int count, bool& stop, int) {
+    analysed = count;
+    stop = false;
+  });
+  drill_->DrillHere();
+  EXPECT_EQ(analysed, chain_length - 1);
+  EXPECT_EQ(listed(drill_->StartModelPart()->DirectPrecedents()),
+            "A" + std::to_string(chain_length - 1));
+  drill_ = nullptr;
+}
+
+TEST_F(LongChain, HasOneInput) {
+  drill_->FindInputs();
+  EXPECT_EQ(listed(drill_->InputCells()), "A1");
+}
+
+TEST_F(LongChain, HasOneOriginOfItsError) {
+  drill_->TraceError();
+  EXPECT_EQ(listed(drill_->ErrorCells()), "A1");
+}
+
+TEST(WholeColumn, BecomesAPartPerCell) {
+  Books books("A5=1; B1==SUM(A:A)");
+  const auto drill = drill_from(books, "B1");
+  drill->FindInputs();
+  EXPECT_EQ(drill->InputCells()->Count(), max_rows);
+  EXPECT_EQ(drill->InputCells()->Item(max_rows)->AddressShort(), "A1048576");
+  const auto& list = drill->StartModelPart()->DirectPrecedents();
+  list->Remove(1);
+  EXPECT_EQ(list->Item(1)->AddressShort(), "A2");
+}
+
+/// Every formula sees all cells above it: most entries of its list are met again and replaced.
+TEST(SharedPrecedents, AreReplacedInLinearTime) {
+  constexpr int rows = 700;
+  Books books("");
+  embedded::Book& book = *books.models[0];
+  embedded::FormulaIntern formulas(book);
+  for (int row = 1; row <= rows; ++row) {
+    book.sheets()[0]->cells.touch({row, 1}).set_number(row);
+    if (row > 1)
+      book.sheets()[0]->cells.set_formula(
+          {row, 1}, formulas.intern("SUM(A$1:A" + std::to_string(row - 1) + ")", {row, 1}));
+  }
+  const auto drill = drill_from(books, "A" + std::to_string(rows));
+  drill->FindInputs();
+  EXPECT_EQ(listed(drill->InputCells()), "A1");
+}
+
+/// Nobody may hold a circle of parts once the client has let go; the leak check of the sanitized
+/// build looks at the rest.
+TEST(CircularGraphs, AreReleasedWithTheirDrill) {
+  Books books("A1==B1+C1; B1==A1; C1==B1+D1; D1==IF(A1>0,C1,E1); E1=0");
+  ModelPart* part = nullptr;
+  Ref<ModelParts> kept;
+  {
+    const auto drill = drill_from(books, "A1", {.ParseIf = 1, .ShowZeros = false});
+    drill->put_MaximumDepth(9);
+    drill->DrillHere();
+    kept = drill->StartModelPart()->DirectPrecedents();
+    part = kept->Item(1).get();
+  }
+  EXPECT_TRUE(part->DirectPrecedents());  // the client still holds a list
+  const Ref<ModelPart> last(part);
+  kept = nullptr;
+  make_ref<DrillDown>();
+  EXPECT_TRUE(last->DirectPrecedents());
+}
+
+}  // namespace
+}  // namespace qto::test
