@@ -32,14 +32,14 @@ void Drill::subscribe() {
 void Drill::run(const Ref<Object>& start) {
   const Interrupt listening;
   engine_->putref_StartUnderlyingObject(start);
-  switch (arguments_.operation) {
-    case Operation::inputs:
-      return engine_->FindInputs();
-    case Operation::errors:
-      return engine_->TraceError();
-    default:
-      return engine_->DrillHere();
-  }
+  if (arguments_.operation == Operation::inputs)
+    engine_->FindInputs();
+  else if (arguments_.operation == Operation::errors)
+    engine_->TraceError();
+  else
+    engine_->DrillHere();
+  // Also when it came with the last item, at a question that stayed without an answer.
+  interrupted_ = Interrupt::raised();
 }
 
 void parse_only(const Ref<ModelPart>& part) {
