@@ -71,11 +71,32 @@ TEST(CircularReferencesTest, Scenarios) {
       {{{"A1", "LET(x,B1,x+A2)"}, {"A2", "A1"}}, "Sheet1!A1"},
       {{{"A1", "SUM(A2#)"}, {"A2", "A1"}}, "Sheet1!A1"},
       {{{"A1", "(A2:A3,B1)"}, {"B1", "A1"}}, "Sheet1!A1"},
+      // A lookup reads its keys and one cell.
+      {{{"B2", "VLOOKUP(1,A1:C9,3)"}, {"A1", "1"}}, ""},
+      {{{"C2", "VLOOKUP(1,A1:C9,3)"}, {"A1", "1"}}, ""},
+      {{{"A2", "VLOOKUP(1,A1:C9,3)"}}, "Sheet1!A2"},
+      {{{"B3", "HLOOKUP(1,A1:C9,3)"}}, ""},
+      {{{"B1", "HLOOKUP(1,A1:C9,3)"}}, "Sheet1!B1"},
+      {{{"B3", "XLOOKUP(1,A1:A9,B1:B9)"}}, ""},
       {{{"A1", "[1]Sheet1!A1+Nothing!A1+#REF!"}}, ""},
       {{{"A1", "A1("}}, ""},
   };
   for (const auto& row : rows)
     EXPECT_EQ(circular(row.formulas), row.expected) << row.formulas.begin()->text;
+}
+
+TEST(CircularReferencesTest, WhatALookupReadsDependsOnTheValues) {
+  TextBook book;
+  book.value("A1", 10.0);
+  book.value("A2", 20.0);
+  book.formula("C2", "VLOOKUP(B9,A1:C9,3,FALSE)");
+  book.formula("D2", "INDEX(D1:D9,B9/10)");
+  book.value("B9", 10.0);
+  EXPECT_EQ(circular(book.book), "");
+  book.value("B9", 20.0);
+  EXPECT_EQ(circular(book.book), "Sheet1!C2");
+  book.book.find_sheet("Sheet1")->cells.set_formula({2, 3}, 0);
+  EXPECT_EQ(circular(book.book), "Sheet1!D2");
 }
 
 TEST(CircularReferencesTest, ThroughNames) {

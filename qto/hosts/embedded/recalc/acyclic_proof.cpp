@@ -92,7 +92,7 @@ class Proof {
       pairs += items.size() * groups_.size();
       if (pairs > most_pairs) return false;
       for (std::size_t i = 0; i < items.size(); i += 1 + std::size_t{items[i].meets})
-        if (!items[i].watched_only && !list_sources(reader, items[i])) return false;
+        if (!list_sources(reader, items[i])) return false;
     }
     return true;
   }

@@ -5,8 +5,8 @@
 namespace qto::embedded {
 
 /// True when it can be told from the shapes of the formulas alone that no cell reads itself: groups
-/// of cells read each other in one direction only, or read what lies before them. False means
-/// nothing: the cells have to be looked at.
+/// of cells read each other in one direction only, or read what lies before them. What is only
+/// watched counts as read. False means nothing: the cells have to be looked at.
 bool proven_acyclic(FormulaGraph& graph);
 
 }  // namespace qto::embedded

@@ -20,6 +20,7 @@ constexpr Row rows[] = {
     {"COLUMN", SpecialFunction::looks_at_address},
     {"COLUMNS", SpecialFunction::looks_at_address},
     {"FORMULATEXT", SpecialFunction::looks_at_formula},
+    {"HLOOKUP", SpecialFunction::table_row},
     {"IF", SpecialFunction::condition},
     {"IFERROR", SpecialFunction::catch_error},
     {"IFNA", SpecialFunction::catch_error},
@@ -29,6 +30,7 @@ constexpr Row rows[] = {
     {"ISREF", SpecialFunction::looks_at_address},
     {"LAMBDA", SpecialFunction::lambda},
     {"LET", SpecialFunction::bind_names},
+    {"LOOKUP", SpecialFunction::result_vector},
     {"OFFSET", SpecialFunction::offset},
     {"ROW", SpecialFunction::looks_at_address},
     {"ROWS", SpecialFunction::looks_at_address},
@@ -36,6 +38,8 @@ constexpr Row rows[] = {
     {"SHEETS", SpecialFunction::looks_at_address},
     {"SUMIF", SpecialFunction::sum_range_if},
     {"SWITCH", SpecialFunction::selection},
+    {"VLOOKUP", SpecialFunction::table_column},
+    {"XLOOKUP", SpecialFunction::result_vector},
 };
 static_assert(std::ranges::is_sorted(rows, std::less{}, &Row::name));
 

@@ -21,14 +21,17 @@ enum class SpecialFunction : std::uint8_t {
   offset,
   cell,
   index,
-  choice,        ///< CHOOSE: the arguments after the first are handed on
-  condition,     ///< IF: the same
-  conditions,    ///< IFS: every second argument is handed on
-  selection,     ///< SWITCH
-  catch_error,   ///< IFERROR, IFNA: the second argument is handed on
-  bind_names,    ///< LET: names and values, then the result
-  lambda,        ///< LAMBDA: names, then the body
-  sum_range_if,  ///< SUMIF, AVERAGEIF: the third argument takes the shape of the first
+  choice,         ///< CHOOSE: the arguments after the first are handed on
+  condition,      ///< IF: the same
+  conditions,     ///< IFS: every second argument is handed on
+  selection,      ///< SWITCH
+  catch_error,    ///< IFERROR, IFNA: the second argument is handed on
+  bind_names,     ///< LET: names and values, then the result
+  lambda,         ///< LAMBDA: names, then the body
+  table_column,   ///< VLOOKUP: reads the first column of its table and one cell
+  table_row,      ///< HLOOKUP: the first row
+  result_vector,  ///< LOOKUP, XLOOKUP: one cell of the third argument is read
+  sum_range_if,   ///< SUMIF, AVERAGEIF: the third argument takes the shape of the first
 };
 
 SpecialFunction special_function(std::string_view name) noexcept;

@@ -16,8 +16,8 @@ Calculation::Calculation(const std::vector<Book*>& books, const OpenBooks& open,
       search_(graph_, *this, selection(books)),
       evaluator_(*this, functions::registry()) {}
 
-ChangedCells Calculation::changes_of(const FormulaGraph& graph, const std::vector<Book*>& books) {
-  ChangedCells changed(graph);
+MarkedCells Calculation::changes_of(const FormulaGraph& graph, const std::vector<Book*>& books) {
+  MarkedCells changed(graph);
   for (const Book* book : books)
     for (const CellAddress& cell : book->pending()) changed.add({cell.sheet, Rect::cell(cell.pos)});
   return changed;

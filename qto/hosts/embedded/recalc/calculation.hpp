@@ -5,9 +5,9 @@
 
 #include "qto/hosts/embedded/evaluate/environment.hpp"
 #include "qto/hosts/embedded/evaluate/evaluator.hpp"
-#include "qto/hosts/embedded/recalc/changed_cells.hpp"
 #include "qto/hosts/embedded/recalc/component_search.hpp"
 #include "qto/hosts/embedded/recalc/formula_graph.hpp"
+#include "qto/hosts/embedded/recalc/marked_cells.hpp"
 
 namespace qto::embedded {
 
@@ -27,7 +27,7 @@ class Calculation final : private ComponentVisitor, private Environment {
   double now() const override { return now_; }
   double random() override;
 
-  static ChangedCells changes_of(const FormulaGraph& graph, const std::vector<Book*>& books);
+  static MarkedCells changes_of(const FormulaGraph& graph, const std::vector<Book*>& books);
   FormulaSelection selection(const std::vector<Book*>& books);
   bool must_evaluate(const FormulaNode& node);
   bool reads_a_change(const FormulaNode& node);
@@ -37,7 +37,7 @@ class Calculation final : private ComponentVisitor, private Environment {
   const OpenBooks& open_;
   double now_;
   FormulaGraph graph_;
-  ChangedCells changed_;
+  MarkedCells changed_;
   ComponentSearch search_;  // of the formulas that the changes may reach
   Evaluator evaluator_;
   std::vector<Area> unsettled_;  // blocks that the evaluation under way would have to wait for

@@ -2,18 +2,58 @@
 
 #include <algorithm>
 
+#include "qto/hosts/embedded/recalc/accessed_areas.hpp"
 #include "qto/hosts/embedded/recalc/acyclic_proof.hpp"
 #include "qto/hosts/embedded/recalc/component_search.hpp"
 
 namespace qto::embedded {
 namespace {
 
+/// The cells that would lie on a cycle if formulas read all that they watch.
+class Suspects : public ComponentVisitor {
+ public:
+  explicit Suspects(FormulaGraph& graph) : graph_(graph), cells_(graph) {
+    ComponentSearch(graph, *this, FormulaSelection::everything(), WatchedItems::read).run();
+  }
+
+  bool none() const noexcept { return cells_.none(); }
+  const FormulaSelection& formulas() const noexcept { return formulas_; }
+  bool contain(const FormulaNode& node) const {
+    return cells_.touch({&graph_.sheet(node.sheet), Rect::cell(node.at)});
+  }
+
+ private:
+  void settle(const FormulaNode&, std::vector<Area>&) override {}
+  void cycle(std::span<const FormulaNode> nodes) override {
+    for (const FormulaNode& node : nodes) {
+      cells_.add({&graph_.sheet(node.sheet), Rect::cell(node.at)});
+      formulas_.add(node);
+    }
+  }
+
+  FormulaGraph& graph_;
+  MarkedCells cells_;
+  FormulaSelection formulas_;
+};
+
+/// Collects the cycles. What a suspect reads of the cells that it watches turns out in evaluation.
 class CycleCollector : public ComponentVisitor {
  public:
-  CycleCollector(const FormulaGraph& graph, std::unordered_map<const Sheet*, CellPos>& first)
-      : graph_(graph), first_(first) {}
+  CycleCollector(FormulaGraph& graph, const Suspects& suspects,
+                 std::unordered_map<const Sheet*, CellPos>& first)
+      : graph_(graph), suspects_(suspects), accessed_(graph), evaluated_(graph), first_(first) {}
 
-  void settle(const FormulaNode&, std::vector<Area>&) override {}
+ private:
+  void settle(const FormulaNode& node, std::vector<Area>& waits) override {
+    const std::vector<Precedent>& items = graph_.precedents(node).items;
+    const auto watched = [](const Precedent& item) { return item.watched_only; };
+    if (std::none_of(items.begin(), items.end(), watched) || !suspects_.contain(node)) return;
+    const Area cell{&graph_.sheet(node.sheet), Rect::cell(node.at)};
+    if (evaluated_.touch(cell)) return;
+    evaluated_.add(cell);
+    accessed_.list(node, waits);
+  }
+
   void cycle(std::span<const FormulaNode> nodes) override {
     for (const FormulaNode& node : nodes) {
       const auto [entry, added] = first_.try_emplace(&graph_.sheet(node.sheet), node.at);
@@ -21,8 +61,10 @@ class CycleCollector : public ComponentVisitor {
     }
   }
 
- private:
-  const FormulaGraph& graph_;
+  FormulaGraph& graph_;
+  const Suspects& suspects_;
+  AccessedAreas accessed_;
+  MarkedCells evaluated_;
   std::unordered_map<const Sheet*, CellPos>& first_;
 };
 
@@ -31,8 +73,10 @@ class CycleCollector : public ComponentVisitor {
 CircularReferences::CircularReferences(const Book& book) {
   FormulaGraph graph({&book});
   if (proven_acyclic(graph)) return;
-  CycleCollector collector(graph, first_);
-  ComponentSearch(graph, collector).run();
+  const Suspects suspects(graph);
+  if (suspects.none()) return;
+  CycleCollector collector(graph, suspects, first_);
+  ComponentSearch(graph, collector, suspects.formulas()).run();
 }
 
 std::optional<CellPos> CircularReferences::first_on(const Sheet& sheet) const {

@@ -9,7 +9,8 @@ namespace qto::embedded {
 
 /// The cells of a book that lie on a cycle of references: a cell that reads itself, directly or
 /// through other cells, names, blocks or sheets. A cell that only reads from a cycle is not on it.
-/// True for the state of the book that it was made from.
+/// Of the blocks in which INDEX and the lookup functions find their result the cells count that
+/// they read with the present values. True for the state of the book that it was made from.
 class CircularReferences {
  public:
   explicit CircularReferences(const Book& book);

@@ -5,8 +5,11 @@
 namespace qto::embedded {
 
 ComponentSearch::ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor,
-                                 const FormulaSelection& selection)
-    : graph_(graph), visitor_(visitor), sheets_(graph.sheet_count()) {
+                                 const FormulaSelection& selection, WatchedItems watched)
+    : graph_(graph),
+      visitor_(visitor),
+      reads_watched_(watched == WatchedItems::read),
+      sheets_(graph.sheet_count()) {
   for (std::uint32_t number = 0; number < graph.sheet_count(); ++number) collect(number, selection);
 }
 
@@ -60,7 +63,7 @@ bool ComponentSearch::advance(Frame& frame) {
   Sheet& sheet = graph_.sheet(frame.node.sheet);
   while (frame.item < items.size()) {
     std::size_t next = frame.item;
-    if (items[frame.item].watched_only) {
+    if (items[frame.item].watched_only && !reads_watched_) {
       frame.item += 1 + std::size_t{items[next].meets};
       continue;
     }

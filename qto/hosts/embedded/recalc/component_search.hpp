@@ -21,6 +21,9 @@ class ComponentVisitor {
   virtual void cycle(std::span<const FormulaNode> nodes) = 0;
 };
 
+/// What a search does with items of which evaluation reads a part only.
+enum class WatchedItems { passed_over, read };
+
 /// Goes through all formula cells of a graph, what is read before what reads it, and finds the
 /// cycles: strongly connected components by depth, without recursion. A block that a formula reads
 /// leads to its formula cells through sets of bits, so every cell is entered once and a block costs
@@ -29,7 +32,8 @@ class ComponentSearch {
  public:
   /// Formulas that are not in the selection count as settled.
   ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor,
-                  const FormulaSelection& selection = FormulaSelection::everything());
+                  const FormulaSelection& selection = FormulaSelection::everything(),
+                  WatchedItems watched = WatchedItems::passed_over);
   void run();
   /// True when the block holds formula cells that are not settled yet.
   bool unsettled(const Area& area) const noexcept;
@@ -79,6 +83,7 @@ class ComponentSearch {
 
   FormulaGraph& graph_;
   ComponentVisitor& visitor_;
+  bool reads_watched_;
   std::vector<SheetState> sheets_;
   std::deque<Frame> path_;
   std::vector<FormulaNode> stack_;  // nodes whose component is not complete

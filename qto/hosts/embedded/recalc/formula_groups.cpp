@@ -56,7 +56,7 @@ Interval enclosing(Interval a, Interval b) noexcept {
 
 class AffectedSearch {
  public:
-  AffectedSearch(FormulaGraph& graph, const ChangedCells& changed)
+  AffectedSearch(FormulaGraph& graph, const MarkedCells& changed)
       : graph_(graph), groups_(list_groups(graph)) {
     for (FormulaGroup& group : groups_) {
       const PrecedentList& list = graph.precedents(group.node);
@@ -84,7 +84,7 @@ class AffectedSearch {
     spread_.push_back(&group);
   }
 
-  bool may_read(const FormulaGroup& group, const PrecedentList& list, const ChangedCells& changed) {
+  bool may_read(const FormulaGroup& group, const PrecedentList& list, const MarkedCells& changed) {
     if (changed.touch({&graph_.sheet(group.node.sheet), group.box})) return true;
     return std::any_of(list.items.begin(), list.items.end(), [&](const Precedent& item) {
       const auto place = footprint(item, group, graph_);
@@ -143,7 +143,7 @@ std::optional<Footprint> footprint(const Precedent& item, const FormulaGroup& gr
   return Footprint{sheet, {{rows.first, columns.first}, {rows.last, columns.last}}};
 }
 
-FormulaSelection affected_formulas(FormulaGraph& graph, const ChangedCells& changed) {
+FormulaSelection affected_formulas(FormulaGraph& graph, const MarkedCells& changed) {
   return AffectedSearch(graph, changed).run();
 }
 

@@ -3,8 +3,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "qto/hosts/embedded/recalc/changed_cells.hpp"
 #include "qto/hosts/embedded/recalc/formula_graph.hpp"
+#include "qto/hosts/embedded/recalc/marked_cells.hpp"
 
 namespace qto::embedded {
 
@@ -50,6 +50,6 @@ class FormulaSelection {
 
 /// The formulas that may depend on the changed cells, and all that change by themselves. Where
 /// finding out would cost more than it saves, everything.
-FormulaSelection affected_formulas(FormulaGraph& graph, const ChangedCells& changed);
+FormulaSelection affected_formulas(FormulaGraph& graph, const MarkedCells& changed);
 
 }  // namespace qto::embedded

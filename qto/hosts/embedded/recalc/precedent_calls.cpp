@@ -32,6 +32,8 @@ void PrecedentWalk::visit_call(const Part& part) {
     bind_locals(part);
   const bool fixed_index = function == SpecialFunction::index && visit_fixed_index(part);
   if (function == SpecialFunction::sum_range_if) visit_sum_range(part);
+  if (function == SpecialFunction::table_column || function == SpecialFunction::table_row)
+    visit_table(part, function);
   std::vector<Part> arguments;
   int position = 0;
   for (NodeIndex child = node.first_child; child != no_node; child = part.tree->at(child).next) {
@@ -87,6 +89,12 @@ Use PrecedentWalk::special_use(const Part& call, int position, SpecialFunction f
           text::equal_ascii_nocase(text, "contents") || text::equal_ascii_nocase(text, "type");
       return reads ? Use::full : Use::address;
     }
+    case SpecialFunction::table_column:
+    case SpecialFunction::table_row:
+      return position == 1 ? Use::watched : Use::single;
+    case SpecialFunction::result_vector:
+      if (position == 1) return Use::full;
+      return position == 2 ? Use::watched : Use::single;
     case SpecialFunction::sum_range_if:
       return position == 1 ? Use::single : position == 0 ? Use::full : Use::watched;
     case SpecialFunction::bind_names:
@@ -119,6 +127,27 @@ bool PrecedentWalk::visit_fixed_index(const Part& call) {
   cell.last_column = cell.first_column;
   add(cell, found->sheet, call.use);
   return true;
+}
+
+/// The keys of a table are read, wherever the result comes from.
+void PrecedentWalk::visit_table(const Part& call, SpecialFunction function) {
+  if (call.at().child_count < 2) return;
+  const NodeIndex table = call.tree->at(call.at().first_child).next;
+  const auto found = leaf(call.child(table, Use::full));
+  if (!found || found->area.shape == AreaShape::cell) {
+    push(call.child(table, Use::full));
+    return;
+  }
+  AreaRef keys = found->area;
+  const bool in_column = function == SpecialFunction::table_column;
+  if (in_column && distance(keys.first_column, keys.last_column)) {
+    keys.last_column = keys.first_column;
+    if (keys.shape == AreaShape::rows) keys.shape = AreaShape::area;
+  } else if (!in_column && distance(keys.first_row, keys.last_row)) {
+    keys.last_row = keys.first_row;
+    if (keys.shape == AreaShape::columns) keys.shape = AreaShape::area;
+  }
+  add(keys, found->sheet, Use::full);
 }
 
 /// The block that is added up has the shape of the one that is tested, whatever its own.

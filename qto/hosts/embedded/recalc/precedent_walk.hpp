@@ -54,6 +54,7 @@ class PrecedentWalk {
                 const FunctionSpec* spec) const;
   Use special_use(const Part& call, int position, SpecialFunction function) const;
   bool visit_fixed_index(const Part& call);
+  void visit_table(const Part& call, SpecialFunction function);
   void visit_sum_range(const Part& call);
   void push(const Part& part) { work_.push_back(part); }
 

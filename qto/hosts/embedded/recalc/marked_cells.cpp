@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/recalc/changed_cells.hpp"
+#include "qto/hosts/embedded/recalc/marked_cells.hpp"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@ namespace {
 constexpr std::int64_t most_single_cells = 65'536;
 }
 
-void ChangedCells::add(const Area& area) {
+void MarkedCells::add(const Area& area) {
   const auto number = graph_.number_of(*area.sheet);
   if (!number) return;
   none_ = false;
@@ -17,7 +17,7 @@ void ChangedCells::add(const Area& area) {
     sheets_[*number].insert(area.rect);
 }
 
-bool ChangedCells::touch(const Area& area) const noexcept {
+bool MarkedCells::touch(const Area& area) const noexcept {
   const auto number = graph_.number_of(*area.sheet);
   if (!number) return false;
   return sheets_[*number].touches(area.rect) ||

@@ -7,10 +7,10 @@
 
 namespace qto::embedded {
 
-/// The cells of a graph whose values have changed.
-class ChangedCells {
+/// Some cells of a graph, as those whose values have changed.
+class MarkedCells {
  public:
-  explicit ChangedCells(const FormulaGraph& graph) : graph_(graph), sheets_(graph.sheet_count()) {}
+  explicit MarkedCells(const FormulaGraph& graph) : graph_(graph), sheets_(graph.sheet_count()) {}
 
   /// Blocks on sheets that are not in the graph are left out.
   void add(const Area& area);
