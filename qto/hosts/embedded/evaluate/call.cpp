@@ -10,19 +10,22 @@ namespace qto::embedded {
 
 namespace {
 
+constexpr bool is_strict(Parameter kind) {
+  return kind == Parameter::strict_number || kind == Parameter::strict_value;
+}
+
 constexpr bool wants_single_value(Parameter kind) { return kind <= Parameter::any; }
 
 /// Makes a single value what its parameter wants; gives the error that ends the call.
 std::optional<ErrorValue> coerce(Parameter kind, Operand& operand, Context& context) {
-  if (operand.is_missing() && kind == Parameter::strict_number) return ErrorValue::na;
+  if (operand.is_missing() && is_strict(kind)) return ErrorValue::na;
   if (operand.is_missing() || kind == Parameter::any) return std::nullopt;
   const Variant& held = *operand.value();
   const ValueView value = view_of(held);
   if (value.is_error()) return value.error();
+  if (is_strict(kind) && value.is_boolean()) return ErrorValue::value;
   switch (kind) {
     case Parameter::strict_number:
-      if (value.is_boolean()) return ErrorValue::value;
-      [[fallthrough]];
     case Parameter::number: {
       if (held.get_if<double>()) return std::nullopt;
       const auto number = to_number(value, context.dates());
@@ -143,8 +146,7 @@ Operand run_function(const FunctionSpec& spec, Context& context, std::span<Opera
       many = true;
     } else if (operand.is_reference()) {
       const Area* area = operand.area();
-      if (kind == Parameter::strict_number && area && !area->rect.is_cell())
-        return ErrorValue::value;
+      if (is_strict(kind) && area && !area->rect.is_cell()) return ErrorValue::value;
       if (array && area && !area->rect.is_cell())
         many = true;
       else

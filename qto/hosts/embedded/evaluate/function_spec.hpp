@@ -22,6 +22,7 @@ enum class Parameter : std::uint8_t {
   number,         ///< a value, made a number
   strict_number,  ///< the same, but Booleans and blocks of cells are refused with #VALUE!, and a
                   ///< blank argument is #N/A
+  strict_value,   ///< a value as it is, with the same refusals
   text,           ///< a value, made a text
   logical,        ///< a value, made a Boolean
   value,          ///< a value as it is; an error becomes the result

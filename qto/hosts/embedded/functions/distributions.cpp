@@ -142,9 +142,8 @@ Operand fn_betadist(Call& call) { return beta_value(call, beta_of(call, 3), true
 Operand fn_beta_inv(Call& call) {
   const Beta beta = beta_of(call, 3);
   const double p = call.number(0);
-  if (!beta.valid() || p <= 0 || p > 1) return ErrorValue::num;
-  const double t =
-      p == 1 ? 1 : invert_rising([&](double x) { return beta_i(x, beta.a, beta.b); }, p, 0, 1);
+  if (!beta.valid() || p <= 0 || p >= 1) return ErrorValue::num;
+  const double t = invert_rising([&](double x) { return beta_i(x, beta.a, beta.b); }, p, 0, 1);
   return beta.low + t * (beta.high - beta.low);
 }
 

@@ -34,5 +34,10 @@ std::span<const FunctionSpec> array_functions();
 std::span<const FunctionSpec> array_shape_functions();
 std::span<const FunctionSpec> number_base_functions();
 std::span<const FunctionSpec> distribution_functions();
+std::span<const FunctionSpec> sample_test_functions();
+std::span<const FunctionSpec> complex_functions();
+std::span<const FunctionSpec> text_part_functions();
+std::span<const FunctionSpec> text_pattern_functions();
+std::span<const FunctionSpec> depreciation_functions();
 
 }  // namespace qto::embedded::functions

@@ -55,13 +55,8 @@ Operand write(Call& call, double number, const Base& base) {
   return std::string(static_cast<std::size_t>(places) - text.size(), '0') + text;
 }
 
-/// The text of a first argument that is to be read as digits; Booleans are refused.
-Outcome<std::string> digits_of(Call& call) {
-  const ValueView value = call.value(0);
-  if (!call.given(0)) return ErrorValue::na;
-  if (value.is_boolean()) return ErrorValue::value;
-  return to_text(value);
-}
+/// The text of a first argument that is to be read as digits.
+Outcome<std::string> digits_of(Call& call) { return to_text(call.value(0)); }
 
 template <const Base& from, const Base& to>
 Operand fn_convert(Call& call) {
@@ -214,12 +209,12 @@ constexpr FunctionSpec table[] = {
      "=ARABIC(\"MCMXII\")", "1912"},
     {"BASE", 2, 3, plain, {number}, fn_base, "number, radix, [length]", "a number in another base",
      "=BASE(7,2,4)", "0111"},
-    {"BIN2DEC", 1, 1, plain, {value}, fn_to_decimal<binary>, "number", "a binary number as decimal",
-     "=BIN2DEC(\"1111111111\")", "-1"},
-    {"BIN2HEX", 1, 2, plain, {value, strict_number}, fn_convert<binary, hexadecimal>,
+    {"BIN2DEC", 1, 1, plain, {strict_value}, fn_to_decimal<binary>, "number",
+     "a binary number as decimal", "=BIN2DEC(\"1111111111\")", "-1"},
+    {"BIN2HEX", 1, 2, plain, {strict_value, strict_number}, fn_convert<binary, hexadecimal>,
      "number, [places]", "a binary number as hexadecimal", "=BIN2HEX(1110,3)", "00E"},
-    {"BIN2OCT", 1, 2, plain, {value, strict_number}, fn_convert<binary, octal>, "number, [places]",
-     "a binary number as octal", "=BIN2OCT(1001)", "11"},
+    {"BIN2OCT", 1, 2, plain, {strict_value, strict_number}, fn_convert<binary, octal>,
+     "number, [places]", "a binary number as octal", "=BIN2OCT(1001)", "11"},
     {"BITAND", 2, 2, plain, {number}, fn_bits<bit_and>, "number1, number2",
      "the bits that both numbers have", "=BITAND(13,25)", "9"},
     {"BITLSHIFT", 2, 2, plain, {number}, fn_shift<1>, "number, shift", "the bits moved to the left",
@@ -242,17 +237,17 @@ constexpr FunctionSpec table[] = {
      "1 when both numbers are equal, otherwise 0", "=DELTA(5,5)", "1"},
     {"GESTEP", 1, 2, plain, {strict_number}, fn_gestep, "number, [step]",
      "1 when the number is not below the step, otherwise 0", "=GESTEP(5,4)", "1"},
-    {"HEX2BIN", 1, 2, plain, {value, strict_number}, fn_convert<hexadecimal, binary>,
+    {"HEX2BIN", 1, 2, plain, {strict_value, strict_number}, fn_convert<hexadecimal, binary>,
      "number, [places]", "a hexadecimal number as binary", "=HEX2BIN(\"F\",8)", "00001111"},
-    {"HEX2DEC", 1, 1, plain, {value}, fn_to_decimal<hexadecimal>, "number",
+    {"HEX2DEC", 1, 1, plain, {strict_value}, fn_to_decimal<hexadecimal>, "number",
      "a hexadecimal number as decimal", "=HEX2DEC(\"A5\")", "165"},
-    {"HEX2OCT", 1, 2, plain, {value, strict_number}, fn_convert<hexadecimal, octal>,
+    {"HEX2OCT", 1, 2, plain, {strict_value, strict_number}, fn_convert<hexadecimal, octal>,
      "number, [places]", "a hexadecimal number as octal", "=HEX2OCT(\"F\",3)", "017"},
-    {"OCT2BIN", 1, 2, plain, {value, strict_number}, fn_convert<octal, binary>, "number, [places]",
-     "an octal number as binary", "=OCT2BIN(3,3)", "011"},
-    {"OCT2DEC", 1, 1, plain, {value}, fn_to_decimal<octal>, "number", "an octal number as decimal",
-     "=OCT2DEC(54)", "44"},
-    {"OCT2HEX", 1, 2, plain, {value, strict_number}, fn_convert<octal, hexadecimal>,
+    {"OCT2BIN", 1, 2, plain, {strict_value, strict_number}, fn_convert<octal, binary>,
+     "number, [places]", "an octal number as binary", "=OCT2BIN(3,3)", "011"},
+    {"OCT2DEC", 1, 1, plain, {strict_value}, fn_to_decimal<octal>, "number",
+     "an octal number as decimal", "=OCT2DEC(54)", "44"},
+    {"OCT2HEX", 1, 2, plain, {strict_value, strict_number}, fn_convert<octal, hexadecimal>,
      "number, [places]", "an octal number as hexadecimal", "=OCT2HEX(100,4)", "0040"},
     {"ROMAN", 1, 2, plain, {number, value}, fn_roman, "number, [form]", "a Roman numeral",
      "=ROMAN(499,4)", "ID"},

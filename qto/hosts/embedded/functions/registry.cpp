@@ -33,6 +33,11 @@ std::span<const Family> families() {
       {"Shapes of arrays", array_shape_functions()},
       {"Number bases and bits", number_base_functions()},
       {"Distributions", distribution_functions()},
+      {"Tests of samples", sample_test_functions()},
+      {"Complex numbers", complex_functions()},
+      {"Parts of text", text_part_functions()},
+      {"Patterns", text_pattern_functions()},
+      {"Depreciation", depreciation_functions()},
   };
   return all;
 }
