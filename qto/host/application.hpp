@@ -45,8 +45,10 @@ class Application : public HostObject {
   virtual void Goto(const Ref<Range>& reference, bool scroll) = 0;
   /// The common cells, or null.
   virtual Ref<Range> Intersect(const Ref<Range>& a, const Ref<Range>& b) = 0;
+  /// Relative references count from the first cell of `relative_to`; null: from the active cell.
   virtual std::string ConvertFormula(std::string_view formula, std::int32_t from_style,
-                                     std::int32_t to_style) = 0;
+                                     std::int32_t to_style,
+                                     const Ref<Range>& relative_to = nullptr) = 0;
   virtual Ref<host::WorksheetFunction> WorksheetFunction() = 0;
   /// Probe: a name of the active workbook, as a formula on the active sheet sees it.
   virtual Ref<DefinedName> find_name(std::string_view name) = 0;

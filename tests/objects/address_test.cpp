@@ -130,6 +130,7 @@ TEST(Address, ConvertFormulaBetweenStyles) {
   EXPECT_FAILS(to_a1("R1C20000"));
   EXPECT_EQ(desk.app->ConvertFormula("=$A$1+B4", host::xlA1, host::xlR1C1), "=R1C1+R[-1]C");
   EXPECT_EQ(desk.app->ConvertFormula("A1", host::xlA1, host::xlA1), "A1");
+  EXPECT_EQ(desk.app->ConvertFormula("RC[-1]", host::xlR1C1, host::xlA1, desk.at("D9:E10")), "C9");
 }
 
 }  // namespace

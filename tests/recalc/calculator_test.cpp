@@ -219,6 +219,24 @@ TEST_F(CalculatorTest, UnknownFunctionsKeepTheirValueUntilTheirSourcesChange) {
   EXPECT_EQ(book_.shown("A2"), "#NAME?");
 }
 
+TEST_F(CalculatorTest, WhatCannotBeReachedKeepsItsValue) {
+  ExternalBook application;
+  application.kind = ExternalBook::Kind::dde;
+  application.application = "App";
+  application.document = "doc";
+  book_.book.externals.push_back(application);
+  book_.formula("A1", "[1]!item");
+  book_.formula("A2", "SUM([Other.xlsx]Sheet1!A1:B1)");
+  book_.formula("A3", "A1+A2");
+  plant("A1", 5.0);
+  plant("A2", 30.0);
+  book_.book.everything_changed();
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "5");
+  EXPECT_EQ(book_.shown("A2"), "30");
+  EXPECT_EQ(book_.shown("A3"), "35");
+}
+
 TEST_F(CalculatorTest, ThroughTablesSpansAndSumIf) {
   Table table;
   table.name = "T";

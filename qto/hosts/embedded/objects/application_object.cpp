@@ -7,6 +7,7 @@
 #include "qto/hosts/embedded/formats/serial_date.hpp"
 #include "qto/hosts/embedded/objects/chart_selection.hpp"
 #include "qto/hosts/embedded/objects/convert_reference.hpp"
+#include "qto/hosts/embedded/objects/evaluation.hpp"
 #include "qto/hosts/embedded/objects/link_values.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
@@ -91,8 +92,11 @@ Ref<host::Range> ApplicationObject::Intersect(const Ref<host::Range>& a,
 }
 
 std::string ApplicationObject::ConvertFormula(std::string_view formula, std::int32_t from_style,
-                                              std::int32_t to_style) {
-  const CellPos at = active_ ? active_->active_cell() : CellPos{};
+                                              std::int32_t to_style,
+                                              const Ref<host::Range>& relative_to) {
+  const CellPos at = relative_to ? relative_to->block().first
+                     : active_   ? active_->active_cell()
+                                 : CellPos{};
   if (from_style == to_style) return std::string(formula);
   const bool to_a1 = to_style == host::xlA1;
   auto converted = to_a1 ? a1_from_r1c1(formula, at) : r1c1_from_a1(formula, at);
@@ -155,6 +159,11 @@ void ApplicationObject::calculate() {
   const double moment = now();
   for (const auto& open : books_)
     if (open->book().needs_calculation()) calculator_.calculate(open->book(), moment);
+}
+
+TextEvaluator& ApplicationObject::text_evaluator() {
+  if (!text_evaluator_) text_evaluator_ = std::make_unique<TextEvaluator>(*this);
+  return *text_evaluator_;
 }
 
 double ApplicationObject::now() const {

@@ -15,6 +15,8 @@
 
 namespace qto::embedded {
 
+class TextEvaluator;
+
 /// The application: it owns the open books. Every handle holds it, so the books live until the
 /// client has let go of the last handle.
 class ApplicationObject final : public host::Application, private OpenBooks {
@@ -41,7 +43,7 @@ class ApplicationObject final : public host::Application, private OpenBooks {
   void Goto(const Ref<host::Range>& reference, bool scroll) override;
   Ref<host::Range> Intersect(const Ref<host::Range>& a, const Ref<host::Range>& b) override;
   std::string ConvertFormula(std::string_view formula, std::int32_t from_style,
-                             std::int32_t to_style) override;
+                             std::int32_t to_style, const Ref<host::Range>& relative_to) override;
   Ref<host::WorksheetFunction> WorksheetFunction() override;
   Ref<host::DefinedName> find_name(std::string_view name) override;
   Ref<host::DefinedName> Names(std::string_view name) override;
@@ -60,6 +62,8 @@ class ApplicationObject final : public host::Application, private OpenBooks {
     for (const auto& open : books_)
       if (open->book().needs_calculation()) return calculate();
   }
+
+  TextEvaluator& text_evaluator();
 
   /// The moment of calculation as a serial number of the 1900 system.
   double now() const;
@@ -84,6 +88,7 @@ class ApplicationObject final : public host::Application, private OpenBooks {
   std::vector<std::unique_ptr<OpenBook>> books_;
   OpenBook* active_ = nullptr;
   Calculator calculator_{*this};
+  std::unique_ptr<TextEvaluator> text_evaluator_;  // made when first asked for
   bool screen_updating_ = true;
   bool enable_events_ = true;
   bool display_alerts_ = true;

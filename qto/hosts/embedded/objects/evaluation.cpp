@@ -1,10 +1,8 @@
 #include "qto/hosts/embedded/objects/evaluation.hpp"
 
 #include <algorithm>
-#include <random>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/evaluate/evaluator.hpp"
 #include "qto/hosts/embedded/functions/registry.hpp"
 #include "qto/hosts/embedded/objects/block_values.hpp"
 #include "qto/hosts/embedded/objects/link_formula.hpp"
@@ -36,28 +34,29 @@ Variant variant_of(const ApplicationObject& application, std::span<const Area> a
 
 }  // namespace
 
-OutsideEnvironment::OutsideEnvironment(ApplicationObject& application)
-    : application_(application), now_(application.now()) {}
+TextEvaluator::TextEvaluator(ApplicationObject& application)
+    : application_(application), evaluator_(*this, functions::registry()) {}
 
-Book* OutsideEnvironment::find_open_book(std::string_view name) const {
+Book* TextEvaluator::find_open_book(std::string_view name) const {
   OpenBook* found = application_.find_book(name);
   return found ? &found->book() : nullptr;
 }
 
-double OutsideEnvironment::random() {
-  static std::mt19937_64 generator{std::random_device{}()};
-  return std::uniform_real_distribution<double>(0, 1)(generator);
+double TextEvaluator::now() const {
+  if (!moment_) moment_ = application_.now();
+  return *moment_;
 }
 
-Variant evaluate_text(OpenBook& book, Sheet& sheet, CellPos at, std::string_view text) {
+double TextEvaluator::random() { return std::uniform_real_distribution<double>(0, 1)(random_); }
+
+Variant TextEvaluator::evaluate(OpenBook& book, Sheet& sheet, CellPos at, std::string_view text) {
   const std::string_view body = text::trim(without_equals(text::trim(text)));
   if (body.empty()) return {};
   const auto formula = CompiledFormula::compile(number_known_links(body, book), at);
-  book.application().ensure_calculated();
-  OutsideEnvironment environment(book.application());
-  Evaluator evaluator(environment, functions::registry());
-  const Operand result = evaluator.evaluate(*formula, sheet, at, EvaluationMode::reference);
-  if (result.is_reference()) return variant_of(book.application(), result.areas());
+  application_.ensure_calculated();
+  moment_.reset();
+  const Operand result = evaluator_.evaluate(*formula, sheet, at, EvaluationMode::reference);
+  if (result.is_reference()) return variant_of(application_, result.areas());
   return result.value() ? *result.value() : Variant{};
 }
 

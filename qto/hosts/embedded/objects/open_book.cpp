@@ -72,10 +72,6 @@ void OpenBook::remove_sheet(Sheet& sheet) {
   book_->remove_sheet(sheet);
 }
 
-void OpenBook::renew_stamps() {
-  for (auto& [sheet, slot] : slots_) slot->stamp = next_stamp();
-}
-
 Sheet& OpenBook::active_sheet() const {
   if (active_sheet_) return *active_sheet_;
   for (const auto& sheet : book_->sheets())

@@ -63,8 +63,6 @@ class OpenBook {
   void forget_handle() noexcept { handle_ = nullptr; }
   /// Deletes a sheet; its handles die.
   void remove_sheet(Sheet& sheet);
-  /// Tells that the book's place or name changed: its sheets get new stamps.
-  void renew_stamps();
 
   Sheet& active_sheet() const;
   void set_active_sheet(Sheet& sheet);

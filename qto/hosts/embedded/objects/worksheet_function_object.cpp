@@ -17,7 +17,8 @@ bool append_argument(std::string& out, const Variant& value, const Book& book) {
 }
 
 Variant evaluate_on(const RangeObject& range, std::string_view formula) {
-  return evaluate_text(range.sheet()->open(), range.sheet()->sheet(), {}, formula);
+  OpenBook& book = range.sheet()->open();
+  return book.application().text_evaluator().evaluate(book, range.sheet()->sheet(), {}, formula);
 }
 
 }  // namespace

@@ -112,7 +112,8 @@ Ref<host::Range> WorksheetObject::CircularReference() const {
 Variant WorksheetObject::Evaluate(std::string_view text) const {
   OpenBook& book = open();
   const bool active = &book.active_sheet() == slot_->sheet;
-  return evaluate_text(book, *slot_->sheet, active ? book.active_cell() : CellPos{}, text);
+  const CellPos at = active ? book.active_cell() : CellPos{};
+  return book.application().text_evaluator().evaluate(book, *slot_->sheet, at, text);
 }
 
 std::vector<Ref<host::PivotTable>> WorksheetObject::PivotTables() const {

@@ -86,7 +86,7 @@ bool Calculation::keeps_value(const FormulaNode& node) {
   const Cell* cell = graph_.sheet(node.sheet).cells.find(node.at);
   if (!cell || cell->is_empty()) return false;
   if (graph_.record(node).compiled->broken()) return true;
-  return graph_.precedents(node).unknown_function && !reads_a_change(node);
+  return graph_.precedents(node).cannot_evaluate && !reads_a_change(node);
 }
 
 void Calculation::store(const FormulaNode& node, const Variant& result) {

@@ -16,9 +16,9 @@ class Calculator {
   bool needs_calculation(Book& book) const;
   /// Calculates what depends on the changes of the book and of the open books that it is linked
   /// with, and whatever changes without them (NOW, INDIRECT); a cell that lies on a cycle gets 0.
-  /// Formulas that cannot be parsed, and those with functions nobody knows whose sources did not
-  /// change, keep their values. `now` is the moment of calculation, a serial number of the 1900
-  /// system.
+  /// Formulas that cannot be parsed keep their values; so do those with functions nobody knows or
+  /// references that lead nowhere, as long as none of their other sources changes. `now` is the
+  /// moment of calculation, a serial number of the 1900 system.
   void calculate(Book& book, double now);
 
  private:

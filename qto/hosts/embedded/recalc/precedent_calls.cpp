@@ -26,7 +26,7 @@ void PrecedentWalk::visit_call(const Part& part) {
   const std::string& name = part.tree->texts[node.payload];
   const FunctionSpec* spec = functions_.find(name);
   if (spec && spec->has(changes_always)) list_.is_volatile = true;
-  if (!spec) list_.unknown_function = true;
+  if (!spec) list_.cannot_evaluate = true;
   const SpecialFunction function = special_function(name);
   if (function == SpecialFunction::bind_names || function == SpecialFunction::lambda)
     bind_locals(part);

@@ -74,13 +74,27 @@ const Book* PrecedentWalk::book_of(const Part& part, const SheetQualifier& quali
   return open_ ? open_->find(qualifier.book) : nullptr;
 }
 
+void PrecedentWalk::note_unreachable(const Part& part, const SheetQualifier& qualifier) {
+  const auto& links = part.book->externals;
+  if (qualifier.external > 0) {
+    const bool known = qualifier.external <= links.size();
+    if (known && links[qualifier.external - 1].kind != ExternalBook::Kind::workbook)
+      list_.cannot_evaluate = true;
+    return;
+  }
+  if (std::none_of(links.begin(), links.end(), [&](const ExternalBook& link) {
+        return text::equal_fold(link.name, qualifier.book);
+      }))
+    list_.cannot_evaluate = true;
+}
+
 void PrecedentWalk::visit_area(const Part& part) {
   const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
   const AreaRef& area = part.tree->areas[part.at().payload];
   if (qualifier.broken) return;
   if (!qualifier.present()) return add(area, part.sheet, part.use);
   const Book* book = book_of(part, qualifier);
-  if (!book) return;
+  if (!book) return note_unreachable(part, qualifier);
   if (!qualifier.last_sheet.empty()) return add_span(part, qualifier, *book);
   if (Sheet* sheet = book->find_sheet(qualifier.sheet)) add(area, sheet, part.use);
 }
@@ -97,8 +111,9 @@ void PrecedentWalk::add_span(const Part& part, const SheetQualifier& qualifier, 
 
 void PrecedentWalk::visit_structured(const Part& part) {
   if (part.use == Use::address) return;
-  const Book* book = book_of(part, part.tree->qualifiers[part.at().qualifier]);
-  if (!book) return;
+  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  const Book* book = book_of(part, qualifier);
+  if (!book) return note_unreachable(part, qualifier);
   const StructuredRef& ref = part.tree->structured[part.at().payload];
   Precedent item;
   item.implicit = part.use == Use::single;
@@ -150,10 +165,12 @@ void PrecedentWalk::visit_name(const Part& part) {
     if (names_seen_.insert({name, part.use}).second) push(target);
     return;
   }
+  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  const Book* book = book_of(part, qualifier);
+  if (!book) return note_unreachable(part, qualifier);
   // A table's name alone stands for its data.
-  const Book* book = book_of(part, part.tree->qualifiers[part.at().qualifier]);
   const std::string& text = part.tree->texts[part.at().payload];
-  const Table* table = book && !is_local(part, text) ? book->find_table(text) : nullptr;
+  const Table* table = !is_local(part, text) ? book->find_table(text) : nullptr;
   const auto data = table ? table->data() : std::nullopt;
   if (!data) return;
   add({{data->first.row, true},

@@ -61,6 +61,8 @@ class PrecedentWalk {
   void add(const AreaRef& area, Sheet* sheet, Use use);
   void add_span(const Part& part, const SheetQualifier& qualifier, const Book& book);
   const Book* book_of(const Part& part, const SheetQualifier& qualifier) const;
+  /// For a qualifier whose book is not open.
+  void note_unreachable(const Part& part, const SheetQualifier& qualifier);
   const DefinedName* find_name(const Part& part, Part& target) const;
   std::optional<Leaf> leaf(Part part) const;
   bool is_local(const Part& part, std::string_view name) const;

@@ -31,8 +31,9 @@ struct PrecedentList {
   std::vector<Precedent> items;
   /// The result can change although none of the items does.
   bool is_volatile = false;
-  /// A function is called that nobody can evaluate.
-  bool unknown_function = false;
+  /// It calls a function that nobody knows, or reads from where nothing is remembered: a running
+  /// application, a workbook that is neither open nor one of the file's links.
+  bool cannot_evaluate = false;
 };
 
 /// The references of a formula that stands on `sheet`: through names, spans of sheets and tables,
