@@ -55,7 +55,8 @@ void Parser::parse_indirect(Tokens tokens, std::size_t& position) {
   const std::vector<Tokens> args = get_args(tokens, position);
   std::string target = text_behind(argument_value(args[0]));
   if (args.size() > 1 && !flag_behind(argument_value(args[1])))
-    target = Main::shared_application()->ConvertFormula(target, host::xlR1C1, host::xlA1);
+    target = Main::shared_application()->ConvertFormula(
+        target, host::xlR1C1, host::xlA1, ref_cast<host::Range>(part_->UnderlyingObject()));
   parse_indirect_real(target);
   if (options().ParseIndirect() != qtodrillindirectboth) return;
   for (const Tokens argument : args) {

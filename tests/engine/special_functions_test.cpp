@@ -174,6 +174,7 @@ TEST(IndirectDrilling, FollowsTargetsOrWhatIsWritten) {
             {"=INDIRECT(A9)", "none"},
             {"=INDIRECT(A7)", "none"},
             {"=INDIRECT(\"R5C2\",FALSE)", "B5"},
+            {"=INDIRECT(A4,FALSE)", "Y10"},  // seen from the cell that holds the formula
             {"=INDIRECT(\"R5C2\",B2)", "B5"},
             {"=INDIRECT(A2,TRUE)", "B3"},
         });
