@@ -58,7 +58,7 @@ TEST(KeyedCollection, APassReachesWhatIsAppendedAndNotWhatIsRemoved) {
   for (const char* name : {"a", "b", "c", "d"}) add(items, name);
   std::string seen;
   Items::Pass pass(items);
-  while (Item* item = pass.next()) {
+  for (Ref<Item> item = pass.next(); item; item = pass.next()) {
     seen += item->name;
     if (item->name == "a") {
       items.remove(FoldedKey("a"));  // the one being visited

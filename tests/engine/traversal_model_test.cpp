@@ -30,6 +30,9 @@ class Model {
  public:
   Model(const Graph& graph, const Limits& limits)
       : graph_(graph), limits_(limits), threshold_(limits.items) {}
+  ~Model() {
+    for (const Shared& part : made_) part->list.reset();  // circles hold themselves
+  }
 
   std::string drill_here(int start) {
     const auto part = make(start);
@@ -55,7 +58,8 @@ class Model {
   };
 
   Shared make(int cell) {
-    return std::make_shared<Part>(Part{cell, !graph_[cell].formula, nullptr});
+    made_.push_back(std::make_shared<Part>(Part{cell, !graph_[cell].formula, nullptr}));
+    return made_.back();
   }
   const Cell& at(const Shared& part) const { return graph_[part->cell]; }
 
@@ -151,6 +155,7 @@ class Model {
   int announced_ = 0;
   int depth_ = 0;
   bool exceeded_ = false;
+  std::vector<Shared> made_;
   std::vector<Shared> analysed_;
   std::string log_;
   std::string found_;
