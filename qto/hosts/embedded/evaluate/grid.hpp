@@ -41,6 +41,7 @@ class Grid {
   int stored_columns() const noexcept;
 
  private:
+  static constexpr int stretch_rows = 1024;
   template <class Visit>
   bool visit_column(int column, int first_row, Visit& visit) const;
 
@@ -56,14 +57,20 @@ template <class Visit>
 bool Grid::visit_column(int column, int first_row, Visit& visit) const {
   const CellStore& cells = area_->sheet->cells;
   const CellPos origin = area_->rect.first;
+  const int last = area_->rect.last.row;
   CellPos pos{origin.row + first_row, origin.column + column};
-  while (pos.row <= area_->rect.last.row) {
-    pos = cells.next_in_column(pos, area_->rect.last.row);
-    if (pos.row == 0) return true;
-    if (!visit(pos.row - origin.row, column, view_of(*cells.find(pos), *texts_))) return false;
-    ++pos.row;
+  bool go_on = true;
+  // A stretch at a time: the store's own loop is the fastest, but cannot be stopped.
+  while (go_on && pos.row <= last) {
+    pos = cells.next_in_column(pos, last);
+    if (pos.row == 0) break;
+    const int end = std::min(pos.row + stretch_rows - 1, last);
+    cells.for_each({pos, {end, pos.column}}, [&](CellPos at, const Cell& cell, FormulaId) {
+      if (go_on) go_on = visit(at.row - origin.row, column, view_of(cell, *texts_));
+    });
+    pos.row = end + 1;
   }
-  return true;
+  return go_on;
 }
 
 template <class Visit>

@@ -1,5 +1,7 @@
 #include "qto/hosts/embedded/functions/vector_search.hpp"
 
+#include <algorithm>
+
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/evaluate/compare.hpp"
 
@@ -37,7 +39,10 @@ std::int64_t Vector::next_stored(std::int64_t position) const noexcept {
 
 Wanted::Wanted(const ValueView& value, bool wildcards)
     : value_(value.is_empty() ? ValueView(0.0) : value) {
-  if (!value_.is_text() || !wildcards) return;
+  if (!value_.is_text()) return;
+  ascii_ = std::ranges::all_of(value_.text(),
+                               [](char c) { return static_cast<unsigned char>(c) < 128; });
+  if (!wildcards) return;
   WildcardPattern pattern(value_.text());
   if (pattern.has_wildcards()) {
     pattern_ = std::move(pattern);
@@ -54,18 +59,19 @@ bool Wanted::comparable(const ValueView& value) const noexcept {
 bool Wanted::equals(const ValueView& value) const {
   if (value.type() != value_.type()) return false;
   if (value.is_number()) return value.number() == value_.number();
+  if (!value.is_text()) return !value.is_error() && equal_values(value, value_);
   if (pattern_) return pattern_->matches(value.text());
-  return !value.is_error() && equal_values(value, value_);
+  // Most texts differ in length already; folding changes it beyond ASCII only.
+  if (ascii_ && value.text().size() != value_.text().size()) return false;
+  return equal_values(value, value_);
 }
 
 std::optional<std::int64_t> find_equal(const Vector& vector, const Wanted& wanted, bool last) {
   std::optional<std::int64_t> found;
-  const std::int64_t end = vector.stored();
-  for (std::int64_t i = vector.next_stored(0); i < end; i = vector.next_stored(i + 1)) {
-    if (!wanted.equals(vector.at(i))) continue;
-    found = i;
-    if (!last) break;
-  }
+  vector.for_each([&](std::int64_t position, const ValueView& value) {
+    if (wanted.equals(value)) found = position;
+    return last || !found;
+  });
   return found;
 }
 
@@ -99,16 +105,15 @@ std::optional<std::int64_t> find_nearest(const Vector& vector, const Wanted& wan
                                          bool last) {
   if (const auto equal = find_equal(vector, wanted, last)) return equal;
   std::optional<std::int64_t> best;
-  const std::int64_t end = vector.stored();
-  for (std::int64_t i = vector.next_stored(0); i < end; i = vector.next_stored(i + 1)) {
-    const ValueView value = vector.at(i);
-    if (!wanted.comparable(value)) continue;
+  vector.for_each([&](std::int64_t position, const ValueView& value) {
+    if (!wanted.comparable(value)) return true;
     const int order = compare_values(value, wanted.value());
-    if (above ? order < 0 : order > 0) continue;
+    if (above ? order < 0 : order > 0) return true;
     const int against_best = best ? compare_values(value, vector.at(*best)) : 0;
     const bool better = above ? against_best < 0 : against_best > 0;
-    if (!best || better || (last && against_best == 0)) best = i;
-  }
+    if (!best || better || (last && against_best == 0)) best = position;
+    return true;
+  });
   return best;
 }
 

@@ -20,6 +20,14 @@ class Vector {
     return is_column() ? grid_.at(static_cast<int>(position), 0)
                        : grid_.at(0, static_cast<int>(position));
   }
+  /// Calls visit(position, value) for what is stored, from the start, until it gives false.
+  template <class Visit>
+  void for_each(Visit&& visit) const {
+    if (is_column())
+      grid_.for_each([&](int row, int, const ValueView& value) { return visit(row, value); });
+    else
+      grid_.for_each([&](int, int column, const ValueView& value) { return visit(column, value); });
+  }
   /// The number of positions from the start beyond which all is blank.
   std::int64_t stored() const noexcept;
   /// The first position from `position` on where something may be stored; size() if none.
@@ -43,6 +51,7 @@ class Wanted {
 
  private:
   ValueView value_;
+  bool ascii_ = false;
   std::optional<WildcardPattern> pattern_;
   std::string plain_;
 };
