@@ -61,6 +61,9 @@ class LazyCall {
   bool is_many(const Operand& operand) const noexcept;
   /// The text of an argument that is nothing but a name; "" for any other.
   std::string_view name(int i) const noexcept;
+  /// The function value whose parameters are the arguments before the last, which is its body;
+  /// #VALUE! when a parameter is no plain name.
+  Operand function_value() const;
   /// Makes a name stand for a value until the call ends.
   void bind(std::string_view name, Operand value);
 

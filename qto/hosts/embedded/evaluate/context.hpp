@@ -51,6 +51,9 @@ class Context {
   /// What a reference written in a text denotes (A1 notation, names, tables); an error for a text
   /// that denotes none.
   virtual Operand reference_of(std::string_view text) = 0;
+  /// What a function value gives for the arguments; #VALUE! when the operand is none, or takes
+  /// another number of arguments.
+  virtual Operand apply(const Operand& function, std::span<const Operand> arguments) = 0;
   /// The block that the formula of a cell fills: itself unless it is an array formula.
   Area spill_of(const Area& cell) const;
 

@@ -21,6 +21,8 @@ Variant shown(const ValueView& value) {
 }  // namespace
 
 Operand Evaluator::Impl::settle(const Operand& result, EvaluationMode mode) {
+  // A function that nobody calls has no value to show.
+  if (result.value() && result.value()->is_object()) return ErrorValue::calc;
   if (mode == EvaluationMode::cell) return shown(walker.single(result));
   if (mode == EvaluationMode::array) {
     const Grid grid(walker, result);

@@ -31,6 +31,15 @@ std::string_view LazyCall::name(int i) const noexcept {
   return walker_.tree().texts[node.payload];
 }
 
+Operand LazyCall::function_value() const {
+  std::vector<std::string> parameters;
+  for (int i = 0; i + 1 < count_; ++i) {
+    parameters.emplace_back(name(i));
+    if (parameters.back().empty()) return ErrorValue::value;
+  }
+  return walker_.function_value(std::move(parameters), argument(count_ - 1), array_);
+}
+
 void LazyCall::bind(std::string_view name, Operand value) { walker_.bind(name, std::move(value)); }
 
 }  // namespace qto::embedded

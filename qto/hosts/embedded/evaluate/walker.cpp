@@ -150,7 +150,7 @@ Operand Walker::unary(const Node& node, bool array) {
 
 Operand Walker::call(const Node& node, bool array) {
   const FunctionSpec* spec = functions_.find(tree_->texts[node.payload]);
-  if (!spec) return ErrorValue::name;
+  if (!spec) return call_value(node, array);
   if (node.child_count < spec->min_args || node.child_count > spec->max_args)
     return ErrorValue::value;
   if (spec->has(changes_always)) volatile_ = true;
@@ -176,10 +176,62 @@ Operand Walker::call(const Node& node, bool array) {
   return run_function(*spec, *this, arguments, array);
 }
 
+/// A call of what is no function of the tables: a name whose value is a function.
+Operand Walker::call_value(const Node& node, bool array) {
+  const std::string& name = tree_->texts[node.payload];
+  const Operand* known = local(name);
+  Operand function = known ? *known : defined_name(name, {});
+  if (function.error()) return function;
+  std::vector<Operand> arguments;
+  for (NodeIndex child = node.first_child; child != no_node; child = tree_->at(child).next)
+    arguments.push_back(evaluate(child, array));
+  if (gave_up()) return ErrorValue::na;
+  return apply(function, arguments);
+}
+
+Operand Walker::function_value(std::vector<std::string> parameters, NodeIndex body,
+                               bool array) const {
+  auto function = make_ref<Lambda>();
+  function->parameters = std::move(parameters);
+  function->tree = tree_;
+  function->body = body;
+  function->frame = frame_;
+  function->seen.assign(locals_.begin() + static_cast<std::ptrdiff_t>(visible_locals_),
+                        locals_.end());
+  function->array = array;
+  return Variant(function);
+}
+
+Operand Walker::apply(const Operand& function, std::span<const Operand> arguments) {
+  if (function.error()) return function;
+  const auto lambda =
+      function.value() ? ref_cast<Lambda>(function.value()->object()) : Ref<Lambda>();
+  if (!lambda || lambda->parameters.size() != arguments.size()) return ErrorValue::value;
+  const Frame outer_frame = std::exchange(frame_, lambda->frame);
+  const SyntaxTree* outer_tree = std::exchange(tree_, lambda->tree);
+  const std::size_t outside = locals_.size();
+  const std::size_t outer_locals = std::exchange(visible_locals_, outside);
+  const bool outer_snap = std::exchange(snap_, false);
+  locals_.insert(locals_.end(), lambda->seen.begin(), lambda->seen.end());
+  for (std::size_t i = 0; i < arguments.size(); ++i) bind(lambda->parameters[i], arguments[i]);
+  Operand result = evaluate(lambda->body, lambda->array);
+  leave_scope(outside);
+  frame_ = outer_frame;
+  tree_ = outer_tree;
+  visible_locals_ = outer_locals;
+  snap_ = outer_snap;
+  return result;
+}
+
+const Operand* Walker::local(std::string_view name) const {
+  for (std::size_t i = locals_.size(); i > visible_locals_; --i)
+    if (text::equal_fold(locals_[i - 1].name, name)) return &locals_[i - 1].value;
+  return nullptr;
+}
+
 Operand Walker::name(const Node& node) {
   const std::string& text = tree_->texts[node.payload];
-  for (std::size_t i = locals_.size(); i > visible_locals_; --i)
-    if (text::equal_fold(locals_[i - 1].name, text)) return locals_[i - 1].value;
+  if (const Operand* value = local(text)) return *value;
   return defined_name(text, tree_->qualifiers[node.qualifier]);
 }
 

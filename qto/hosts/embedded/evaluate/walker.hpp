@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "qto/hosts/embedded/evaluate/call.hpp"
-#include "qto/hosts/embedded/evaluate/context.hpp"
+#include "qto/hosts/embedded/evaluate/lambda.hpp"
 #include "qto/hosts/embedded/evaluate/references.hpp"
 #include "qto/hosts/embedded/formula/compiled_formula.hpp"
 
@@ -25,6 +25,9 @@ class Walker : public Context {
   /// `array`: operations run over all elements of references.
   Operand evaluate(NodeIndex index, bool array);
   Operand reference_of(std::string_view text) override;
+  Operand apply(const Operand& function, std::span<const Operand> arguments) override;
+  /// The function value with these parameters and that body, as seen from here.
+  Operand function_value(std::vector<std::string> parameters, NodeIndex body, bool array) const;
 
   const SyntaxTree& tree() const noexcept { return *tree_; }
   /// Makes a name stand for a value until leave_scope() is given the count it had before.
@@ -33,15 +36,13 @@ class Walker : public Context {
   void leave_scope(std::size_t count);
 
  private:
-  struct Local {
-    std::string name;
-    Operand value;
-  };
   Operand evaluate_node(const Node& node, NodeIndex index, bool array);
   Operand evaluate_chain(NodeIndex index, bool array);
   Operand combine(const Node& node, const Operand& left, const Operand& right, bool array);
   Operand unary(const Node& node, bool array);
   Operand call(const Node& node, bool array);
+  Operand call_value(const Node& node, bool array);
+  const Operand* local(std::string_view name) const;
   Operand name(const Node& node);
   Operand defined_name(std::string_view name, const SheetQualifier& qualifier);
   Operand in_frame(const CompiledFormula& formula, const Frame& frame);
@@ -49,7 +50,7 @@ class Walker : public Context {
   const FunctionTable& functions_;
   ReferenceResolver resolver_;
   const SyntaxTree* tree_ = nullptr;
-  std::vector<Local> locals_;
+  std::vector<LocalName> locals_;
   std::size_t visible_locals_ = 0;  ///< locals below this belong to the formula around a name
   std::vector<NodeIndex> chain_;
   int depth_ = 0;

@@ -39,5 +39,10 @@ std::span<const FunctionSpec> complex_functions();
 std::span<const FunctionSpec> text_part_functions();
 std::span<const FunctionSpec> text_pattern_functions();
 std::span<const FunctionSpec> depreciation_functions();
+std::span<const FunctionSpec> function_value_functions();
+std::span<const FunctionSpec> security_functions();
+std::span<const FunctionSpec> bessel_functions();
+std::span<const FunctionSpec> unit_conversion_functions();
+std::span<const FunctionSpec> cell_info_functions();
 
 }  // namespace qto::embedded::functions

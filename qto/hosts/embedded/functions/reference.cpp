@@ -56,6 +56,17 @@ Operand fn_columns(Call& call) {
 
 Operand fn_areas(Call& call) { return static_cast<double>(call[0].areas().size()); }
 
+/// Appends what stands before "!": a sheet, or "[book]sheet", in apostrophes where it needs them.
+void append_qualifier(std::string& out, std::string_view text) {
+  std::string plain(text);
+  std::erase_if(plain, [](char c) { return c == '[' || c == ']'; });
+  if (plain.empty()) return;
+  if (!needs_quotes(plain))
+    out += text;
+  else
+    append_sheet_name(out, text);
+}
+
 Operand fn_address(Call& call) {
   const double row = std::trunc(call.number(0));
   const double column = std::trunc(call.number(1));
@@ -68,7 +79,7 @@ Operand fn_address(Call& call) {
   const bool column_absolute = kind == 1 || kind == 3;
   std::string result;
   if (call.count() > 4) {
-    if (!call.text(4).empty()) append_sheet_name(result, call.text(4));
+    append_qualifier(result, call.text(4));
     result += '!';
   }
   if (a1) {

@@ -38,6 +38,11 @@ std::span<const Family> families() {
       {"Parts of text", text_part_functions()},
       {"Patterns", text_pattern_functions()},
       {"Depreciation", depreciation_functions()},
+      {"Function values", function_value_functions()},
+      {"Securities", security_functions()},
+      {"Bessel functions", bessel_functions()},
+      {"Units", unit_conversion_functions()},
+      {"Cells", cell_info_functions()},
   };
   return all;
 }

@@ -161,6 +161,9 @@ Operand fn_kurt(Call& call) {
 }
 
 Outcome<std::vector<double>> modes(Call& call) {
+  // Unlike other aggregates these refuse texts as arguments of their own.
+  for (const Operand& argument : call.from(0))
+    if (argument.value() && argument.value()->is_text()) return ErrorValue::value;
   const auto numbers = numbers_in_order(call.context(), call.from(0));
   if (!numbers) return numbers.error();
   auto found = most_frequent(*numbers);

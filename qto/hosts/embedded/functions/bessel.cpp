@@ -1,0 +1,51 @@
+#include <cmath>
+
+#include "qto/hosts/embedded/evaluate/call.hpp"
+#include "qto/hosts/embedded/functions/families.hpp"
+
+namespace qto::embedded::functions {
+
+namespace {
+
+using enum Parameter;
+
+/// Orders beyond this are refused: what they give is 0 or infinite.
+constexpr double largest_order = 1e6;
+
+template <double (*F)(int, double), bool positive_only>
+Operand fn_bessel(Call& call) {
+  const double order = std::trunc(call.number(1));
+  if (order < 0 || order > largest_order) return ErrorValue::num;
+  if (positive_only && call.number(0) <= 0) return ErrorValue::num;
+  return F(static_cast<int>(order), call.number(0));
+}
+
+double first_kind(int order, double x) { return ::jn(order, x); }
+double second_kind(int order, double x) { return ::yn(order, x); }
+
+double modified_first_kind(int order, double x) {
+  const double value = std::cyl_bessel_i(order, std::fabs(x));
+  return x < 0 && order % 2 == 1 ? -value : value;
+}
+
+double modified_second_kind(int order, double x) { return std::cyl_bessel_k(order, x); }
+
+// clang-format off
+constexpr FunctionSpec table[] = {
+    {"BESSELI", 2, 2, plain, {strict_number}, fn_bessel<modified_first_kind, false>, "x, order",
+     "the modified Bessel function of the first kind", "=ROUND(BESSELI(1.5,1),6)", "0.981666"},
+    {"BESSELJ", 2, 2, plain, {strict_number}, fn_bessel<first_kind, false>, "x, order",
+     "the Bessel function of the first kind", "=ROUND(BESSELJ(1.9,2),6)", "0.329926"},
+    {"BESSELK", 2, 2, plain, {strict_number}, fn_bessel<modified_second_kind, true>, "x, order",
+     "the modified Bessel function of the second kind", "=ROUND(BESSELK(1.5,1),6)", "0.277388"},
+    {"BESSELY", 2, 2, plain, {strict_number}, fn_bessel<second_kind, true>, "x, order",
+     "the Bessel function of the second kind", "=ROUND(BESSELY(2.5,1),6)", "0.145918"},
+};
+// clang-format on
+static_assert(well_formed(table));
+
+}  // namespace
+
+std::span<const FunctionSpec> bessel_functions() { return table; }
+
+}  // namespace qto::embedded::functions
