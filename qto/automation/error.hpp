@@ -4,6 +4,7 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace qto {
 
@@ -30,12 +31,14 @@ class AutomationError : public std::exception {
   bool reported_first;
 };
 
-/// An unexpected failure that knows the number under which it is to be reported.
+/// An unexpected failure that knows the number under which it is to be reported and, when a call of
+/// the spreadsheet host failed, which one ("Workbook.Worksheets").
 class NumberedFailure : public std::runtime_error {
  public:
-  NumberedFailure(std::int32_t error_number, const std::string& text)
-      : std::runtime_error(text), number(error_number) {}
+  NumberedFailure(std::int32_t error_number, const std::string& text, std::string host_call = {})
+      : std::runtime_error(text), number(error_number), call(std::move(host_call)) {}
   std::int32_t number;
+  std::string call;
 };
 
 }  // namespace qto

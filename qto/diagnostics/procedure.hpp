@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string_view>
-#include <utility>
 
 #include "qto/diagnostics/trace.hpp"
 
@@ -15,21 +14,15 @@ namespace qto {
 /// statement. Plain code stays plain.
 class Procedure {
  public:
-  /// `module` and `member` must be literals: they outlive the call.
-  Procedure(std::string_view module, std::string_view member) noexcept : name_{module, member} {
-    if (diagnostics::tracing()) enter();
-  }
-  Procedure(Procedure&& other) noexcept
-      : name_(other.name_),
-        retries_(other.retries_),
-        skipped_(other.skipped_),
-        entered_(std::exchange(other.entered_, false)) {}
+  /// `module` and `member` must be literals: they outlive the call. Both together stand in the list
+  /// of procedures.cpp.
+  Procedure(std::string_view module, std::string_view member) noexcept
+      : name_{module, member}, traced_(diagnostics::tracing() ? diagnostics::trace_in(name_) : 0) {}
   Procedure(const Procedure&) = delete;
   Procedure& operator=(const Procedure&) = delete;
-  Procedure& operator=(Procedure&&) = delete;
   /// Tracing out also happens when an error passes through, so that the call stack stays balanced.
   ~Procedure() {
-    if (entered_) leave();
+    if (traced_ != 0) diagnostics::trace_out(name_, traced_);
   }
 
   /// Runs one statement. An AutomationError passes on to the client (after a report where it asks
@@ -42,7 +35,7 @@ class Procedure {
         statement();
         return true;
       } catch (...) {
-        switch (handle(line)) {
+        switch (handle(name_, tries_, line)) {
           case Next::retry:
             continue;
           case Next::go_on:
@@ -54,17 +47,33 @@ class Procedure {
     }
   }
 
+  /// Runs a statement whose result the rest cannot do without: unless it was completed, the
+  /// procedure and those that called it are left up to the next one that can do without them, with
+  /// no further report.
+  template <class Statement>
+  auto need(Statement&& statement, int line = __builtin_LINE()) {
+    for (;;) {
+      try {
+        return statement();
+      } catch (...) {
+        if (handle(name_, tries_, line) != Next::retry) abandon();
+      }
+    }
+  }
+
  private:
   enum class Next { retry, go_on, leave };
-  void enter() noexcept;
-  void leave() noexcept;
+  struct Tries {
+    short retries = 0;
+    short skips = 0;
+  };
   /// Inspects the exception in flight; rethrows what belongs to the client.
-  Next handle(int line);
+  static Next handle(diagnostics::QualifiedName name, Tries& tries, int line);
+  [[noreturn]] static void abandon();
 
-  diagnostics::QualifiedName name_;
-  short retries_ = 0;
-  short skipped_ = 0;
-  bool entered_ = false;
+  const diagnostics::QualifiedName name_;
+  const diagnostics::TracedCall traced_;
+  Tries tries_;
 };
 
 }  // namespace qto

@@ -1,30 +1,59 @@
 #include "qto/diagnostics/trace.hpp"
 
+#include <vector>
+
+#include "qto/diagnostics/trace_outputs.hpp"
+
 namespace qto::diagnostics {
 namespace {
-std::vector<QualifiedName> stack;
-TraceSink sink;
+
+struct State {
+  std::vector<QualifiedName> stack;
+  std::int32_t depth = 0;
+  std::int32_t count = 0;
+  /// Rises with every switching on: what entered before then is not to be taken off the new stack.
+  TracedCall session = 0;
+};
+
+State state;
+
 }  // namespace
 
 void set_tracing(bool on) {
+  if (on && !detail::tracing_on) {
+    state.depth = state.count = 0;
+    state.stack.clear();
+    if (++state.session == 0) state.session = 1;
+  }
   detail::tracing_on = on;
-  if (!on) stack.clear();
 }
 
-void set_trace_sink(TraceSink next) { sink = std::move(next); }
-
-void trace_in(const QualifiedName& name) {
-  stack.push_back(name);
-  if (sink) sink(name, static_cast<int>(stack.size()), true);
+TracedCall trace_in(QualifiedName name) noexcept {
+  try {
+    state.stack.resize(static_cast<std::size_t>(state.count));
+    state.stack.push_back(name);
+  } catch (...) {
+    return 0;  // no memory for the stack: this call is left out of it
+  }
+  ++state.depth;
+  ++state.count;
+  detail::write_trace(name, state.depth, TraceMarker::entering);
+  return state.session;
 }
 
-void trace_out(const QualifiedName& name) {
-  // Switched on in the middle of a call, the stack misses the entries above it.
-  const int depth = static_cast<int>(stack.size());
-  if (!stack.empty()) stack.pop_back();
-  if (sink) sink(name, depth, false);
+void trace_out(QualifiedName name, TracedCall call) noexcept {
+  if (call != state.session) return;
+  const std::int32_t depth = state.depth;
+  if (state.depth > 0) --state.depth;
+  if (state.count > 0) --state.count;
+  // Where tracing was switched off meanwhile the stack is put right, and nothing is written.
+  if (detail::tracing_on) detail::write_trace(name, depth, TraceMarker::leaving);
 }
 
-const std::vector<QualifiedName>& call_stack() { return stack; }
+std::int32_t trace_depth() noexcept { return state.depth; }
+
+std::int32_t call_count() noexcept { return state.count; }
+
+std::span<const QualifiedName> call_stack() noexcept { return state.stack; }
 
 }  // namespace qto::diagnostics

@@ -38,9 +38,6 @@ DrillDown::~DrillDown() {
   release_lost_graphs();
 }
 
-const Ref<LinkedBooks>& DrillDown::BooksOpened() const { return Main::BooksOpened(); }
-const Ref<LinkedBooks>& DrillDown::BooksNotOpened() const { return Main::BooksNotOpened(); }
-
 void DrillDown::put_MaximumDepth(std::int32_t depth) {
   Procedure proc("DrillDown", "MaximumDepth[Let]");
   maximum_depth_ = non_negative(depth);

@@ -50,10 +50,10 @@ class DrillDown : public Object {
   Event<const std::string&, const std::string&, const std::string&, Ref<ModelPart>&> DDEOLELink;
 
   /// Results of the last FindInputs and TraceError; null after any other operation.
-  const Ref<ModelParts>& InputCells() const noexcept { return input_cells_; }
-  const Ref<ModelParts>& ErrorCells() const noexcept { return error_cells_; }
-  const Ref<ModelPart>& StartModelPart() const noexcept { return start_part_; }
-  const Ref<Object>& StartUnderlyingObject() const noexcept { return start_object_; }
+  const Ref<ModelParts>& InputCells() const noexcept;
+  const Ref<ModelParts>& ErrorCells() const noexcept;
+  const Ref<ModelPart>& StartModelPart() const noexcept;
+  const Ref<Object>& StartUnderlyingObject() const noexcept;
   /// Makes an object the start item. Raises 80040001 for an object of the wrong kind (nothing, no
   /// workbook above it, several cells) and 80040002 for a cell without formula outside pivot
   /// tables.
@@ -62,20 +62,20 @@ class DrillDown : public Object {
   const Ref<LinkedBooks>& BooksOpened() const;
   const Ref<LinkedBooks>& BooksNotOpened() const;
   /// Levels that DrillHere goes down; 0 (as at first): no bound. Negative raises 80040004.
-  std::int32_t MaximumDepth() const noexcept { return maximum_depth_; }
+  std::int32_t MaximumDepth() const noexcept;
   void put_MaximumDepth(std::int32_t depth);
   /// Every precedent met so far while a drill runs; null after one.
-  const Ref<ModelParts>& PartsAnalysed() const noexcept { return parts_analysed_; }
+  const Ref<ModelParts>& PartsAnalysed() const noexcept;
   /// Number of parts at which MaxItemsExceeded is raised; 0: never. Negative raises 80040004.
-  std::int32_t MaxItems() const noexcept { return maximum_items_; }
+  std::int32_t MaxItems() const noexcept;
   void put_MaxItems(std::int32_t items);
   /// Null until a client assigns one; a drill then uses what a new object holds.
-  const Ref<qto::DrillOptions>& DrillOptions() const noexcept { return options_; }
+  const Ref<qto::DrillOptions>& DrillOptions() const noexcept;
   void putref_DrillOptions(const Ref<qto::DrillOptions>& options);
-  bool IgnoreConstantIfZeroOrOne() const noexcept { return ignore_zero_or_one_; }
-  void put_IgnoreConstantIfZeroOrOne(bool ignore) noexcept { ignore_zero_or_one_ = ignore; }
+  bool IgnoreConstantIfZeroOrOne() const noexcept;
+  void put_IgnoreConstantIfZeroOrOne(bool ignore) noexcept;
   /// The item limit stopped the current or last drill.
-  bool ExceededMaxItems() const noexcept { return exceeded_; }
+  bool ExceededMaxItems() const noexcept;
 
   // The operations. All raise 80040001 without a start object, 80040003 when the start workbook
   // holds a circular reference (DrillHere only when MaximumDepth is 0), and 80040004 when they are

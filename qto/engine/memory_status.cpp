@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <limits>
 
+#include "qto/diagnostics/procedure.hpp"
+
 #ifdef _WIN32
 #include <windows.h>
 #else
@@ -15,6 +17,7 @@ namespace qto {
 #ifdef _WIN32
 
 std::int64_t available_memory() noexcept {
+  Procedure proc("DrillDown", "available_memory");
   MEMORYSTATUSEX status{};
   status.dwLength = sizeof status;
   if (!GlobalMemoryStatusEx(&status)) return 0;
@@ -25,6 +28,7 @@ std::int64_t available_memory() noexcept {
 
 /// The machine's memory less what this process holds: other programs must not show in the figure.
 std::int64_t available_memory() noexcept {
+  Procedure proc("DrillDown", "available_memory");
   const std::int64_t page = sysconf(_SC_PAGESIZE);
   long long size = 0;
   long long resident = 0;

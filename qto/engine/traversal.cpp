@@ -17,6 +17,7 @@ struct DrillDown::Frame {
   Ref<ModelPart> part;    // a client may put another in its place
   Ref<ModelPart> walked;  // the one that was entered
   bool is_parent;         // on the parser's stack of parents
+  diagnostics::TracedCall traced = 0;
   std::optional<ModelParts::Pass> pass;
 };
 
@@ -61,9 +62,9 @@ class DrillDown::Walk {
  private:
   template <class Enter>
   void push(Ref<ModelPart> part, Enter&& enter) {
-    if (diagnostics::tracing()) diagnostics::trace_in(name_);
     stack_.emplace_back(std::move(part));
     Frame& frame = stack_.back();
+    if (diagnostics::tracing()) frame.traced = diagnostics::trace_in(name_);
     drill_.yield();
     ++drill_.current_depth_;
     frame.walked->mark_walk(true);
@@ -80,8 +81,9 @@ class DrillDown::Walk {
       drill_.clsParser_->RemoveParentRange();
     frame.walked->mark_walk(false);
     --drill_.current_depth_;
+    const diagnostics::TracedCall traced = frame.traced;
     stack_.pop_back();
-    if (diagnostics::tracing()) diagnostics::trace_out(name_);
+    if (traced != 0) diagnostics::trace_out(name_, traced);
   }
 
   DrillDown& drill_;

@@ -37,6 +37,11 @@ void LinkedBooks::Remove(const Variant& position_or_key) {
   if (!removed) throw_no_such_item();
 }
 
+LinkedBooks::Books::Pass LinkedBooks::NewEnum() const {
+  Procedure proc("LinkedBooks", "NewEnum");
+  return Books::Pass(books_);
+}
+
 void LinkedBooks::CloseBooks() {
   Procedure proc("LinkedBooks", "CloseBooks");
   for_each([](LinkedBook& book) { book.CloseBook(); });

@@ -28,15 +28,17 @@ class LinkedBooks : public Object {
   /// Probe by key: null when there is none.
   Ref<LinkedBook> find(std::string_view key) const;
 
-  /// Calls visit(LinkedBook&) for every record in order; what NewEnum hands out.
+  using Books = KeyedCollection<LinkedBook, FoldedKey>;
+  /// A walk over the records in order. It does not hold the collection.
+  Books::Pass NewEnum() const;
+  /// Calls visit(LinkedBook&) for every record in order.
   template <class Visit>
   void for_each(Visit&& visit) const {
-    typename Books::Pass pass(books_);
+    Books::Pass pass = NewEnum();
     while (LinkedBook* book = pass.next()) visit(*book);
   }
 
  private:
-  using Books = KeyedCollection<LinkedBook, FoldedKey>;
   mutable Books books_;
 };
 

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "qto/automation/text.hpp"
+#include "qto/diagnostics/procedure.hpp"
 
 namespace qto {
 namespace {
@@ -46,6 +47,7 @@ std::string format_short_date(Date date) {
 }
 
 std::string format_value(const Variant& value) {
+  Procedure proc("ModelPart", "format_value");
   if (const auto* date = value.get_if<Date>()) return format_short_date(*date);
   if (const auto number = numeric(value)) return format_two_decimals(*number);
   if (const auto* error = value.get_if<ErrorValue>()) return std::string(error_text(*error));

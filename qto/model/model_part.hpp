@@ -10,6 +10,7 @@
 #include "qto/automation/event.hpp"
 #include "qto/automation/object.hpp"
 #include "qto/automation/variant.hpp"
+#include "qto/diagnostics/procedure.hpp"
 #include "qto/host/application.hpp"
 #include "qto/host/range.hpp"
 #include "qto/host/workbook.hpp"
@@ -49,12 +50,15 @@ class ModelPart : public Object {
   Ref<Object> UnderlyingObject();
   /// "Range", "Name", "Pivot Table", "Series", "!LINK", or "" before Create.
   std::string_view ObjectType() const noexcept;
-  bool IsUnknown() const noexcept { return has(unknown); }
+  bool IsUnknown() const noexcept {
+    Procedure proc("ModelPart", "IsUnknown[Get]");
+    return has(unknown);
+  }
   /// True also makes the part constant.
   void put_IsUnknown(bool value);
-  bool Exists() const noexcept { return has(exists); }
-  void put_Exists(bool value) noexcept { set(exists, value); }
-  bool LocalFile() const noexcept { return has(local_file); }
+  bool Exists() const noexcept;
+  void put_Exists(bool value) noexcept;
+  bool LocalFile() const noexcept;
   /// The host workbook; nothing for an unknown part.
   Ref<host::Workbook> Workbook() const;
   /// The application that all parts share.
@@ -88,8 +92,11 @@ class ModelPart : public Object {
   /// Reads the host again; a change drops the precedents and raises FormulaChanged.
   std::string Formula();
   std::string FormulaLocal() const;
-  bool FormulaHidden() const noexcept { return has(formula_hidden); }
-  const Variant& value() const noexcept { return value_; }
+  bool FormulaHidden() const noexcept;
+  const Variant& value() const noexcept {
+    Procedure proc("ModelPart", "value[Get]");
+    return value_;
+  }
   /// The displayed text that belongs to value(); read when first asked for.
   std::string Text();
   std::string Title() const;
@@ -97,25 +104,37 @@ class ModelPart : public Object {
   /// Computes the display values (local address and formula, title) once, and raises
   /// AfterSetResults.
   void SetResultsValues();
-  bool ResultsSet() const noexcept { return has(results_set); }
-  void ForceResultsRecalc() noexcept { set(results_set, false); }
+  bool ResultsSet() const noexcept;
+  void ForceResultsRecalc() noexcept;
   /// Reads formula, value and text again and drops what no longer holds.
   void CheckForChanges();
 
   // Precedents
 
-  bool IsConstant() const noexcept { return has(checked_for_precedents) && has(constant); }
-  void put_IsConstant(bool value) noexcept { set(constant, value); }
+  bool IsConstant() const noexcept;
+  void put_IsConstant(bool value) noexcept {
+    Procedure proc("ModelPart", "IsConstant[Let]");
+    set(constant, value);
+  }
   bool HasConstant() const noexcept;
-  bool HasError() const noexcept { return has(error); }
+  bool HasError() const noexcept {
+    Procedure proc("ModelPart", "HasError[Get]");
+    return has(error);
+  }
   /// True once precedents are determined. A part whose formula turns out to be none counts at once.
   bool CheckedForPrecedents();
   void put_CheckedForPrecedents(bool value);
   qtoContainsConstant FormulaContainsConstant() const noexcept;
   void put_FormulaContainsConstant(qtoContainsConstant value);  ///< 80040004 outside 0 to 2
-  bool IntelligentDrillingUsed() const noexcept { return has(intelligent); }
-  void put_IntelligentDrillingUsed(bool value) noexcept { set(intelligent, value); }
-  const Ref<ModelParts>& DirectPrecedents() const noexcept { return direct_precedents_; }
+  bool IntelligentDrillingUsed() const noexcept {
+    Procedure proc("ModelPart", "IntelligentDrillingUsed[Get]");
+    return has(intelligent);
+  }
+  void put_IntelligentDrillingUsed(bool value) noexcept;
+  const Ref<ModelParts>& DirectPrecedents() const noexcept {
+    Procedure proc("ModelPart", "DirectPrecedents[Get]");
+    return direct_precedents_;
+  }
   void putref_DirectPrecedents(Ref<ModelParts> list);
   /// The direct precedents, unless a special function was drilled intelligently.
   Ref<ModelParts> AllPrecedents();
@@ -127,7 +146,7 @@ class ModelPart : public Object {
   void create_cell(const Ref<SheetRecord>& sheet, CellPos pos);
   /// What Create does with the part's own object and type.
   void create_afresh();
-  void put_HasError(bool value) noexcept { set(error, value); }
+  void put_HasError(bool value) noexcept;
   /// Gives up both precedent lists.
   void clear_precedents();
   bool is_range() const noexcept { return type_ == Type::range; }

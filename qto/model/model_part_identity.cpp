@@ -32,6 +32,7 @@ Ref<host::Range> ModelPart::range() const {
 }
 
 std::string_view ModelPart::ObjectType() const noexcept {
+  Procedure proc("ModelPart", "ObjectType[Get]");
   switch (type_) {
     case Type::none:
       return "";
@@ -52,21 +53,25 @@ std::string_view ModelPart::ObjectType() const noexcept {
 }
 
 void ModelPart::put_IsUnknown(bool value) {
+  Procedure proc("ModelPart", "IsUnknown[Let]");
   set(unknown, value);
   if (value) set(constant, true);
 }
 
 Ref<host::Workbook> ModelPart::Workbook() const {
+  Procedure proc("ModelPart", "Workbook[Get]");
   return sheet_ ? sheet_->workbook : rare().workbook;
 }
 
-Ref<host::Application> ModelPart::ExcelApplication() const { return Main::shared_application(); }
-
-void ModelPart::putref_ParentRange(Ref<host::Range> range) {
-  rare().parent_range = std::move(range);
+Ref<host::Application> ModelPart::ExcelApplication() const {
+  Procedure proc("ModelPart", "ExcelApplication[Get]");
+  return Main::shared_application();
 }
 
-std::string ModelPart::EmbeddedChartName() const { return rare().embedded_chart_name; }
+void ModelPart::putref_ParentRange(Ref<host::Range> range) {
+  Procedure proc("ModelPart", "ParentRange[Set]");
+  rare().parent_range = std::move(range);
+}
 
 std::string ModelPart::WorkBookName() const {
   Procedure proc("ModelPart", "WorkBookName[Get]");
@@ -104,6 +109,7 @@ std::string ModelPart::WorkBookFullName() const {
 }
 
 std::string ModelPart::WorkSheetName() const {
+  Procedure proc("ModelPart", "WorkSheetName[Get]");
   return sheet_ ? sheet_->name : rare().work_sheet_name;
 }
 
@@ -115,6 +121,7 @@ void ModelPart::put_WorkSheetName(std::string_view name) {
 }
 
 std::string ModelPart::AddressShort() const {
+  Procedure proc("ModelPart", "AddressShort[Get]");
   return sheet_ ? address_of(pos_) : rare().address_short;
 }
 

@@ -13,6 +13,7 @@ ModelPart::~ModelPart() {
 }
 
 bool ModelPart::HasConstant() const noexcept {
+  Procedure proc("ModelPart", "HasConstant[Get]");
   return formula_contains_constant_ != qtoNoConstantInFormula || has(constant);
 }
 
@@ -38,6 +39,7 @@ void ModelPart::put_CheckedForPrecedents(bool value) {
 }
 
 qtoContainsConstant ModelPart::FormulaContainsConstant() const noexcept {
+  Procedure proc("ModelPart", "FormulaContainsConstant[Get]");
   return formula_contains_constant_;
 }
 
@@ -49,6 +51,7 @@ void ModelPart::put_FormulaContainsConstant(qtoContainsConstant value) {
 }
 
 void ModelPart::putref_DirectPrecedents(Ref<ModelParts> list) {
+  Procedure proc("ModelPart", "DirectPrecedents[Set]");
   direct_precedents_ = std::move(list);
 }
 

@@ -42,12 +42,6 @@ std::string ModelPart::address_result(qtoAddressType qualifier, const std::strin
   throw AutomationError(ErrorNumber::out_of_range);
 }
 
-std::string ModelPart::AddressShortLocal() const { return rare().address_short_local; }
-
-std::string ModelPart::FormulaLocal() const { return rare().formula_local; }
-
-std::string ModelPart::Title() const { return rare().title; }
-
 void ModelPart::put_Title(std::string_view title) {
   Procedure proc("ModelPart", "Title[Let]");
   const std::string before = std::exchange(rare().title, std::string(title));

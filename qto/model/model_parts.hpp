@@ -7,6 +7,7 @@
 #include "qto/automation/keyed_collection.hpp"
 #include "qto/automation/object.hpp"
 #include "qto/automation/variant.hpp"
+#include "qto/diagnostics/procedure.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/part_key.hpp"
 
@@ -24,18 +25,21 @@ class ModelParts : public Object {
 
   /// Appends a part; one whose key is present already is not added, silently.
   void AddExisting(Ref<ModelPart>& part);
-  std::int32_t Count() const noexcept { return static_cast<std::int32_t>(parts_.count()); }
+  std::int32_t Count() const noexcept {
+    Procedure proc("ModelParts", "Count[Get]");
+    return static_cast<std::int32_t>(parts_.count());
+  }
   /// By position from 1 or by key; null when no part matches.
   Ref<ModelPart> Item(const Variant& position_or_key);
   /// Removes by position or key. A part that is not there goes to the standard error handling.
   void Remove(const Variant& position_or_key);
 
   using Parts = KeyedCollection<ModelPart, PartKey>;
-  /// A walk in insertion order that stays right while parts are added and removed; what NewEnum
-  /// hands out. It holds the collection.
+  /// A walk in insertion order that stays right while parts are added and removed. It holds the
+  /// collection.
   class Pass {
    public:
-    explicit Pass(Ref<ModelParts> list) : list_(std::move(list)), pass_(list_->parts_) {}
+    explicit Pass(Ref<ModelParts> list) : list_(std::move(list)), pass_(list_->new_enum()) {}
     ModelPart* next() noexcept { return pass_.next(); }
     ModelParts& list() const noexcept { return *list_; }
 
@@ -43,9 +47,10 @@ class ModelParts : public Object {
     Ref<ModelParts> list_;
     Parts::Pass pass_;
   };
+  Pass NewEnum() { return Pass(Ref<ModelParts>(this)); }
   template <class Visit>
   void for_each(Visit&& visit) {
-    Parts::Pass pass(parts_);
+    Parts::Pass pass = new_enum();
     while (ModelPart* part = pass.next()) visit(*part);
   }
 
@@ -56,6 +61,10 @@ class ModelParts : public Object {
   bool remove(const PartKey& key) { return parts_.remove(key); }
 
  private:
+  Parts::Pass new_enum() {
+    Procedure proc("ModelParts", "NewEnum");
+    return Parts::Pass(parts_);
+  }
   Parts parts_;
 };
 

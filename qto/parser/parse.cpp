@@ -34,6 +34,7 @@ void Parser::RemoveParentRange() {
 }
 
 ModelPart& Parser::most_recent_parent() {
+  Procedure proc("Parser", "most_recent_parent");
   if (parents_.empty()) throw NumberedFailure(9, "no parent part");
   return *parents_.back();
 }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "qto/automation/text.hpp"
+#include "qto/diagnostics/procedure.hpp"
 
 namespace qto {
 namespace {
@@ -91,9 +92,13 @@ class Scanner {
 
 }  // namespace
 
-void scan_formula(TokenTable& table) { Scanner(table).run(); }
+void scan_formula(TokenTable& table) {
+  Procedure proc("Parser", "get_tokens");
+  Scanner(table).run();
+}
 
 std::vector<Token> split_quoted_path_name(std::string_view text) {
+  Procedure proc("Parser", "split_quoted_path_name");
   if (text.starts_with('\'')) text.remove_prefix(1);
   if (text.ends_with('\'')) text.remove_suffix(1);
   const std::size_t open = text.find('[');
@@ -115,6 +120,7 @@ std::vector<Token> split_quoted_path_name(std::string_view text) {
 }
 
 TokenType check_for_dodgy_functions(std::string_view name) noexcept {
+  Procedure proc("Parser", "check_for_dodgy_functions");
   struct Special {
     std::string_view name;
     TokenType type;
@@ -131,6 +137,11 @@ TokenType check_for_dodgy_functions(std::string_view name) noexcept {
     if (text::equal_ascii_nocase(name, special.name)) return TokenType::own_text;
   }
   return TokenType::function;
+}
+
+bool is_not_dde_type(TokenType type) noexcept {
+  Procedure proc("Parser", "is_not_dde_type");
+  return type != TokenType::application && type != TokenType::document && type != TokenType::link;
 }
 
 }  // namespace qto

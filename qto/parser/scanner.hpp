@@ -18,8 +18,6 @@ std::vector<Token> split_quoted_path_name(std::string_view text);
 TokenType check_for_dodgy_functions(std::string_view name) noexcept;
 
 /// False for the parts of a DDE/OLE link, which are never split as quoted names.
-constexpr bool is_not_dde_type(TokenType type) noexcept {
-  return type != TokenType::application && type != TokenType::document && type != TokenType::link;
-}
+bool is_not_dde_type(TokenType type) noexcept;
 
 }  // namespace qto

@@ -65,6 +65,7 @@ void Parser::classify(TokenTable& table, std::size_t i) {
 }
 
 void Parser::check_token_book_and_path(TokenTable& table, std::size_t i) {
+  Procedure proc("Parser", "check_token_book_and_path");
   if (i > 1 && table.at(i - 1).text == "[") table.at(i).type = TokenType::workbook;
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "qto/diagnostics/trace.hpp"
+#include "tests/support/diagnostics_fixtures.hpp"
 #include "tests/support/text_book.hpp"
 
 /// What a failure in the middle of a drill leaves behind.
@@ -14,25 +14,22 @@ TEST(Failures, OutcomesActAtTheStatementThatFailed) {
   const struct {
     Outcome outcome;
     const char* tree;
-    int reports;
+    std::size_t reports;
   } rows[] = {{Outcome::leave, "D1(C1(B1) A1)", 1},
               {Outcome::leave_also, "D1(C1(B1) A1)", 1},
               {Outcome::next_statement, "D1(C1(B1) A1)", 1},
               {Outcome::retry_statement, "D1(C1(B1) A1)", 4}};
   for (const auto& row : rows) {
-    int reports = 0;
-    diagnostics::set_reporter([&](const auto& report) {
-      ++reports;
-      EXPECT_EQ(report.module, "Parser");
-      EXPECT_EQ(report.member, "sheets_for_reference");
-      EXPECT_GT(report.line, 0);
-      return row.outcome;
-    });
+    const ScriptedDialog dialog(row.outcome);
     const auto drill = drill_from(books, "D1");
     drill->DrillHere();
     EXPECT_EQ(tree(drill->StartModelPart()), row.tree);
-    EXPECT_EQ(reports, row.reports);
-    diagnostics::set_reporter({});
+    EXPECT_EQ(dialog.reports.size(), row.reports);
+    for (const auto& report : dialog.reports) {
+      EXPECT_EQ(report.module, "Parser");
+      EXPECT_EQ(report.member, "sheets_for_reference");
+      EXPECT_GT(report.line, 0);
+    }
   }
 }
 
@@ -54,7 +51,7 @@ TEST(Failures, OfAHandlerLeaveTheDrillFitForTheNext) {
         break;
       } catch (const std::runtime_error&) {
         ++failures;
-        EXPECT_TRUE(diagnostics::call_stack().empty());
+        EXPECT_EQ(diagnostics::call_count(), 0);
       }
       countdown = 0;
       drill->putref_StartUnderlyingObject(books.range("B4"));
@@ -77,7 +74,7 @@ TEST(Failures, ABookClosedInTheMiddleEndsTheDrillQuietly) {
   });
   diagnostics::set_tracing(true);
   drill->DrillHere();
-  EXPECT_TRUE(diagnostics::call_stack().empty());
+  EXPECT_EQ(diagnostics::call_count(), 0);
   diagnostics::set_tracing(false);
   EXPECT_FALSE(books.opened[0]->exists());
   EXPECT_EQ(calls, 2);
@@ -88,22 +85,20 @@ TEST(Failures, TheTraceOfADrillIsBalanced) {
   const auto drill = drill_from(books, "B2");
   std::vector<std::string> open;
   std::size_t deepest = 0;
-  diagnostics::set_trace_sink([&](const auto& name, int depth, bool entering) {
-    const std::string qualified = std::string(name.module) + "." + std::string(name.member);
-    if (entering) {
-      open.push_back(qualified);
-      EXPECT_EQ(static_cast<std::size_t>(depth), open.size());
-      deepest = std::max(deepest, open.size());
-    } else {
-      ASSERT_FALSE(open.empty());
-      EXPECT_EQ(open.back(), qualified);
-      open.pop_back();
-    }
-  });
-  diagnostics::set_tracing(true);
-  drill->DrillHere();
-  diagnostics::set_tracing(false);
-  diagnostics::set_trace_sink({});
+  {
+    const TraceListener listener([&](std::string_view line, diagnostics::TraceMarker marker) {
+      if (marker == diagnostics::TraceMarker::entering) {
+        EXPECT_EQ(line.find_first_not_of('\t'), open.size());
+        open.emplace_back(line.substr(open.size()));
+        deepest = std::max(deepest, open.size());
+      } else {
+        ASSERT_FALSE(open.empty());
+        EXPECT_EQ(open.back(), line);
+        open.pop_back();
+      }
+    });
+    drill->DrillHere();
+  }
   EXPECT_TRUE(open.empty());
   EXPECT_GT(deepest, 5u);
 }
