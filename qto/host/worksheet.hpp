@@ -42,6 +42,12 @@ class Worksheet : public Sheet {
   /// The value of a formula text on this sheet, the range it refers to (an object), or an error
   /// value when the text is not valid. Of an empty text: Empty.
   virtual Variant Evaluate(std::string_view text) const = 0;
+  /// The value that a piece of the formula in a cell of this sheet has there. In an ordinary
+  /// formula a reference to several cells then gives the one in the formula's row or column; in an
+  /// array formula it gives all. A host that knows no more answers as Evaluate does.
+  virtual Variant value_in_cell(CellPos cell, std::string_view piece) const;
+  /// The range that such a piece denotes, or null.
+  virtual Ref<host::Range> range_in_cell(CellPos cell, std::string_view piece) const;
   /// A range on a circle of references, or null.
   virtual Ref<host::Range> CircularReference() const = 0;
   virtual std::vector<Ref<PivotTable>> PivotTables() const = 0;

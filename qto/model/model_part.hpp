@@ -153,6 +153,8 @@ class ModelPart : public Object {
   bool is_name() const noexcept { return type_ == Type::name; }
   /// The record of the sheet that a cell part lies on, or nothing.
   const Ref<SheetRecord>& sheet_record() const noexcept { return sheet_; }
+  /// Where such a part lies on its sheet.
+  CellPos cell() const noexcept { return pos_; }
   /// Reads the formula as Formula() does; the view holds until the next reading.
   std::string_view read_formula_again();
   /// A mark that the traversals set while the part is being walked.

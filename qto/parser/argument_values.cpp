@@ -5,7 +5,6 @@
 
 #include "qto/automation/error.hpp"
 #include "qto/automation/text.hpp"
-#include "qto/host/host.hpp"
 #include "qto/model/display_format.hpp"
 
 namespace qto {
@@ -19,11 +18,6 @@ std::string shortest(double number) {
 }
 
 }  // namespace
-
-Variant value_behind(Variant result) {
-  const auto range = ref_cast<host::Range>(result.object());
-  return range ? range->value() : result;
-}
 
 double number_behind(const Variant& value) {
   if (const auto* number = value.get_if<double>()) return *number;

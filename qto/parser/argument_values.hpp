@@ -9,8 +9,6 @@
 /// value that cannot be converted raises failure 13 or 6.
 namespace qto {
 
-/// The value itself, read through when an evaluation gave a range.
-Variant value_behind(Variant result);
 /// TRUE is -1, a date its serial number, nothing 0, a text what it reads as.
 double number_behind(const Variant& value);
 /// Rounded to the nearest whole number, halves to even.

@@ -34,6 +34,17 @@ std::vector<Tokens> get_args(Tokens tokens, std::size_t& position) {
   }
 }
 
+namespace {
+
+/// White space in front of a sheet's name is part of its token, but not of the name.
+void append_opened(std::string_view sheet, std::string& out) {
+  const std::string_view name = trim_white_space(sheet);
+  const std::size_t before = static_cast<std::size_t>(name.data() - sheet.data());
+  out.append(sheet.substr(0, before)).append("'").append(sheet.substr(before));
+}
+
+}  // namespace
+
 std::string args_array_to_string(Tokens argument) {
   Procedure proc("Parser", "args_array_to_string");
   std::string out;
@@ -61,8 +72,10 @@ std::string args_array_to_string(Tokens argument) {
         break;
       }
       case TokenType::worksheet:
-        if (!quoted) out.push_back('\'');
-        out.append(token.text);
+        if (quoted)
+          out.append(token.text);
+        else
+          append_opened(token.text, out);
         quoted = true;
         break;
       default:
@@ -73,12 +86,6 @@ std::string args_array_to_string(Tokens argument) {
         out.append(token.text);
     }
   }
-  return out;
-}
-
-std::string join_texts(Tokens tokens) {
-  std::string out;
-  for (const Token& token : tokens) out.append(token.text);
   return out;
 }
 

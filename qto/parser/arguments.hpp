@@ -20,11 +20,8 @@ Tokens take_argument(Tokens tokens, std::size_t& position, bool& is_last);
 /// on the closing ")". More than five raise failure 80040004.
 std::vector<Tokens> get_args(Tokens tokens, std::size_t& position);
 
-/// The formula text of an argument, workbook and sheet names in apostrophes again and a folder
-/// inside them, as the host's evaluation reads it.
+/// The formula text of an argument, a condition or a whole argument list, workbook and sheet names
+/// in apostrophes again and a folder inside them, as the host's evaluation reads it.
 std::string args_array_to_string(Tokens argument);
-
-/// The token texts joined as they are.
-std::string join_texts(Tokens tokens);
 
 }  // namespace qto

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
@@ -13,7 +15,7 @@ void Parser::parse_functions_intelligently() {
   Procedure proc("Parser", "parse_functions_intelligently");
   ModelParts::Pass pass(found_);
   while (ModelPart* found = pass.next())
-    if (found->IsUnknown()) return;
+    if (found->IsUnknown()) return verdicts_.add_unresolved_formula();
   found_ = make_ref<ModelParts>();
   part_->create_afresh();
   TokenTable table;
@@ -26,30 +28,37 @@ void Parser::parse_functions_intelligently() {
 /// that every reference in its arguments is followed as if nothing had been asked for.
 void Parser::drill_function(Tokens tokens, std::size_t& i) {
   Procedure proc("Parser", "drill_function");
+  const TokenType function = tokens[i - 1].type;
   std::size_t position = i;
+  DrillVerdict verdict = DrillVerdict::failed;
   const bool done = proc.step([&] {
     position = i;
-    switch (tokens[i - 1].type) {
-      case TokenType::if_function:
-        return parse_if(tokens, position);
-      case TokenType::hlookup:
-      case TokenType::vlookup:
-        return parse_table_lookup(tokens, position);
-      case TokenType::lookup:
-        return parse_lookup(tokens, position);
-      case TokenType::match:
-        return parse_match(tokens, position);
-      case TokenType::index:
-        return parse_index(tokens, position);
-      case TokenType::sumif:
-        return parse_sumif(tokens, position);
-      case TokenType::indirect:
-        return parse_indirect(tokens, position);
-      default:
-        return parse_offset(tokens, position);
-    }
+    verdict = drill_by_type(tokens, position);
   });
   if (done) i = position;
+  verdicts_.add(function, verdict);
+}
+
+DrillVerdict Parser::drill_by_type(Tokens tokens, std::size_t& i) {
+  switch (tokens[i - 1].type) {
+    case TokenType::if_function:
+      return parse_if(tokens, i);
+    case TokenType::hlookup:
+    case TokenType::vlookup:
+      return parse_table_lookup(tokens, i);
+    case TokenType::lookup:
+      return parse_lookup(tokens, i);
+    case TokenType::match:
+      return parse_match(tokens, i);
+    case TokenType::index:
+      return parse_index(tokens, i);
+    case TokenType::sumif:
+      return parse_sumif(tokens, i);
+    case TokenType::indirect:
+      return parse_indirect(tokens, i);
+    default:
+      return parse_offset(tokens, i);
+  }
 }
 
 Ref<host::Worksheet> Parser::evaluation_sheet() {
@@ -57,15 +66,22 @@ Ref<host::Worksheet> Parser::evaluation_sheet() {
   return own_sheet_.empty() ? workbook->Worksheets(1) : workbook->Worksheets(own_sheet_);
 }
 
+/// What a piece of the formula being parsed gives in its cell; outside cells, on the sheet.
 Variant Parser::local_eval(const std::string& text) {
   Procedure proc("Parser", "local_eval");
-  return evaluation_sheet()->Evaluate(text);
+  if (const auto& own = part_->sheet_record())
+    return own->sheet->value_in_cell(part_->cell(), text);
+  const Variant result = evaluation_sheet()->Evaluate(text);
+  const auto range = ref_cast<host::Range>(result.object());
+  return range ? range->value() : result;
 }
 
 Ref<host::Range> Parser::local_eval_range(const std::string& text) {
   Procedure proc("Parser", "local_eval_range");
   if (own_sheet_.empty()) return ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object());
   try {
+    if (const auto& own = part_->sheet_record())
+      return own->sheet->range_in_cell(part_->cell(), text);
     return ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object());
   } catch (const std::exception&) {
     return nullptr;
@@ -111,11 +127,28 @@ bool holds(const Variant& value) {
   return whole && *whole == -1;
 }
 
+/// Which branch a condition chooses; none when it is an error value, or an array of which some
+/// elements choose the one and some the other.
+std::optional<bool> decides(const Variant& condition) {
+  if (condition.is_error()) return {};
+  if (!condition.is_array()) return holds(condition);
+  std::optional<bool> all;
+  const VariantArray& array = condition.array();
+  for (std::int32_t row = 1; row <= array.rows(); ++row) {
+    for (std::int32_t column = 1; column <= array.columns(); ++column) {
+      const Variant& element = array.at(row, column);
+      if (element.is_error() || holds(element) != all.value_or(holds(element))) return {};
+      all = holds(element);
+    }
+  }
+  return all;
+}
+
 }  // namespace
 
 /// The second branch runs up to the closing parenthesis, commas and all: an array constant in the
 /// first branch ends that one early and must not hide what follows.
-void Parser::parse_if(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_if(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_if");
   position += 2;
   const Tokens condition = take_until(
@@ -131,19 +164,21 @@ void Parser::parse_if(Tokens tokens, std::size_t& position) {
       return text == ")" && depth == 1;
     });
   }
-  const Variant value = value_behind(local_eval(join_texts(condition)));
-  if (value.is_error()) {
+  const std::optional<bool> chosen = decides(local_eval(args_array_to_string(condition)));
+  if (!chosen) {
     for (const Tokens part : {condition, branches[0], branches[1]}) {
       bool second_pass = false;
       do_parse(part, second_pass);
     }
-    return;
+    return DrillVerdict::undecided;
   }
   bool second_pass = true;
-  do_parse(branches[holds(value) ? 0 : 1], second_pass);
-  if (options().ParseIf() != qtodrillconditionandused) return;
-  second_pass = true;
-  do_parse(condition, second_pass);
+  do_parse(branches[*chosen ? 0 : 1], second_pass);
+  if (options().ParseIf() == qtodrillconditionandused) {
+    second_pass = true;
+    do_parse(condition, second_pass);
+  }
+  return DrillVerdict::decided;
 }
 
 }  // namespace qto

@@ -40,7 +40,7 @@ bool is_one_reference(Tokens argument) {
 }  // namespace
 
 Variant Parser::argument_value(Tokens argument) {
-  return value_behind(local_eval(args_array_to_string(argument)));
+  return local_eval(args_array_to_string(argument));
 }
 
 /// The value to look up; a date, or a text that reads as one, by its serial number.
@@ -54,33 +54,36 @@ Variant Parser::lookup_value(Tokens argument) {
   return value;
 }
 
-void Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
   const bool by_column = tokens[position - 1].type == TokenType::vlookup;
   Procedure proc("Parser", by_column ? "parse_vlookup" : "parse_hlookup");
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 3) throw NumberedFailure(9, "a lookup with fewer than three arguments");
   const Variant wanted = lookup_value(args[0]);
-  if (!is_one_reference(args[1])) {
+  const bool usable = is_one_reference(args[1]);
+  if (!usable) {
     part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
   } else {
     const auto table = local_eval_range(args_array_to_string(args[1]));
     const bool approximate = args.size() < 4 || flag_behind(argument_value(args[3]));
     const std::int32_t index = whole_number_behind(argument_value(args[2]));
-    if (!table) return;
+    if (!table) return DrillVerdict::not_found;
     const auto line = by_column ? table->Columns(1) : table->Rows(1);
     const auto place = Main::shared_application()->WorksheetFunction()->Match(
         wanted, line, approximate ? 1.0 : 0.0);
-    if (!place || *place == 0) return;
+    if (!place || *place == 0) return DrillVerdict::not_found;
     const auto along = static_cast<std::int32_t>(*place);
     add_cell_part(by_column ? table->Cells(along, index) : table->Cells(index, along));
   }
-  if (options().ParseLookup() != qtodrillconditionandused) return;
-  bool second_pass = true;
-  do_parse(args[0], second_pass);
+  if (options().ParseLookup() == qtodrillconditionandused) {
+    bool second_pass = true;
+    do_parse(args[0], second_pass);
+  }
+  return usable ? DrillVerdict::decided : DrillVerdict::no_table;
 }
 
-void Parser::parse_lookup(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_lookup(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_lookup");
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
@@ -88,38 +91,42 @@ void Parser::parse_lookup(Tokens tokens, std::size_t& position) {
   const Variant wanted = lookup_value(args[0]);
   std::string vector_text = args_array_to_string(args[1]);
   if (const auto written = local_eval_range(vector_text)) vector_text = written->Address();
-  if (vector_text.empty()) {
+  const bool usable = !vector_text.empty();
+  if (!usable) {
     part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
   } else {
     const auto vector = local_eval_range(vector_text);
-    if (!vector) return;
+    if (!vector) return DrillVerdict::not_found;
     const auto place = Main::shared_application()->WorksheetFunction()->Match(wanted, vector);
-    if (!place || *place == 0) return;
+    if (!place || *place == 0) return DrillVerdict::not_found;
     const auto result = args.size() > 2 ? local_eval_range(args_array_to_string(args[2])) : vector;
     if (!result) throw NumberedFailure(91, "the result vector of LOOKUP is no range");
     const auto along = static_cast<std::int32_t>(*place);
     add_cell_part(vector->RowsCount() == 1 ? result->Cells(1, along) : result->Cells(along, 1));
   }
-  if (options().ParseLookup() != qtodrillconditionandused) return;
-  bool second_pass = true;
-  do_parse(args[0], second_pass);
+  if (options().ParseLookup() == qtodrillconditionandused) {
+    bool second_pass = true;
+    do_parse(args[0], second_pass);
+  }
+  return usable ? DrillVerdict::decided : DrillVerdict::no_table;
 }
 
-void Parser::parse_match(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_match(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_match");
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   bool second_pass = true;
   do_parse(args[0], second_pass);
+  return DrillVerdict::decided;
 }
 
-void Parser::parse_sumif(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_sumif");
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 2) throw NumberedFailure(9, "SUMIF with fewer than two arguments");
   const auto range = local_eval_range(args_array_to_string(args[0]));
-  if (!range) return;
+  if (!range) return DrillVerdict::no_table;
   const std::string criterion_text = args_array_to_string(args[1]);
   const Variant criterion = criterion_text.starts_with('"') && criterion_text.size() > 1
                                 ? Variant(criterion_text.substr(1, criterion_text.size() - 2))
@@ -134,9 +141,11 @@ void Parser::parse_sumif(Tokens tokens, std::size_t& position) {
       add_cell_part(sums ? sums->Cells(row, column) : cell);
     }
   }
-  if (options().ParseSumif() != qtodrillconditionandused) return;
-  bool second_pass = true;
-  do_parse(args[1], second_pass);
+  if (options().ParseSumif() == qtodrillconditionandused) {
+    bool second_pass = true;
+    do_parse(args[1], second_pass);
+  }
+  return DrillVerdict::decided;
 }
 
 }  // namespace qto

@@ -22,34 +22,39 @@ Tokens argument_list(Tokens tokens, std::size_t& position) {
 
 }  // namespace
 
-void Parser::parse_index(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_index(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_index");
   position += 2;
   const Tokens list = argument_list(tokens, position);
-  if (const auto range = local_eval_range("INDEX(" + join_texts(list) + ")"))
-    walk_text("=" + range->Address(), false);
-  else
+  const auto range = local_eval_range("INDEX(" + args_array_to_string(list) + ")");
+  if (!range) {
     part_->put_HasError(true);
+    return DrillVerdict::no_reference;
+  }
+  walk_text("=" + range->Address(), false);
+  return DrillVerdict::decided;
 }
 
-void Parser::parse_offset(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_offset(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_offset");
   position += 2;
   std::size_t start = position;
   const std::vector<Tokens> args = get_args(tokens, position);
   const Tokens list = argument_list(tokens, start);
-  const auto range = local_eval_range("OFFSET(" + join_texts(list) + ")");
+  const auto range = local_eval_range("OFFSET(" + args_array_to_string(list) + ")");
   if (!range) {
     part_->put_HasError(true);
-    return;
+    return DrillVerdict::no_reference;
   }
   walk_text("=" + range->Address(), false);
-  if (options().ParseOffset() != qtodrillindirectboth) return;
-  bool second_pass = true;
-  do_parse(args[0], second_pass);
+  if (options().ParseOffset() == qtodrillindirectboth) {
+    bool second_pass = true;
+    do_parse(args[0], second_pass);
+  }
+  return DrillVerdict::decided;
 }
 
-void Parser::parse_indirect(Tokens tokens, std::size_t& position) {
+DrillVerdict Parser::parse_indirect(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_indirect");
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
@@ -57,15 +62,16 @@ void Parser::parse_indirect(Tokens tokens, std::size_t& position) {
   if (args.size() > 1 && !flag_behind(argument_value(args[1])))
     target = Main::shared_application()->ConvertFormula(
         target, host::xlR1C1, host::xlA1, ref_cast<host::Range>(part_->UnderlyingObject()));
-  parse_indirect_real(target);
-  if (options().ParseIndirect() != qtodrillindirectboth) return;
+  const DrillVerdict verdict = parse_indirect_real(target);
+  if (options().ParseIndirect() != qtodrillindirectboth) return verdict;
   for (const Tokens argument : args) {
     bool second_pass = true;
     do_parse(argument, second_pass);
   }
+  return verdict;
 }
 
-void Parser::parse_indirect_real(const std::string& text) {
+DrillVerdict Parser::parse_indirect_real(const std::string& text) {
   Procedure proc("Parser", "parse_indirect_real");
   TokenTable table;
   split_formula("=" + text, table);
@@ -83,9 +89,10 @@ void Parser::parse_indirect_real(const std::string& text) {
   found_ = before;
   if (unresolved) {
     part_->put_HasError(true);
-    return;
+    return DrillVerdict::no_reference;
   }
   do_parse(table.tokens, drill_intelligently);
+  return DrillVerdict::decided;
 }
 
 }  // namespace qto

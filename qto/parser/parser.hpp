@@ -15,6 +15,7 @@
 #include "qto/host/worksheet.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
+#include "qto/parser/drill_verdict.hpp"
 #include "qto/parser/token.hpp"
 
 namespace qto {
@@ -44,6 +45,8 @@ class Parser {
   void AddParentRange(ModelPart& part);
   void RemoveParentRange();
   std::size_t ParentCount() const noexcept { return parents_.size(); }
+  /// What became of every special function drilled so far.
+  const DrillVerdicts& Verdicts() const noexcept { return verdicts_; }
 
   // The pieces, open to tests
 
@@ -90,15 +93,16 @@ class Parser {
   // Intelligent drilling: the second walk, which follows only what feeds the result
   void parse_functions_intelligently();
   void drill_function(Tokens tokens, std::size_t& i);
-  void parse_if(Tokens tokens, std::size_t& i);
-  void parse_table_lookup(Tokens tokens, std::size_t& i);
-  void parse_lookup(Tokens tokens, std::size_t& i);
-  void parse_match(Tokens tokens, std::size_t& i);
-  void parse_index(Tokens tokens, std::size_t& i);
-  void parse_sumif(Tokens tokens, std::size_t& i);
-  void parse_indirect(Tokens tokens, std::size_t& i);
-  void parse_indirect_real(const std::string& text);
-  void parse_offset(Tokens tokens, std::size_t& i);
+  DrillVerdict drill_by_type(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_if(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_table_lookup(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_lookup(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_match(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_index(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_sumif(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_indirect(Tokens tokens, std::size_t& i);
+  DrillVerdict parse_indirect_real(const std::string& text);
+  DrillVerdict parse_offset(Tokens tokens, std::size_t& i);
   Variant local_eval(const std::string& text);
   Ref<host::Range> local_eval_range(const std::string& text);
   Ref<host::Worksheet> evaluation_sheet();
@@ -138,6 +142,7 @@ class Parser {
   TokenTable table_;
   std::unordered_map<std::uint64_t, Ref<SheetRecord>> records_;  // by identity stamp
   Ref<SheetRecord> last_record_;
+  DrillVerdicts verdicts_;
 };
 
 }  // namespace qto

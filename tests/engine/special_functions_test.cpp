@@ -21,28 +21,27 @@ TEST(IfDrilling, FollowsTheBranchThatItsConditionSelects) {
   Books books("A1=5; A2=-5; A3=1; A4=-1; A5=TRUE; A6=TRUE text; B1=1; C1=2; My Sheet!A1=7");
   const Row all[] = {{"=IF(A1>0,B1,C1)", "A1 B1 C1"}};
   check(books, {}, {all[0]});
-  check(
-      books, {.ParseIf = 1},
-      {
-          {"=IF(A1>0,B1,C1)", "B1"},
-          {"=IF(A2>0,B1,C1)", "C1"},
-          {"=IF(A1>0,B1)", "B1"},
-          {"=IF(A2>0,B1)", "none"},
-          {"=IF(A2>0,B1)+C1", "C1"},
-          {"=IF(A3,B1,C1)", "C1"},  // 1 is not TRUE
-          {"=IF(A4,B1,C1)", "B1"},  // -1 is
-          {"=IF(A5,B1,C1)", "B1"},
-          {"=IF(A6,B1,C1)", "C1"},
-          {"=IF(A9,B1,C1)", "C1"},
-          {"=IF(#N/A,B1,C1)", "B1 C1"},
-          {"=IF(1/0,B1,IF(A1>0,A1,A2))", "B1 A1 A2"},
-          {"=IF(A1>0,SUM(B1:B3),C1)", "B1 B2 B3"},
-          {"=IF(A1>0,IF(A2>0,A3,A4),C1)", "A4"},
-          {"=IF(A2>0,{1,2},C1)", "C1"},
-          {"=IF(A2>0,MAX(A1,A2),MIN(B1,C1))+A3", "B1 C1 A3"},
-          {"=IF('My Sheet'!A1>0,B1,C1)", "My Sheet!A1 B1 C1"},  // cannot be evaluated as it stands
-          {"=IF(A1>0,,C1)", "C1"},
-      });
+  check(books, {.ParseIf = 1},
+        {
+            {"=IF(A1>0,B1,C1)", "B1"},
+            {"=IF(A2>0,B1,C1)", "C1"},
+            {"=IF(A1>0,B1)", "B1"},
+            {"=IF(A2>0,B1)", "none"},
+            {"=IF(A2>0,B1)+C1", "C1"},
+            {"=IF(A3,B1,C1)", "C1"},  // 1 is not TRUE
+            {"=IF(A4,B1,C1)", "B1"},  // -1 is
+            {"=IF(A5,B1,C1)", "B1"},
+            {"=IF(A6,B1,C1)", "C1"},
+            {"=IF(A9,B1,C1)", "C1"},
+            {"=IF(#N/A,B1,C1)", "B1 C1"},
+            {"=IF(1/0,B1,IF(A1>0,A1,A2))", "B1 A1 A2"},
+            {"=IF(A1>0,SUM(B1:B3),C1)", "B1 B2 B3"},
+            {"=IF(A1>0,IF(A2>0,A3,A4),C1)", "A4"},
+            {"=IF(A2>0,{1,2},C1)", "C1"},
+            {"=IF(A2>0,MAX(A1,A2),MIN(B1,C1))+A3", "B1 C1 A3"},
+            {"=IF('My Sheet'!A1>0,B1,C1)", "B1"},
+            {"=IF(A1>0,,C1)", "C1"},
+        });
   check(books, {.ParseIf = 2},
         {
             {"=IF(A1>0,B1,C1)", "B1 A1"},
@@ -50,6 +49,35 @@ TEST(IfDrilling, FollowsTheBranchThatItsConditionSelects) {
             {"=IF(A2>0,B1)", "A2"},
             {"=IF(AND(A1>0,A2>0),B1,C1)", "C1 A1 A2"},
         });
+}
+
+/// What a reference to several cells means depends on the cell in which the formula stands.
+TEST(SpecialFunctions, AreEvaluatedAsTheirOwnCellSeesThem) {
+  Books books(
+      "A8=1; A9=5; A10=1; B8=k; B9=m; C8=10; C9=20; D1=k; D2=m; E1=1; E2=2; "
+      "name Amounts=Sheet1!$A$8:$A$10; name Left=Sheet1!B9");
+  check(books, {.ParseIf = 1, .ParseLookup = 1, .ParseIndex = 1},
+        {
+            {"=IF(A8:A10>3,B1,C1)", "B1"},
+            {"=IF(Amounts>3,B1,C1)", "B1"},
+            {"=IF(ROW()=9,B1,C1)", "B1"},
+            {"=VLOOKUP(B8:B10,D1:E2,2,FALSE)", "E2"},
+            {"=INDEX(E1:E2,MATCH(B8:B10,D1:D2,0))", "E2"},
+        });
+}
+
+TEST(SpecialFunctions, InArrayFormulasSeeEveryElement) {
+  Books books("A1=1; A2=2; A3=-3");
+  const struct {
+    const char* formula;
+    const char* found;
+  } rows[] = {{"=SUM(IF(A1:A2>0,B1,C1))", "B1"},
+              {"=SUM(IF(A1:A2<0,B1,C1))", "C1"},
+              {"=SUM(IF(A1:A3>0,B1,C1))", "A1 A2 A3 B1 C1"}};
+  for (const auto& row : rows) {
+    books.range("F5")->put_FormulaArray(row.formula);
+    EXPECT_EQ(precedents(books, "F5", {.ParseIf = 1}), row.found) << row.formula;
+  }
 }
 
 TEST(IfDrilling, KeepsEveryReferenceInTheListOfAll) {

@@ -121,7 +121,7 @@ std::string arguments(std::string_view formula) {
   try {
     std::string out;
     for (const Tokens argument : get_args(call.table.tokens, position))
-      out += "<" + join_texts(argument) + ">";
+      out += "<" + args_array_to_string(argument) + ">";
     return out + std::to_string(call.table.count() - position);
   } catch (const NumberedFailure& failure) {
     return std::to_string(failure.number);
@@ -138,6 +138,7 @@ TEST(Arguments, SplitAtCommasOutsideParentheses) {
       {"=F(A1,,B1)", "<A1><><B1>0"},
       {"=F(G(A1,B1),C1)*2", "<G(A1,B1)><C1>2"},
       {"=F({1,2},A1)", "<{1><2}><A1>0"},
+      {"=F(A1, Data!B2,\n Other!C3)", "<A1>< 'Data'!B2><\n 'Other'!C3>0"},
       {"=F(a,b,c,d,e)", "<a><b><c><d><e>0"},
       {"=F(a,b,c,d,e,f)", "-2147221500"},
       {"=F(A1", "9"},

@@ -24,6 +24,7 @@ Operand Evaluator::Impl::settle(const Operand& result, EvaluationMode mode) {
   // A function that nobody calls has no value to show.
   if (result.value() && result.value()->is_object()) return ErrorValue::calc;
   if (mode == EvaluationMode::cell) return shown(walker.single(result));
+  if (mode == EvaluationMode::cell_value) return walker.single(result).to_variant();
   if (mode == EvaluationMode::array) {
     const Grid grid(walker, result);
     if (grid.size() == 1) return shown(grid.at(0, 0));
@@ -44,7 +45,7 @@ Operand Evaluator::evaluate(const CompiledFormula& formula, Sheet& sheet, CellPo
                             EvaluationMode mode) {
   const SyntaxTree* tree = formula.tree();
   if (!tree || tree->root == no_node) return ErrorValue::name;
-  const bool cell = mode == EvaluationMode::cell;
+  const bool cell = mode != EvaluationMode::array && mode != EvaluationMode::reference;
   const Operand result = impl_->walker.walk(*tree, {&sheet.book(), &sheet, at}, !cell, cell);
   return impl_->settle(result, mode);
 }

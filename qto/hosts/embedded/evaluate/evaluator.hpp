@@ -11,9 +11,11 @@ namespace qto::embedded {
 class FunctionTable;
 
 enum class EvaluationMode : std::uint8_t {
-  cell,       ///< an ordinary formula: references where a value is wanted intersect with the cell
-  array,      ///< an array formula: every operation runs over all elements
-  reference,  ///< keep a reference as it is (names, Evaluate, INDIRECT-like callers)
+  cell,        ///< an ordinary formula: references where a value is wanted intersect with the cell
+  array,       ///< an array formula: every operation runs over all elements
+  reference,   ///< keep a reference as it is (names, Evaluate, INDIRECT-like callers)
+  cell_value,  ///< as cell, for a piece of a formula: a blank stays blank
+  cell_reference,  ///< as cell, for a piece of a formula: keep a reference as it is
 };
 
 /// Evaluates compiled formulas. One evaluator serves many formulas of many books.

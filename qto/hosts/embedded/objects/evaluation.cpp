@@ -49,13 +49,14 @@ double TextEvaluator::now() const {
 
 double TextEvaluator::random() { return std::uniform_real_distribution<double>(0, 1)(random_); }
 
-Variant TextEvaluator::evaluate(OpenBook& book, Sheet& sheet, CellPos at, std::string_view text) {
+Variant TextEvaluator::evaluate(OpenBook& book, Sheet& sheet, CellPos at, std::string_view text,
+                                EvaluationMode mode) {
   const std::string_view body = text::trim(without_equals(text::trim(text)));
   if (body.empty()) return {};
   const auto formula = CompiledFormula::compile(number_known_links(body, book), at);
   application_.ensure_calculated();
   moment_.reset();
-  const Operand result = evaluator_.evaluate(*formula, sheet, at, EvaluationMode::reference);
+  const Operand result = evaluator_.evaluate(*formula, sheet, at, mode);
   if (result.is_reference()) return variant_of(application_, result.areas());
   return result.value() ? *result.value() : Variant{};
 }

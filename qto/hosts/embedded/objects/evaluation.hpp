@@ -19,7 +19,8 @@ class TextEvaluator final : private Environment {
   /// The result of a formula text, "=" first or not, as a formula in the cell would see it: a range
   /// of an open book as such, other references as their values, arrays, values, error values. Of a
   /// text that is no formula #NAME?, of an empty one Empty.
-  Variant evaluate(OpenBook& book, Sheet& sheet, CellPos at, std::string_view text);
+  Variant evaluate(OpenBook& book, Sheet& sheet, CellPos at, std::string_view text,
+                   EvaluationMode mode = EvaluationMode::reference);
 
  private:
   bool ready(const Area&) override { return true; }

@@ -116,6 +116,27 @@ Variant WorksheetObject::Evaluate(std::string_view text) const {
   return book.application().text_evaluator().evaluate(book, *slot_->sheet, at, text);
 }
 
+/// The pieces of an array formula run over all elements, those of any other meet its cell.
+Variant WorksheetObject::evaluate_piece(CellPos cell, std::string_view piece,
+                                        EvaluationMode ordinary) const {
+  OpenBook& book = open();
+  const FormulaId id = sheet().cells.formula(cell);
+  const bool array = id != 0 && book.book().formula(id).kind == FormulaKind::array;
+  return book.application().text_evaluator().evaluate(book, sheet(), cell, piece,
+                                                      array ? EvaluationMode::reference : ordinary);
+}
+
+Variant WorksheetObject::value_in_cell(CellPos cell, std::string_view piece) const {
+  const Variant result = evaluate_piece(cell, piece, EvaluationMode::cell_value);
+  const auto range = ref_cast<host::Range>(result.object());
+  return range ? range->value() : result;
+}
+
+Ref<host::Range> WorksheetObject::range_in_cell(CellPos cell, std::string_view piece) const {
+  return ref_cast<host::Range>(
+      evaluate_piece(cell, piece, EvaluationMode::cell_reference).object());
+}
+
 std::vector<Ref<host::PivotTable>> WorksheetObject::PivotTables() const {
   std::vector<Ref<host::PivotTable>> tables;
   const int count = static_cast<int>(sheet().pivots.size());

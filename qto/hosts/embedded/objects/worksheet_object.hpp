@@ -6,6 +6,7 @@
 namespace qto::embedded {
 
 /// The handle of a worksheet; there is one per sheet while somebody holds it.
+enum class EvaluationMode : std::uint8_t;
 class WorksheetObject final : public host::Worksheet {
  public:
   WorksheetObject(Ref<WorkbookObject> workbook, SheetSlot& slot);
@@ -34,6 +35,8 @@ class WorksheetObject final : public host::Worksheet {
   Ref<host::DefinedName> AddName(std::string_view name, std::string_view refers_to) override;
 
   Variant Evaluate(std::string_view text) const override;
+  Variant value_in_cell(CellPos cell, std::string_view piece) const override;
+  Ref<host::Range> range_in_cell(CellPos cell, std::string_view piece) const override;
   Ref<host::Range> CircularReference() const override;
   std::vector<Ref<host::PivotTable>> PivotTables() const override;
   std::vector<Ref<host::ChartObject>> ChartObjects() const override;
@@ -55,6 +58,7 @@ class WorksheetObject final : public host::Worksheet {
 
  private:
   Ref<host::Application> application() const override;
+  Variant evaluate_piece(CellPos cell, std::string_view piece, EvaluationMode ordinary) const;
 
   Ref<WorkbookObject> workbook_;
   Ref<SheetSlot> slot_;
