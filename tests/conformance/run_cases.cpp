@@ -1,33 +1,26 @@
 // Evaluates formulas that stand alone and compares with the values that were cached with them.
-// Usage: run_cases CASES.jsonl [--list] [--function NAME]
+// Usage: run_cases CASES.jsonl [--list] [--function NAME] [--books FOLDER]
 // A case is a line of JSON: f formula, at cell, cells values by address, names, want value,
-// array block of an array formula, date1904, fn functions.
+// array block of an array formula, date1904, fn functions. A case with "book" is evaluated over the
+// values that this workbook of the folder remembers.
 
-#include <cmath>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/evaluate/evaluator.hpp"
-#include "qto/hosts/embedded/evaluate/value_view.hpp"
 #include "qto/hosts/embedded/functions/registry.hpp"
+#include "qto/hosts/embedded/xlsx/open_workbook.hpp"
+#include "tests/conformance/comparing.hpp"
 
 namespace {
 
 using nlohmann::json;
 using namespace qto;
 using namespace qto::embedded;
-
-class StillWorld : public Environment {
- public:
-  bool ready(const Area&) override { return true; }
-  Book* find_open_book(std::string_view) const override { return nullptr; }
-  double now() const override { return 45352.5; }
-  double random() override { return 0.25; }
-};
+using namespace qto::embedded::conformance;
 
 ErrorValue error_of(const std::string& text) {
   for (const ErrorValue error : {ErrorValue::null, ErrorValue::div0, ErrorValue::value,
@@ -62,31 +55,6 @@ Sheet& sheet_named(Book& book, const std::string& name) {
   return sheet ? *sheet : book.add_sheet(name);
 }
 
-std::string shown(const Variant& value) {
-  const ValueView view = view_of(value);
-  if (view.is_number()) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.17g", view.number());
-    return text;
-  }
-  if (view.is_text()) return '"' + std::string(view.text()) + '"';
-  if (view.is_boolean()) return view.boolean() ? "TRUE" : "FALSE";
-  if (view.is_error()) return std::string(error_text(view.error()));
-  return "(empty)";
-}
-
-bool same(const Variant& got, const Variant& want) {
-  const ValueView a = view_of(got);
-  const ValueView b = view_of(want);
-  if (a.is_number() && b.is_number()) {
-    const double size = std::max(std::fabs(a.number()), std::fabs(b.number()));
-    return std::fabs(a.number() - b.number()) <= std::max(size * 1e-9, 1e-12);
-  }
-  if (a.is_empty() && b.is_text()) return b.text().empty();
-  if (a.type() != b.type()) return false;
-  return got == want;
-}
-
 /// Sheets that a formula names are there, even when all their cells are empty.
 void add_sheets(Book& book, const CompiledFormula& formula) {
   if (!formula.tree()) return;
@@ -95,7 +63,21 @@ void add_sheets(Book& book, const CompiledFormula& formula) {
       sheet_named(book, qualifier.sheet);
 }
 
-Variant evaluate(const json& c) {
+Variant evaluate(const json& c, Sheet& sheet, CellPos pos, const CompiledFormula& formula) {
+  StillWorld world;
+  Evaluator evaluator(world, functions::registry());
+  const bool array = c.contains("array") && c["array"] != false;
+  const Operand result =
+      evaluator.evaluate(formula, sheet, pos, array ? EvaluationMode::array : EvaluationMode::cell);
+  return view_of(*result.value()).to_variant();
+}
+
+std::shared_ptr<const CompiledFormula> formula_of(const json& c, CellPos pos) {
+  return CompiledFormula::compile(c["f"].get<std::string>().substr(1), pos);
+}
+
+/// In a book made for the case.
+Variant evaluate_alone(const json& c) {
   Book book;
   book.date1904 = c.value("date1904", false);
   const auto [sheet_name, at] = split(c["at"]);
@@ -112,16 +94,32 @@ Variant evaluate(const json& c) {
       book.names.add({name, nullptr, false, formula});
     }
   const CellPos pos = parse_cell(at)->pos;
-  std::string text = c["f"].get<std::string>();
-  text.erase(0, 1);
-  StillWorld world;
-  Evaluator evaluator(world, functions::registry());
-  const bool array = c.contains("array");
-  const auto formula = CompiledFormula::compile(text, pos);
+  const auto formula = formula_of(c, pos);
   add_sheets(book, *formula);
-  const Operand result = evaluator.evaluate(*formula, sheet, pos,
-                                            array ? EvaluationMode::array : EvaluationMode::cell);
-  return view_of(*result.value()).to_variant();
+  return evaluate(c, sheet, pos, *formula);
+}
+
+/// The workbooks of a folder, each opened once.
+class Books {
+ public:
+  explicit Books(std::string folder) : folder_(std::move(folder)) {}
+  Book& book(const std::string& name) {
+    auto& slot = open_[name];
+    if (!slot) slot = open_workbook(folder_ + '/' + name);
+    return *slot;
+  }
+
+ private:
+  std::string folder_;
+  std::map<std::string, std::unique_ptr<Book>> open_;
+};
+
+Variant evaluate_in_book(const json& c, Book& book) {
+  const auto [sheet_name, at] = split(c["at"]);
+  Sheet* sheet = book.find_sheet(sheet_name);
+  if (!sheet) throw std::runtime_error("no sheet " + sheet_name);
+  const CellPos pos = parse_cell(at)->pos;
+  return evaluate(c, *sheet, pos, *formula_of(c, pos));
 }
 
 struct Tally {
@@ -134,7 +132,11 @@ struct Tally {
 void count(Tally& tally, const json& c, bool passed) {
   ++(passed ? tally.passed : tally.failed);
   std::set<std::string> functions;
-  for (const auto& function : c["fn"]) functions.insert(function.get<std::string>());
+  const auto formula = formula_of(c, {1, 1});
+  if (c.contains("fn"))
+    for (const auto& function : c["fn"]) functions.insert(function.get<std::string>());
+  else if (formula->tree())
+    functions = functions_of(*formula->tree());
   if (functions.empty()) functions.insert("(operators)");
   for (const auto& function : functions) {
     auto& row = tally.by_function[function];
@@ -155,37 +157,59 @@ void print(const Tally& tally) {
   std::cout << "\npassed " << tally.passed << ", failed " << tally.failed << '\n';
 }
 
+struct Options {
+  std::string cases, books, only;
+  bool list = false;
+};
+
+Options read_options(int argc, char** argv) {
+  Options options;
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (argument == "--list")
+      options.list = true;
+    else if (argument == "--function" && i + 1 < argc)
+      options.only = argv[++i];
+    else if (argument == "--books" && i + 1 < argc)
+      options.books = argv[++i];
+    else
+      options.cases = argument;
+  }
+  return options;
+}
+
+std::string label(const json& c) {
+  if (c.contains("id")) return c["id"].get<std::string>();
+  return c["book"].get<std::string>() + ' ' + c["at"].get<std::string>();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2) {
-    std::cerr << "usage: run_cases CASES.jsonl [--list] [--function NAME]\n";
+  const Options options = read_options(argc, argv);
+  std::ifstream file(options.cases);
+  if (options.cases.empty() || !file) {
+    std::cerr << "usage: run_cases CASES.jsonl [--list] [--function NAME] [--books FOLDER]\n";
     return 1;
   }
-  bool list = false;
-  std::string only;
-  for (int i = 2; i < argc; ++i) {
-    if (std::string_view(argv[i]) == "--list") list = true;
-    if (std::string_view(argv[i]) == "--function" && i + 1 < argc) only = argv[++i];
-  }
-  std::ifstream file(argv[1]);
-  if (!file) {
-    std::cerr << "cannot read " << argv[1] << '\n';
-    return 1;
-  }
+  Books books(options.books);
   Tally tally;
   for (std::string line; std::getline(file, line);) {
     const json c = json::parse(line);
-    if (!only.empty() && std::find(c["fn"].begin(), c["fn"].end(), only) == c["fn"].end()) continue;
-    const Variant got = evaluate(c);
+    if (!options.only.empty() &&
+        std::find(c["fn"].begin(), c["fn"].end(), options.only) == c["fn"].end())
+      continue;
+    const Variant got =
+        c.contains("book") ? evaluate_in_book(c, books.book(c["book"])) : evaluate_alone(c);
     const Variant want = value_of(c["want"]);
-    const bool passed = same(got, want);
+    const bool passed = same_value(view_of(got), view_of(want));
     count(tally, c, passed);
-    if (list && !passed)
-      std::cout << c["id"].get<std::string>() << " [" << c.value("lo", "") << "] "
-                << c["f"].get<std::string>().substr(0, 200) << "  got " << shown(got) << "  want "
-                << shown(want) << (c.contains("array") ? "  array" : "") << '\n';
+    if (options.list && !passed)
+      std::cout << label(c) << " [" << c.value("lo", "") << "] "
+                << c["f"].get<std::string>().substr(0, 200) << "  got " << shown(view_of(got))
+                << "  want " << shown(view_of(want)) << (c.contains("array") ? "  array" : "")
+                << '\n';
   }
   print(tally);
-  return 0;
+  return tally.failed == 0 ? 0 : 1;
 }
