@@ -1,6 +1,7 @@
 #include "tests/evaluate/small_book.hpp"
 
 #include <charconv>
+#include <limits>
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/evaluate/coercion.hpp"
@@ -75,6 +76,15 @@ std::string SmallBook::run(std::string_view formula, std::string_view at, Evalua
   if (formula.starts_with('=')) formula.remove_prefix(1);
   const auto compiled = CompiledFormula::compile(formula, pos);
   return embedded::text_of(evaluator_.evaluate(*compiled, sheet("Sheet1"), pos, mode));
+}
+
+double SmallBook::number(std::string_view formula) {
+  if (formula.starts_with('=')) formula.remove_prefix(1);
+  const auto compiled = CompiledFormula::compile(formula, CellPos{20, 10});
+  const Operand result =
+      evaluator_.evaluate(*compiled, sheet("Sheet1"), CellPos{20, 10}, EvaluationMode::cell);
+  const double* number = result.value() ? result.value()->get_if<double>() : nullptr;
+  return number ? *number : std::numeric_limits<double>::quiet_NaN();
 }
 
 bool SmallBook::ready(const Area& area) {

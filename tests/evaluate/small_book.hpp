@@ -22,6 +22,8 @@ class SmallBook : public Environment {
   /// The result as a text: numbers as joined to text, arrays as {1,2;3,4}, references with sheet.
   std::string run(std::string_view formula, std::string_view at = "J20",
                   EvaluationMode mode = EvaluationMode::cell);
+  /// The result as a number with all its digits; not a number when it is none.
+  double number(std::string_view formula);
   std::string run_array(std::string_view formula, std::string_view at = "J20") {
     return run(formula, at, EvaluationMode::array);
   }

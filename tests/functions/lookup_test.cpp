@@ -47,6 +47,9 @@ TEST(Lookup, ExtendedFormsGoBothWays) {
                          {"=XMATCH(4,D1:D4,0,-2)", "2"},
                          {"=XMATCH(3,D1:D4,1,-2)", "2"},
                          {"=XMATCH(1,{1,2,1},0,-1)", "3"},
+                         {"=XMATCH(4.1,{\"\",\"a\",1.1,4.1},0,2)", "#N/A"},  // texts stand above
+                         {"=XMATCH(4.1,{2,\"s\",\"a\",4.1,1.1},1,2)", "2"},
+                         {"=XMATCH(2,{1,2,3,#N/A,#N/A},0,2)", "2"},
                          {"=XMATCH(1,{1,2},3)", "#VALUE!"}});
 }
 

@@ -237,6 +237,29 @@ TEST_F(CalculatorTest, WhatCannotBeReachedKeepsItsValue) {
   EXPECT_EQ(book_.shown("A3"), "35");
 }
 
+TEST_F(CalculatorTest, LinksGiveWhatTheFileRemembersOfThem) {
+  ExternalBook link;
+  link.name = "Other.xlsx";
+  link.sheets = {"Kept", "Nothing", "Gone"};
+  link.values.resize(3);
+  link.values[0][ExternalBook::key({1, 1})] = 4.0;
+  link.lost = {false, false, true};
+  book_.book.externals.push_back(link);
+  book_.formula("A1", "[1]Kept!A1+[Other.xlsx]Kept!A1");
+  book_.formula("A2", "[1]Nothing!A1");
+  book_.formula("A3", "[1]Gone!A1");
+  book_.formula("A4", "[Other.xlsx]Elsewhere!A1");
+  plant("A2", 30.0);
+  plant("A3", ErrorValue::ref);
+  plant("A4", 40.0);
+  book_.book.everything_changed();
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "8");
+  EXPECT_EQ(book_.shown("A2"), "30");
+  EXPECT_EQ(book_.shown("A3"), "#REF!");
+  EXPECT_EQ(book_.shown("A4"), "40");
+}
+
 TEST_F(CalculatorTest, ThroughTablesSpansAndSumIf) {
   Table table;
   table.name = "T";

@@ -39,6 +39,9 @@ class CellStore {
   /// column from top to bottom. The store must not change meanwhile.
   template <class Visit>
   void for_each(const Rect& rect, Visit&& visit) const;
+  /// The same row by row from left to right.
+  template <class Visit>
+  void for_each_by_row(const Rect& rect, Visit&& visit) const;
   /// The first stored cell at or below `pos` in its column and not below `last_row`; row 0 if none.
   CellPos next_in_column(CellPos pos, std::int32_t last_row) const noexcept;
 
@@ -64,6 +67,36 @@ class CellStore {
   std::int64_t formulas_ = 0;
   std::int64_t blocks_ = 0;
 };
+
+template <class Visit>
+void CellStore::for_each_by_row(const Rect& rect, Visit&& visit) const {
+  const std::int32_t last_column = std::min(rect.last.column, this->last_column());
+  std::size_t pages = 0;
+  for (std::int32_t column = rect.first.column; column <= last_column; ++column)
+    pages = std::max(pages, columns_[column - 1].size());
+  const int last_row =
+      std::min(rect.last.row, static_cast<int>(pages) * block_rows * blocks_per_page);
+  std::vector<std::pair<std::int32_t, const Block*>> blocks;
+  for (int first = (rect.first.row - 1) / block_rows * block_rows + 1; first <= last_row;
+       first += block_rows) {
+    blocks.clear();
+    std::uint64_t used = 0;
+    for (std::int32_t column = rect.first.column; column <= last_column; ++column)
+      if (const Block* block = find_block(first, column)) {
+        blocks.emplace_back(column, block);
+        used |= block->used;
+      }
+    for (; used; used &= used - 1) {
+      const int offset = std::countr_zero(used);
+      const int row = first + offset;
+      if (row < rect.first.row || row > rect.last.row) continue;
+      for (const auto& [column, block] : blocks)
+        if (block->used >> offset & 1)
+          visit(CellPos{row, column}, block->cells[offset],
+                block->formulas ? (*block->formulas)[offset] : FormulaId{0});
+    }
+  }
+}
 
 template <class Visit>
 void CellStore::for_each(const Rect& rect, Visit&& visit) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -23,6 +24,9 @@ struct ExternalBook {
   std::vector<std::string> sheets;
   /// Remembered values per sheet, keyed by (row << 14) + column - 1.
   std::vector<std::unordered_map<std::uint64_t, Variant>> values;
+  /// Sheets, by position, that could not be found when the link was last updated: what refers to
+  /// them is #REF!.
+  std::vector<bool> lost;
   /// Names of the linked book with what they refer to (formula text without "=").
   struct Name {
     std::string name;
@@ -30,6 +34,9 @@ struct ExternalBook {
     std::string refers_to;
   };
   std::vector<Name> names;
+
+  /// True when values of the sheet are remembered. Letter case does not matter.
+  bool remembers(std::string_view sheet) const;
 
   static std::uint64_t key(CellPos pos) noexcept {
     return (static_cast<std::uint64_t>(pos.row) << 14) + static_cast<std::uint64_t>(pos.column - 1);

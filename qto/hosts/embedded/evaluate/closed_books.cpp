@@ -22,6 +22,7 @@ std::unique_ptr<Book> build(const ExternalBook& source) {
   book->path = source.folder;
   for (std::size_t i = 0; i < source.sheets.size(); ++i) {
     if (book->find_sheet(source.sheets[i])) continue;
+    if (i < source.lost.size() && source.lost[i]) continue;
     Sheet& sheet = book->add_sheet(source.sheets[i]);
     if (i < source.values.size()) fill(*book, sheet, source.values[i]);
   }

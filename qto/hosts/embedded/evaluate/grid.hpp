@@ -90,14 +90,18 @@ void Grid::for_each(Visit&& visit) const {
 template <class Visit>
 void Grid::for_each_by_row(Visit&& visit) const {
   if (area_ && columns_ == 1) return for_each(visit);
-  const int last_row = stored_rows();
-  const int last_column = stored_columns();
-  for (int row = 0; row < last_row; ++row)
-    for (int column = 0; column < last_column; ++column) {
-      const ValueView value = at(row, column);
-      if (area_ && value.is_empty()) continue;
-      if (!visit(row, column, value)) return;
-    }
+  if (area_) {
+    const CellPos origin = area_->rect.first;
+    bool go_on = true;
+    area_->sheet->cells.for_each_by_row(area_->rect, [&](CellPos at, const Cell& cell, FormulaId) {
+      if (go_on && !cell.is_empty())
+        go_on = visit(at.row - origin.row, at.column - origin.column, view_of(cell, *texts_));
+    });
+    return;
+  }
+  for (int row = 0; row < rows_; ++row)
+    for (int column = 0; column < columns_; ++column)
+      if (!visit(row, column, at(row, column))) return;
 }
 
 }  // namespace qto::embedded

@@ -9,6 +9,8 @@ namespace {
 /// ((1 + rate)^periods - 1) / rate, the worth of payments of 1 at the end.
 double payments_factor(double rate, double periods) {
   if (rate == 0) return periods;
+  // Little growth would lose its digits beside the 1.
+  if (std::fabs(rate * periods) < 0.5) return std::expm1(periods * std::log1p(rate)) / rate;
   return (std::pow(1 + rate, periods) - 1) / rate;
 }
 

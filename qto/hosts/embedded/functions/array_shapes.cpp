@@ -55,6 +55,7 @@ Operand fn_choose_lines(Call& call) {
   std::vector<int> lines;
   for (const Operand& argument : call.from(1)) {
     const Grid numbers(call.context(), argument);
+    if (!numbers.is_vector()) return ErrorValue::value;
     for (std::int64_t i = 0; i < numbers.size(); ++i) {
       const auto number = to_number(numbers.nth(i), call.context().dates());
       if (!number) return number.error();

@@ -9,15 +9,20 @@ namespace {
 
 using enum Parameter;
 
-/// Orders beyond this are refused: what they give is 0 or infinite.
-constexpr double largest_order = 1e6;
+/// Orders beyond this are not calculated: the functions are 0 or infinite there unless x is as
+/// large.
+constexpr double largest_order = 1e5;
 
-template <double (*F)(int, double), bool positive_only>
+template <double (*F)(int, double), bool second_kind>
 Operand fn_bessel(Call& call) {
   const double order = std::trunc(call.number(1));
-  if (order < 0 || order > largest_order) return ErrorValue::num;
-  if (positive_only && call.number(0) <= 0) return ErrorValue::num;
-  return F(static_cast<int>(order), call.number(0));
+  const double x = call.number(0);
+  if (order < 0 || (second_kind && x <= 0)) return ErrorValue::num;
+  if (order > largest_order) {
+    if (second_kind || std::fabs(x) > order / 2) return ErrorValue::num;
+    return 0.0;
+  }
+  return F(static_cast<int>(order), x);
 }
 
 double first_kind(int order, double x) { return ::jn(order, x); }

@@ -66,33 +66,36 @@ Operand fn_ddb(Call& call) {
   return declining(cost, salvage, life, period, factor);
 }
 
-/// What is written off from the start to the end of a whole period, changing to equal parts as soon
-/// as those are larger.
-double written_off_until(double cost, double salvage, double life, double factor, double end,
-                         bool switching) {
-  double sum = 0;
-  double rest = cost - salvage;
-  double straight = 0;
-  bool is_straight = false;
-  const double last = std::ceil(end);
-  for (double i = 1; i <= last; ++i) {
-    double step = 0;
-    if (is_straight) {
-      step = straight;
-    } else {
-      step = declining(cost, salvage, life, i, factor);
-      const double equal = rest / (life - i + 1);
-      if (switching && equal > step) {
-        step = straight = equal;
-        is_straight = true;
-      }
-      rest -= step;
-    }
-    if (i == last) step *= end + 1 - last;
-    sum += step;
+/// An asset that is written off by a declining balance, and by equal parts of the rest as soon as
+/// those are larger.
+struct DecliningBalance {
+  double cost, salvage, life, rate;
+  bool switching;
+
+  /// What is written off in a stretch of at most one period, given the value at its start.
+  double step(double value, double at, double length) const {
+    const double left = std::max(value - salvage, 0.0);
+    const double declining = std::min(value * rate, left);
+    const double equal = left / (life - at);
+    return length * (switching ? std::max(declining, equal) : declining);
   }
-  return sum;
-}
+
+  /// Periods count from the fraction of a period at which `start` lies.
+  double written_off(double start, double end) const {
+    double value = cost;
+    double sum = 0;
+    const double part = start - std::floor(start);
+    for (double at = 0; at < end;) {
+      const double length = at == 0 && part > 0 ? part : 1.0;
+      const double whole = step(value, at, length);
+      const double next = std::min(at + length, end);
+      if (at >= start) sum += next < at + length ? whole * (next - at) / length : whole;
+      value -= whole;
+      at += length;
+    }
+    return sum;
+  }
+};
 
 Operand fn_vdb(Call& call) {
   const double cost = call.number(0);
@@ -105,8 +108,8 @@ Operand fn_vdb(Call& call) {
   if (cost < 0 || salvage < 0 || life <= 0 || start < 0 || end < start || end > life ||
       factor <= 0 || life > 1e6)
     return ErrorValue::num;
-  return written_off_until(cost, salvage, life, factor, end, switching) -
-         written_off_until(cost, salvage, life, factor, start, switching);
+  return DecliningBalance{cost, salvage, life, std::min(factor / life, 1.0), switching}.written_off(
+      start, end);
 }
 
 /// The common arguments of the French methods.

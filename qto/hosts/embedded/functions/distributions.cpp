@@ -10,9 +10,14 @@ namespace {
 
 using enum Parameter;
 
-double log_choose(double n, double k) {
+// Densities are reckoned through logarithms, whose digits long double keeps.
+using Real = long double;
+
+Real log_choose(Real n, Real k) {
   return std::lgamma(n + 1) - std::lgamma(k + 1) - std::lgamma(n - k + 1);
 }
+
+double exponential(Real exponent) { return static_cast<double>(std::exp(exponent)); }
 
 bool is_probability(double p) { return p >= 0 && p <= 1; }
 
@@ -80,9 +85,9 @@ Operand fn_weibull_dist(Call& call) {
   return shape / std::pow(scale, shape) * std::pow(x, shape - 1) * std::exp(-power);
 }
 
-double gamma_density(double x, double shape, double scale) {
-  return std::exp((shape - 1) * std::log(x) - x / scale - shape * std::log(scale) -
-                  std::lgamma(shape));
+double gamma_density(Real x, Real shape, Real scale) {
+  return exponential((shape - 1) * std::log(x) - x / scale - shape * std::log(scale) -
+                     std::lgamma(shape));
 }
 
 Operand fn_gamma_dist(Call& call) {
@@ -102,7 +107,7 @@ Operand fn_gamma_inv(Call& call) {
   const double scale = call.number(2);
   if (!(p >= 0 && p < 1) || shape <= 0 || scale <= 0) return ErrorValue::num;
   if (p == 0) return 0.0;
-  return scale * invert_positive([&](double x) { return gamma_p(shape, x); }, p);
+  return scale * gamma_inverse(p, shape);
 }
 
 Operand fn_gamma(Call& call) {
@@ -132,9 +137,9 @@ Operand beta_value(Call& call, const Beta& beta, bool cumulative) {
   const double t = (x - beta.low) / (beta.high - beta.low);
   if (cumulative) return beta_i(t, beta.a, beta.b);
   if ((t == 0 && beta.a < 1) || (t == 1 && beta.b < 1)) return ErrorValue::num;
-  const double density =
-      std::pow(t, beta.a - 1) * std::pow(1 - t, beta.b - 1) / std::exp(log_beta(beta.a, beta.b));
-  return density / (beta.high - beta.low);
+  const Real density = std::pow(Real{t}, beta.a - 1) * std::pow(1 - Real{t}, beta.b - 1) *
+                       std::exp(-log_beta(beta.a, beta.b));
+  return static_cast<double>(density) / (beta.high - beta.low);
 }
 Operand fn_beta_dist(Call& call) { return beta_value(call, beta_of(call, 4), call.logical(3)); }
 Operand fn_betadist(Call& call) { return beta_value(call, beta_of(call, 3), true); }
@@ -143,7 +148,12 @@ Operand fn_beta_inv(Call& call) {
   const Beta beta = beta_of(call, 3);
   const double p = call.number(0);
   if (!beta.valid() || p <= 0 || p >= 1) return ErrorValue::num;
-  const double t = invert_rising([&](double x) { return beta_i(x, beta.a, beta.b); }, p, 0, 1);
+  const auto above = [&](double x) {
+    return -beta_i(Split{x, 1 - Real{x}}.other(), beta.b, beta.a);
+  };
+  const double t =
+      p > 0.5 ? invert_rising(above, p - 1, 0, 1)
+              : invert_rising([&](double x) { return beta_i(x, beta.a, beta.b); }, p, 0, 1);
   return beta.low + t * (beta.high - beta.low);
 }
 
@@ -152,12 +162,12 @@ Operand fn_beta_inv(Call& call) {
 double binomial_density(double k, double n, double p) {
   if (p == 0) return k == 0 ? 1 : 0;
   if (p == 1) return k == n ? 1 : 0;
-  return std::exp(log_choose(n, k) + k * std::log(p) + (n - k) * std::log1p(-p));
+  return exponential(log_choose(n, k) + k * std::log(Real{p}) + (n - k) * std::log1p(-Real{p}));
 }
 
 double binomial_below(double k, double n, double p) {
   if (k < 0) return 0;
-  return k >= n ? 1 : 1 - beta_i(p, k + 1, n - k);
+  return k >= n ? 1 : beta_i(Split{1 - Real{p}, p}, n - k, k + 1);
 }
 
 Operand fn_binom_dist(Call& call) {
@@ -205,8 +215,8 @@ Operand negative_binomial(Call& call, bool cumulative) {
   if (failures < 0 || successes < 1 || !is_probability(p)) return ErrorValue::num;
   if (cumulative) return beta_i(p, successes, failures + 1);
   if (p == 0 || p == 1) return p == 1 && failures == 0 ? 1.0 : 0.0;
-  return std::exp(log_choose(failures + successes - 1, successes - 1) + successes * std::log(p) +
-                  failures * std::log1p(-p));
+  return exponential(log_choose(failures + successes - 1, successes - 1) +
+                     successes * std::log(Real{p}) + failures * std::log1p(-Real{p}));
 }
 Operand fn_negbinom_dist(Call& call) { return negative_binomial(call, call.logical(3)); }
 Operand fn_negbinomdist(Call& call) { return negative_binomial(call, false); }
@@ -217,7 +227,7 @@ Operand fn_poisson_dist(Call& call) {
   if (k < 0 || mean < 0) return ErrorValue::num;
   if (call.logical(2)) return mean == 0 ? 1.0 : gamma_q(k + 1, mean);
   if (mean == 0) return k == 0 ? 1.0 : 0.0;
-  return std::exp(k * std::log(mean) - mean - std::lgamma(k + 1));
+  return exponential(k * std::log(Real{mean}) - mean - std::lgamma(Real{k + 1}));
 }
 
 Operand hypergeometric(Call& call, bool cumulative) {
@@ -231,8 +241,8 @@ Operand hypergeometric(Call& call, bool cumulative) {
   const double least = std::max(0.0, drawn - population + successes);
   if (k < least && !cumulative) return ErrorValue::num;
   const auto density = [&](double i) {
-    return std::exp(log_choose(successes, i) + log_choose(population - successes, drawn - i) -
-                    log_choose(population, drawn));
+    return exponential(log_choose(successes, i) + log_choose(population - successes, drawn - i) -
+                       log_choose(population, drawn));
   };
   if (!cumulative) return density(k);
   double sum = 0;

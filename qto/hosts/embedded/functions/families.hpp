@@ -41,6 +41,7 @@ std::span<const FunctionSpec> text_pattern_functions();
 std::span<const FunctionSpec> depreciation_functions();
 std::span<const FunctionSpec> function_value_functions();
 std::span<const FunctionSpec> security_functions();
+std::span<const FunctionSpec> odd_period_functions();
 std::span<const FunctionSpec> bessel_functions();
 std::span<const FunctionSpec> unit_conversion_functions();
 std::span<const FunctionSpec> cell_info_functions();

@@ -104,7 +104,7 @@ double present_worth(const std::vector<double>& flows, double rate) {
 }
 
 Operand fn_npv(Call& call) {
-  const auto flows = numbers_in_order(call.context(), call.from(1));
+  const auto flows = collect_numbers(call.context(), call.from(1));
   if (!flows) return flows.error();
   if (flows->empty()) return ErrorValue::value;
   if (call.number(0) == -1) return ErrorValue::div0;
@@ -117,8 +117,8 @@ bool has_both_signs(const std::vector<double>& flows) {
 }
 
 Operand fn_irr(Call& call) {
-  const auto flows = numbers_in_order(call.context(), call.from(0).first(1));
-  if (!flows) return flows.error();
+  const auto flows = collect_numbers(call.context(), call.from(0).first(1));
+  if (!flows) return call[0].is_array() ? ErrorValue::value : flows.error();
   if (!has_both_signs(*flows)) return ErrorValue::num;
   const double guess = call.given(1) ? call.number(1) : 0.1;
   if (guess <= -1) return ErrorValue::value;
@@ -127,7 +127,7 @@ Operand fn_irr(Call& call) {
 }
 
 Operand fn_mirr(Call& call) {
-  const auto flows = numbers_in_order(call.context(), call.from(0).first(1));
+  const auto flows = collect_numbers(call.context(), call.from(0).first(1));
   if (!flows) return flows.error();
   const double finance = call.number(1);
   const double reinvest = call.number(2);
@@ -163,10 +163,10 @@ bool holds_others(Call& call, int i) {
 }
 
 Outcome<DatedFlows> dated_flows(Call& call, int first) {
-  const auto flows = numbers_in_order(call.context(), call.from(first).first(1));
-  if (!flows) return flows.error();
-  const auto days = numbers_in_order(call.context(), call.from(first + 1).first(1));
+  const auto days = collect_numbers(call.context(), call.from(first + 1).first(1));
   if (!days) return days.error();
+  const auto flows = collect_numbers(call.context(), call.from(first).first(1));
+  if (!flows) return flows.error();
   if (holds_others(call, first) || holds_others(call, first + 1)) return ErrorValue::value;
   DatedFlows dated{*flows, *days};
   if (dated.flows.size() != dated.days.size() || dated.flows.empty()) return ErrorValue::num;
@@ -218,7 +218,7 @@ Operand fn_pduration(Call& call) {
 }
 
 Operand fn_fvschedule(Call& call) {
-  const auto rates = numbers_in_order(call.context(), call.from(1));
+  const auto rates = collect_numbers(call.context(), call.from(1));
   if (!rates) return rates.error();
   double worth = call.number(0);
   for (const double rate : *rates) worth *= 1 + rate;

@@ -103,7 +103,7 @@ Outcome<std::int64_t> extended_match(Call& call, int mode_at) {
     return ErrorValue::value;
   const Vector vector(call.context(), call[1]);
   if (call.context().gave_up()) return ErrorValue::na;
-  const Wanted wanted(call.value(0), match == 2);
+  const Wanted wanted(call.value(0), match == 2, halving);
   Position found;
   if (halving) {
     const bool descending = search < 0;

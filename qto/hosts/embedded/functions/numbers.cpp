@@ -13,32 +13,6 @@ Outcome<std::vector<double>> collect_numbers(Context& context, std::span<const O
   return numbers;
 }
 
-Outcome<std::vector<double>> numbers_in_order(Context& context,
-                                              std::span<const Operand> arguments) {
-  std::vector<double> numbers;
-  for (const Operand& argument : arguments) {
-    if (!argument.is_reference() && !argument.is_array()) {
-      const auto number = to_number(context.single(argument), context.dates());
-      if (!number) return number.error();
-      numbers.push_back(*number);
-      continue;
-    }
-    std::vector<Operand> blocks(argument.areas().begin(), argument.areas().end());
-    if (blocks.empty()) blocks.push_back(argument);
-    for (const Operand& block : blocks) {
-      std::optional<ErrorValue> error;
-      Grid(context, block).for_each_by_row([&](int, int, const ValueView& value) {
-        if (value.is_error()) error = value.error();
-        if (value.is_number()) numbers.push_back(value.number());
-        return !error;
-      });
-      if (error) return *error;
-    }
-  }
-  if (context.gave_up()) return ErrorValue::na;
-  return numbers;
-}
-
 Outcome<NumberPairs> collect_pairs(Context& context, const Operand& first, const Operand& second) {
   if (first.error()) return *first.error();
   if (second.error()) return *second.error();

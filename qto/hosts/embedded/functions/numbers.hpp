@@ -25,25 +25,20 @@ inline std::optional<double> counted(const ValueView& value, Counting counting) 
   return std::nullopt;
 }
 
-/// Visits the elements of one reference block or array; gives the error that comes first row by row
-/// when there is one.
+/// Visits the elements of one reference block or array row by row, up to an error.
 template <class Visit>
 std::optional<ErrorValue> visit_elements(Context& context, const Operand& operand,
                                          Counting counting, Visit&& visit) {
   const Grid grid(context, operand);
   if (context.gave_up()) return ErrorValue::na;
   std::optional<ErrorValue> error;
-  int error_row = 0;
-  grid.for_each([&](int row, int, const ValueView& value) {
-    if (value.is_error()) {
-      if (!error || row < error_row) {
-        error = value.error();
-        error_row = row;
-      }
-    } else if (const auto number = counted(value, counting)) {
+  // The order shows in the last digits of sums.
+  grid.for_each_by_row([&](int, int, const ValueView& value) {
+    if (value.is_error())
+      error = value.error();
+    else if (const auto number = counted(value, counting))
       visit(*number);
-    }
-    return true;
+    return !error;
   });
   return error;
 }
@@ -69,11 +64,9 @@ std::optional<ErrorValue> visit_numbers(Context& context, std::span<const Operan
   return std::nullopt;
 }
 
-/// The numbers of the arguments in a list.
+/// The numbers of the arguments in a list, row by row.
 Outcome<std::vector<double>> collect_numbers(Context& context, std::span<const Operand> arguments,
                                              Counting counting = Counting::numbers);
-/// The numbers of the arguments row by row, in the order in which they are read.
-Outcome<std::vector<double>> numbers_in_order(Context& context, std::span<const Operand> arguments);
 
 /// Pairs of numbers that stand at the same place of two arguments; places where either is no number
 /// are left out. #N/A when the arguments differ in size.

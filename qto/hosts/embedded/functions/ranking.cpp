@@ -107,7 +107,7 @@ Operand fn_trimmean(Call& call) {
 Operand fn_frequency(Call& call) {
   const auto data = sorted_numbers(call, call.from(0).first(1));
   if (!data) return data.error();
-  const auto bins = numbers_in_order(call.context(), call.from(1));
+  const auto bins = collect_numbers(call.context(), call.from(1));
   if (!bins) return bins.error();
   // Without bins all is measured by zero.
   const std::vector<double> limits = bins->empty() ? std::vector<double>{0} : *bins;

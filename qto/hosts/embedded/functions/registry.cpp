@@ -40,6 +40,7 @@ std::span<const Family> families() {
       {"Depreciation", depreciation_functions()},
       {"Function values", function_value_functions()},
       {"Securities", security_functions()},
+      {"Odd coupon periods", odd_period_functions()},
       {"Bessel functions", bessel_functions()},
       {"Units", unit_conversion_functions()},
       {"Cells", cell_info_functions()},

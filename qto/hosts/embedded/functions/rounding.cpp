@@ -121,6 +121,8 @@ constexpr FunctionSpec table[] = {
      "=CEILING.MATH(-5.5,2)", "-4"},
     {"CEILING.PRECISE", 1, 2, plain, {number}, fn_ceiling_precise, "number, [significance]",
      "rounded up to a multiple, whatever the signs", "=CEILING.PRECISE(-4.1,2)", "-4"},
+    {"ECMA.CEILING", 1, 2, plain, {number}, fn_ceiling_precise, "number, [significance]",
+     "rounded up to a multiple, whatever the signs", "=ECMA.CEILING(4.3,2)", "6"},
     {"EVEN", 1, 1, plain, {number}, fn_even, "number", "rounded away from zero to an even number",
      "=EVEN(1.5)", "2"},
     {"FLOOR", 2, 2, plain, {number}, fn_floor, "number, significance",

@@ -13,6 +13,11 @@ namespace {
 
 using enum Parameter;
 
+// Densities are reckoned through logarithms, whose digits long double keeps.
+using Real = long double;
+
+double exponential(Real exponent) { return static_cast<double>(std::exp(exponent)); }
+
 // What lies below and above a value in the distributions of test statistics.
 
 double chi_below(double x, double degrees) { return gamma_p(degrees / 2, x / 2); }
@@ -20,17 +25,17 @@ double chi_above(double x, double degrees) { return gamma_q(degrees / 2, x / 2);
 
 /// One tail of Student's distribution, t >= 0.
 double t_above(double t, double degrees) {
-  return beta_i(degrees / (degrees + t * t), degrees / 2, 0.5) / 2;
+  return beta_i(split(degrees, static_cast<long double>(t) * t), degrees / 2, 0.5) / 2;
 }
 double t_below(double t, double degrees) {
   return t < 0 ? t_above(-t, degrees) : 1 - t_above(t, degrees);
 }
 
 double f_below(double x, double d1, double d2) {
-  return x <= 0 ? 0 : beta_i(d1 * x / (d1 * x + d2), d1 / 2, d2 / 2);
+  return x <= 0 ? 0 : beta_i(split(static_cast<long double>(d1) * x, d2), d1 / 2, d2 / 2);
 }
 double f_above(double x, double d1, double d2) {
-  return x <= 0 ? 1 : beta_i(d2 / (d1 * x + d2), d2 / 2, d1 / 2);
+  return x <= 0 ? 1 : beta_i(split(d2, static_cast<long double>(d1) * x), d2 / 2, d1 / 2);
 }
 
 /// Degrees of freedom as the functions take them: whole, at least 1 and not beyond 10^10.
@@ -49,8 +54,9 @@ Operand fn_chisq_dist(Call& call) {
   if (x < 0) return ErrorValue::num;
   if (call.logical(2)) return chi_below(x, *d);
   if (x == 0) return *d < 2 ? Operand(ErrorValue::num) : Operand(*d == 2 ? 0.5 : 0.0);
-  return std::exp((*d / 2 - 1) * std::log(x) - x / 2 - *d / 2 * std::log(2.0) -
-                  std::lgamma(*d / 2));
+  const Real half = Real{*d} / 2;
+  return exponential((half - 1) * std::log(Real{x}) - x / 2 - half * std::numbers::ln2_v<Real> -
+                     std::lgamma(half));
 }
 
 Operand fn_chisq_dist_rt(Call& call) {
@@ -66,7 +72,7 @@ Operand fn_chisq_inv(Call& call) {
   if (!d) return d.error();
   if (p < 0 || p >= 1) return ErrorValue::num;
   if (p == 0) return 0.0;
-  return invert_positive([&](double x) { return chi_below(x, *d); }, p);
+  return 2 * gamma_inverse(p, *d / 2);
 }
 
 Operand fn_chisq_inv_rt(Call& call) {
@@ -75,6 +81,7 @@ Operand fn_chisq_inv_rt(Call& call) {
   if (!d) return d.error();
   if (p <= 0 || p > 1) return ErrorValue::num;
   if (p == 1) return 0.0;
+  if (p > 0.5) return 2 * gamma_inverse(1 - p, *d / 2);
   return invert_positive([&](double x) { return -chi_above(x, *d); }, -p);
 }
 
@@ -86,16 +93,19 @@ Operand fn_chisq_test(Call& call) {
       actual.size() == 1)
     return ErrorValue::na;
   double statistic = 0;
+  bool any = false;
   for (std::int64_t i = 0; i < actual.size(); ++i) {
     const ValueView a = actual.nth(i);
     const ValueView e = expected.nth(i);
     if (a.is_error()) return a.error();
     if (e.is_error()) return e.error();
     if (!a.is_number() || !e.is_number()) continue;
+    any = true;
     if (e.number() == 0) return ErrorValue::div0;
     if (e.number() < 0) return ErrorValue::num;
     statistic += (a.number() - e.number()) * (a.number() - e.number()) / e.number();
   }
+  if (!any) return ErrorValue::div0;
   const double rows = actual.rows();
   const double columns = actual.columns();
   const bool vector = rows == 1 || columns == 1;
@@ -105,12 +115,14 @@ Operand fn_chisq_test(Call& call) {
 // Student's t.
 
 Operand fn_t_dist(Call& call) {
+  if (!call.logical(2) && std::trunc(call.number(1)) == 0) return ErrorValue::div0;
   const auto d = degrees(call, 1);
   if (!d) return d.error();
   const double t = call.number(0);
   if (call.logical(2)) return t_below(t, *d);
-  return std::exp(std::lgamma((*d + 1) / 2) - std::lgamma(*d / 2) -
-                  (*d + 1) / 2 * std::log1p(t * t / *d)) /
+  const Real n = *d;
+  return exponential(std::lgamma((n + 1) / 2) - std::lgamma(n / 2) -
+                     (n + 1) / 2 * std::log1p(Real{t} * t / n)) /
          std::sqrt(*d * std::numbers::pi);
 }
 
@@ -218,8 +230,10 @@ Operand fn_f_dist(Call& call) {
   if (x < 0) return ErrorValue::num;
   if (call.logical(3)) return f_below(x, *d1, *d2);
   if (x == 0) return *d1 < 2 ? Operand(ErrorValue::num) : Operand(*d1 == 2 ? 1.0 : 0.0);
-  return std::exp(*d1 / 2 * std::log(*d1) + *d2 / 2 * std::log(*d2) + (*d1 / 2 - 1) * std::log(x) -
-                  (*d1 + *d2) / 2 * std::log(*d2 + *d1 * x) - log_beta(*d1 / 2, *d2 / 2));
+  const Real a = Real{*d1} / 2;
+  const Real b = Real{*d2} / 2;
+  return exponential(a * std::log(a) + b * std::log(b) + (a - 1) * std::log(Real{x}) -
+                     (a + b) * std::log(b + a * x) - log_beta(a, b));
 }
 
 Operand fn_f_dist_rt(Call& call) {
@@ -231,6 +245,12 @@ Operand fn_f_dist_rt(Call& call) {
   return f_above(call.number(0), *d1, *d2);
 }
 
+/// The x below which p lies, and above which q = 1 - p; the smaller of the two is the exact one.
+double f_quantile(double p, double q, double d1, double d2) {
+  if (p < q) return invert_positive([&](double x) { return f_below(x, d1, d2); }, p);
+  return invert_positive([&](double x) { return -f_above(x, d1, d2); }, -q);
+}
+
 Operand fn_f_inv(Call& call) {
   const double p = call.number(0);
   const auto d1 = degrees(call, 1);
@@ -239,7 +259,7 @@ Operand fn_f_inv(Call& call) {
   if (!d2) return d2.error();
   if (p < 0 || p >= 1) return ErrorValue::num;
   if (p == 0) return 0.0;
-  return invert_positive([&](double x) { return f_below(x, *d1, *d2); }, p);
+  return f_quantile(p, 1 - p, *d1, *d2);
 }
 
 Operand fn_f_inv_rt(Call& call) {
@@ -250,7 +270,7 @@ Operand fn_f_inv_rt(Call& call) {
   if (!d2) return d2.error();
   if (p <= 0 || p > 1) return ErrorValue::num;
   if (p == 1) return 0.0;
-  return invert_positive([&](double x) { return -f_above(x, *d1, *d2); }, -p);
+  return f_quantile(1 - p, p, *d1, *d2);
 }
 
 Operand fn_f_test(Call& call) {
@@ -264,8 +284,7 @@ Operand fn_f_test(Call& call) {
   const double v1 = squared_deviations(*a) / d1;
   const double v2 = squared_deviations(*b) / d2;
   if (v1 == 0 || v2 == 0) return ErrorValue::div0;
-  const double above = f_above(v1 / v2, d1, d2);
-  return 2 * std::min(above, 1 - above);
+  return 2 * std::min(f_above(v1 / v2, d1, d2), f_below(v1 / v2, d1, d2));
 }
 
 // Normal.

@@ -11,28 +11,15 @@ namespace {
 
 using enum Parameter;
 
-std::optional<Day> day_of(Call& call, int i) {
-  return to_day(call.number(i), call.context().book().date1904);
-}
-
-/// The basis in an argument; nothing when it is none of 0 to 4.
-std::optional<int> basis_of(Call& call, int i) {
-  const double basis = std::trunc(call.number(i, 0));
-  if (basis < 0 || basis > 4) return std::nullopt;
-  return static_cast<int>(basis);
-}
-
 /// settlement, maturity, ... with frequency and basis at the given positions.
 Outcome<Coupons> coupons_of(Call& call, int frequency_at) {
-  const auto settlement = day_of(call, 0);
-  const auto maturity = day_of(call, 1);
-  const double frequency = std::trunc(call.number(frequency_at));
-  const auto basis = basis_of(call, frequency_at + 1);
-  const bool known = frequency == 1 || frequency == 2 || frequency == 4;
-  if (!settlement || !maturity || !basis || !known || settlement->serial >= maturity->serial)
+  const auto settlement = day_argument(call, 0);
+  const auto maturity = day_argument(call, 1);
+  const auto frequency = frequency_argument(call, frequency_at);
+  const auto basis = basis_argument(call, frequency_at + 1);
+  if (!settlement || !maturity || !basis || !frequency || settlement->serial >= maturity->serial)
     return ErrorValue::num;
-  return Coupons{*settlement, *maturity, static_cast<int>(frequency), *basis,
-                 call.context().book().date1904};
+  return Coupons{*settlement, *maturity, *frequency, *basis, call.context().book().date1904};
 }
 
 template <double (*F)(const Coupons&)>
@@ -109,9 +96,9 @@ Operand fn_duration(Call& call) {
 
 /// Part of a year from one argument's day to another's; nothing when they are out of order.
 std::optional<double> years(Call& call, int start, int end, int basis_at) {
-  const auto from = day_of(call, start);
-  const auto to = day_of(call, end);
-  const auto basis = basis_of(call, basis_at);
+  const auto from = day_argument(call, start);
+  const auto to = day_argument(call, end);
+  const auto basis = basis_argument(call, basis_at);
   if (!from || !to || !basis || from->serial >= to->serial) return std::nullopt;
   return year_fraction(*from, *to, *basis);
 }
@@ -121,24 +108,6 @@ Operand fn_accrintm(Call& call) {
   const double par = call.given(3) ? call.number(3) : 1000;
   if (!time || call.number(2) <= 0 || par <= 0) return ErrorValue::num;
   return par * call.number(2) * *time;
-}
-
-Operand fn_accrint(Call& call) {
-  const auto issue = day_of(call, 0);
-  const auto first = day_of(call, 1);
-  const auto settlement = day_of(call, 2);
-  const double rate = call.number(3);
-  const double par = call.given(4) ? call.number(4) : 1000;
-  const double frequency = std::trunc(call.number(5));
-  const auto basis = basis_of(call, 6);
-  const bool known = frequency == 1 || frequency == 2 || frequency == 4;
-  if (!issue || !first || !settlement || !basis || !known || rate <= 0 || par <= 0 ||
-      issue->serial >= settlement->serial)
-    return ErrorValue::num;
-  // Interest from the first coupon day on only, when that was asked for.
-  const bool from_issue = call.count() < 8 || call.logical(7);
-  const Day& start = !from_issue && settlement->serial > first->serial ? *first : *issue;
-  return par * rate * year_fraction(start, *settlement, *basis);
 }
 
 Operand fn_disc(Call& call) {
@@ -178,10 +147,10 @@ struct AtMaturity {
 std::optional<AtMaturity> at_maturity(Call& call) {
   const auto all = years(call, 2, 1, 5);
   const auto left = years(call, 0, 1, 5);
-  const auto settlement = day_of(call, 0);
-  const auto issue = day_of(call, 2);
+  const auto settlement = day_argument(call, 0);
+  const auto issue = day_argument(call, 2);
   if (!all || !left || issue->serial > settlement->serial) return std::nullopt;
-  return AtMaturity{*all, year_fraction(*issue, *settlement, *basis_of(call, 5)), *left};
+  return AtMaturity{*all, year_fraction(*issue, *settlement, *basis_argument(call, 5)), *left};
 }
 
 Operand fn_pricemat(Call& call) {
@@ -205,8 +174,8 @@ Operand fn_yieldmat(Call& call) {
 
 /// Days to the maturity of a treasury bill, which lives a year at most.
 std::optional<double> bill_days(Call& call) {
-  const auto settlement = day_of(call, 0);
-  const auto maturity = day_of(call, 1);
+  const auto settlement = day_argument(call, 0);
+  const auto maturity = day_argument(call, 1);
   if (!settlement || !maturity || settlement->serial >= maturity->serial) return std::nullopt;
   const auto limit = add_months(*settlement, 12, false, call.context().book().date1904);
   if (!limit || maturity->serial > *limit) return std::nullopt;
@@ -239,53 +208,8 @@ Operand fn_tbilleq(Call& call) {
          (2 * term - 1);
 }
 
-/// A security whose last coupon period is odd.
-struct OddLast {
-  double coupons_to_maturity, coupons_to_settlement, coupons_left;
-};
-std::optional<OddLast> odd_last(Call& call) {
-  const auto settlement = day_of(call, 0);
-  const auto maturity = day_of(call, 1);
-  const auto last = day_of(call, 2);
-  const double frequency = std::trunc(call.number(6));
-  const auto basis = basis_of(call, 7);
-  const bool known = frequency == 1 || frequency == 2 || frequency == 4;
-  if (!settlement || !maturity || !last || !basis || !known || call.number(3) < 0 ||
-      call.number(4) < 0 || call.number(5) <= 0 || settlement->serial >= maturity->serial ||
-      last->serial >= settlement->serial)
-    return std::nullopt;
-  return OddLast{year_fraction(*last, *maturity, *basis) * frequency,
-                 year_fraction(*last, *settlement, *basis) * frequency,
-                 year_fraction(*settlement, *maturity, *basis) * frequency};
-}
-
-Operand fn_oddlprice(Call& call) {
-  const auto odd = odd_last(call);
-  if (!odd) return ErrorValue::num;
-  const double frequency = std::trunc(call.number(6));
-  const double coupon = 100 * call.number(3) / frequency;
-  const double value = call.number(5) + odd->coupons_to_maturity * coupon;
-  return value / (odd->coupons_left * call.number(4) / frequency + 1) -
-         odd->coupons_to_settlement * coupon;
-}
-
-Operand fn_oddlyield(Call& call) {
-  const auto odd = odd_last(call);
-  if (!odd) return ErrorValue::num;
-  const double frequency = std::trunc(call.number(6));
-  const double coupon = 100 * call.number(3) / frequency;
-  const double paid = call.number(4) + odd->coupons_to_settlement * coupon;
-  const double value = call.number(5) + odd->coupons_to_maturity * coupon;
-  return (value - paid) / paid * frequency / odd->coupons_left;
-}
-
 // clang-format off
 constexpr FunctionSpec table[] = {
-    {"ACCRINT", 6, 8, plain,
-     {strict_number, strict_number, strict_number, strict_number, strict_number, strict_number, strict_number, logical},
-     fn_accrint, "issue, first_interest, settlement, rate, par, frequency, [basis], [from_issue]",
-     "the interest that has accrued", "=ROUND(ACCRINT(39508,39691,39569,0.1,1000,2,0),6)",
-     "16.666667"},
     {"ACCRINTM", 3, 5, plain, {strict_number}, fn_accrintm,
      "issue, settlement, rate, [par], [basis]",
      "the interest that has accrued when it is paid at maturity",
@@ -321,14 +245,6 @@ constexpr FunctionSpec table[] = {
     {"MDURATION", 5, 6, plain, {strict_number}, fn_duration<true>,
      "settlement, maturity, rate, yield, frequency, [basis]", "the modified duration",
      "=ROUND(MDURATION(39448,42370,0.08,0.09,2,1),6)", "5.73567"},
-    {"ODDLPRICE", 7, 8, plain, {strict_number}, fn_oddlprice,
-     "settlement, maturity, last_interest, rate, yield, redemption, frequency, [basis]",
-     "the price of a security with an odd last period",
-     "=ROUND(ODDLPRICE(39485,39614,39370,0.0375,0.0405,100,2,0),5)", "99.87829"},
-    {"ODDLYIELD", 7, 8, plain, {strict_number}, fn_oddlyield,
-     "settlement, maturity, last_interest, rate, price, redemption, frequency, [basis]",
-     "the yield of a security with an odd last period",
-     "=ROUND(ODDLYIELD(39558,39614,39440,0.0375,99.875,100,2,0),6)", "0.045192"},
     {"PRICE", 6, 7, plain, {strict_number}, fn_price,
      "settlement, maturity, rate, yield, redemption, frequency, [basis]",
      "the price of a security with coupons", "=ROUND(PRICE(39493,43054,0.0575,0.065,100,2,0),5)",

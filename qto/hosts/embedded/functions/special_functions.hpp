@@ -7,10 +7,23 @@ namespace qto::embedded::functions {
 double gamma_p(double a, double x);
 /// 1 - P(a, x), exact where that is small.
 double gamma_q(double a, double x);
+/// The x at which P(a, x) is p, 0 <= p < 1.
+double gamma_inverse(double p, double a);
+
+/// A number between 0 and 1 and what is missing to 1, each with all its digits.
+struct Split {
+  long double x, y;
+  Split other() const { return {y, x}; }
+};
+/// `part` of `part + rest`.
+inline Split split(long double part, long double rest) {
+  return {part / (part + rest), rest / (part + rest)};
+}
 /// The regularised incomplete beta function I_x(a, b), 0 <= x <= 1.
 double beta_i(double x, double a, double b);
+double beta_i(const Split& at, double a, double b);
 /// The logarithm of the beta function.
-double log_beta(double a, double b);
+long double log_beta(long double a, long double b);
 /// The standard normal distribution: its density, what lies below x, and the x below which p lies.
 double normal_density(double x);
 double normal_below(double x);

@@ -160,24 +160,39 @@ Operand fn_kurt(Call& call) {
          3 * (n - 1) * (n - 1) / ((n - 2) * (n - 3));
 }
 
-Outcome<std::vector<double>> modes(Call& call) {
-  // Unlike other aggregates these refuse texts as arguments of their own.
-  for (const Operand& argument : call.from(0))
-    if (argument.value() && argument.value()->is_text()) return ErrorValue::value;
-  const auto numbers = numbers_in_order(call.context(), call.from(0));
+/// True for an argument that is one value, in a cell or not, and no number.
+bool is_single_other(Context& context, const Operand& argument) {
+  if (argument.is_array() || argument.is_missing()) return false;
+  if (argument.is_reference() && !(argument.area() && argument.area()->rect.is_cell()))
+    return false;
+  const ValueView value = context.single(argument);
+  return !value.is_number() && !value.is_error();
+}
+
+/// The old function refuses what is no number as an argument of its own, the new ones pass over it.
+Outcome<std::vector<double>> modes(Call& call, bool refusing) {
+  std::vector<Operand> arguments;
+  for (const Operand& argument : call.from(0)) {
+    if (!is_single_other(call.context(), argument))
+      arguments.push_back(argument);
+    else if (refusing)
+      return ErrorValue::value;
+  }
+  const auto numbers = collect_numbers(call.context(), arguments);
   if (!numbers) return numbers.error();
   auto found = most_frequent(*numbers);
   if (found.empty()) return ErrorValue::na;
   return found;
 }
 
+template <bool refusing>
 Operand fn_mode(Call& call) {
-  const auto found = modes(call);
+  const auto found = modes(call, refusing);
   return found ? Operand(found->front()) : Operand(found.error());
 }
 
 Operand fn_mode_mult(Call& call) {
-  const auto found = modes(call);
+  const auto found = modes(call, false);
   if (!found) return found.error();
   Matrix column(static_cast<int>(found->size()), 1);
   column.items = *found;
@@ -224,11 +239,11 @@ constexpr FunctionSpec table[] = {
      "number1, ...", "the smallest number", "=MIN(4,2,3)", "2"},
     {"MINA", 1, any_count, takes_spans, {values}, fn_extreme<Counting::anything, false>,
      "value1, ...", "the smallest value, with texts in ranges as 0", "=MINA({1,\"x\"})", "0"},
-    {"MODE", 1, any_count, takes_spans, {values}, fn_mode, "number1, ...",
+    {"MODE", 1, any_count, takes_spans, {values}, fn_mode<true>, "number1, ...",
      "the number that occurs most often", "=MODE(1,2,2,3)", "2"},
     {"MODE.MULT", 1, any_count, takes_spans, {values}, fn_mode_mult, "number1, ...",
      "the numbers that occur most often, as a column", "=SUM(MODE.MULT(1,1,2,2,3))", "3"},
-    {"MODE.SNGL", 1, any_count, takes_spans, {values}, fn_mode, "number1, ...",
+    {"MODE.SNGL", 1, any_count, takes_spans, {values}, fn_mode<false>, "number1, ...",
      "the number that occurs most often", "=MODE.SNGL(5,5,1)", "5"},
     {"SKEW", 1, any_count, takes_spans, {values}, fn_skew<false>, "number1, ...",
      "how skewed the numbers lie", "=ROUND(SKEW(3,4,5,2,3,4,5,6,4,7),4)", "0.3595"},

@@ -54,7 +54,7 @@ class Gatherer {
     if (!context_.ready(area)) return ErrorValue::na;
     const Book& book = area.sheet->book();
     std::optional<ErrorValue> error;
-    area.sheet->cells.for_each(area.rect, [&](CellPos pos, const Cell& cell, FormulaId id) {
+    area.sheet->cells.for_each_by_row(area.rect, [&](CellPos pos, const Cell& cell, FormulaId id) {
       if (error || cell.is_empty()) return;
       if (skip_.hidden_rows && area.sheet->layout.row_hidden(pos.row)) return;
       if (skip_.subtotals && id != 0 && is_subtotal(book, id)) return;

@@ -36,7 +36,7 @@ Operand fn_product(Call& call) {
   return count ? product : 0.0;
 }
 
-/// The product at one place of all factors; what is no number counts as 0.
+/// The product at one place of all factors; what is no number counts as 0 there.
 Outcome<double> product_at(const std::vector<Grid>& factors, int row, int column) {
   double product = 1;
   for (const Grid& factor : factors) {
@@ -57,6 +57,9 @@ Operand fn_sumproduct(Call& call) {
       return ErrorValue::value;
   }
   if (call.context().gave_up()) return ErrorValue::na;
+  // A text counts as 0 beside others, but does not stand for a factor.
+  for (const Grid& factor : factors)
+    if (factor.size() == 1 && factor.at(0, 0).is_text()) return ErrorValue::value;
   double sum = 0;
   std::optional<ErrorValue> error;
   // Only where the first factor holds something can the product differ from 0, unless another
@@ -69,7 +72,8 @@ Operand fn_sumproduct(Call& call) {
       sum += *product;
     return !error;
   };
-  factors[0].for_each([&](int row, int column, const ValueView&) { return add(row, column); });
+  factors[0].for_each_by_row(
+      [&](int row, int column, const ValueView&) { return add(row, column); });
   for (std::size_t i = 1; i < factors.size() && !error; ++i)
     factors[i].for_each([&](int, int, const ValueView& value) {
       if (value.is_error()) error = value.error();
@@ -101,7 +105,7 @@ Operand fn_sumxmy2(Call& call) {
 
 Operand fn_seriessum(Call& call) {
   const double x = call.number(0);
-  const auto coefficients = numbers_in_order(call.context(), call.from(3));
+  const auto coefficients = collect_numbers(call.context(), call.from(3));
   if (!coefficients) return coefficients.error();
   double sum = 0;
   double power = call.number(1);
@@ -114,8 +118,23 @@ Operand fn_seriessum(Call& call) {
   return sum;
 }
 
+Operand fn_percentof(Call& call) {
+  double part = 0;
+  double all = 0;
+  if (const auto error = visit_numbers(call.context(), call.from(0).first(1), Counting::numbers,
+                                       [&](double number) { part += number; }))
+    return *error;
+  if (const auto error = visit_numbers(call.context(), call.from(1), Counting::numbers,
+                                       [&](double number) { all += number; }))
+    return *error;
+  if (all == 0) return ErrorValue::div0;
+  return part / all;
+}
+
 // clang-format off
 constexpr FunctionSpec table[] = {
+    {"PERCENTOF", 2, 2, plain, {Parameter::array}, fn_percentof, "part, all",
+     "the sum of a part by the sum of all", "=PERCENTOF({1,2},{1,2,3,4})", "0.3"},
     {"PRODUCT", 1, any_count, takes_spans, {values}, fn_product, "number1, ...",
      "the product of the numbers", "=PRODUCT(2,3,{4,\"x\"})", "24"},
     {"SERIESSUM", 4, 4, plain, {strict_number, strict_number, strict_number, values}, fn_seriessum,

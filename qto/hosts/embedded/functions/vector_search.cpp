@@ -14,7 +14,7 @@ std::int64_t last_of_run(const Vector& vector, const Wanted& wanted, std::int64_
   const std::int64_t end = vector.stored();
   while (position + 1 < end) {
     const ValueView next = vector.at(position + 1);
-    if (!wanted.comparable(next) || compare_values(next, wanted.value()) != 0) break;
+    if (!wanted.comparable(next) || wanted.order(next) != 0) break;
     ++position;
   }
   return position;
@@ -37,8 +37,8 @@ std::int64_t Vector::next_stored(std::int64_t position) const noexcept {
   return next.row == 0 ? size() : next.row - first.row;
 }
 
-Wanted::Wanted(const ValueView& value, bool wildcards)
-    : value_(value.is_empty() ? ValueView(0.0) : value) {
+Wanted::Wanted(const ValueView& value, bool wildcards, bool across_types)
+    : value_(value.is_empty() ? ValueView(0.0) : value), across_types_(across_types) {
   if (!value_.is_text()) return;
   ascii_ = std::ranges::all_of(value_.text(),
                                [](char c) { return static_cast<unsigned char>(c) < 128; });
@@ -53,7 +53,11 @@ Wanted::Wanted(const ValueView& value, bool wildcards)
 }
 
 bool Wanted::comparable(const ValueView& value) const noexcept {
-  return value.type() == value_.type();
+  return across_types_ ? !value.is_empty() : value.type() == value_.type();
+}
+
+int Wanted::order(const ValueView& value) const {
+  return value.is_error() ? 1 : compare_values(value, value_);
 }
 
 bool Wanted::equals(const ValueView& value) const {
@@ -89,7 +93,7 @@ std::optional<std::int64_t> find_sorted(const Vector& vector, const Wanted& want
       high = middle - 1;
       continue;
     }
-    const int order = compare_values(vector.at(probe), wanted.value());
+    const int order = wanted.order(vector.at(probe));
     if (order == 0) return last_of_run(vector, wanted, probe);
     if (descending ? order >= 0 : order <= 0) {
       found = probe;

@@ -40,18 +40,22 @@ class Vector {
 /// What is looked for: equal values of the same type, texts without regard to letter case.
 class Wanted {
  public:
-  /// `wildcards`: a text is a pattern with * ? ~.
-  Wanted(const ValueView& value, bool wildcards);
+  /// `wildcards`: a text is a pattern with * ? ~. `across_types`: values of all types are compared,
+  /// numbers before texts before Booleans before errors.
+  Wanted(const ValueView& value, bool wildcards, bool across_types = false);
   Wanted(const Wanted&) = delete;
   Wanted& operator=(const Wanted&) = delete;
   bool equals(const ValueView& value) const;
   /// True when values of that type can be compared with the one looked for.
   bool comparable(const ValueView& value) const noexcept;
+  /// How a comparable value stands to the one looked for: below 0 before it, above 0 after it.
+  int order(const ValueView& value) const;
   const ValueView& value() const noexcept { return value_; }
 
  private:
   ValueView value_;
   bool ascii_ = false;
+  bool across_types_ = false;
   std::optional<WildcardPattern> pattern_;
   std::string plain_;
 };

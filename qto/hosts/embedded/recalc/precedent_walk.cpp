@@ -76,16 +76,15 @@ const Book* PrecedentWalk::book_of(const Part& part, const SheetQualifier& quali
 
 void PrecedentWalk::note_unreachable(const Part& part, const SheetQualifier& qualifier) {
   const auto& links = part.book->externals;
-  if (qualifier.external > 0) {
-    const bool known = qualifier.external <= links.size();
-    if (known && links[qualifier.external - 1].kind != ExternalBook::Kind::workbook)
-      list_.cannot_evaluate = true;
-    return;
-  }
-  if (std::none_of(links.begin(), links.end(), [&](const ExternalBook& link) {
-        return text::equal_fold(link.name, qualifier.book);
-      }))
-    list_.cannot_evaluate = true;
+  if (qualifier.external > links.size()) return;
+  const auto link = qualifier.external > 0
+                        ? links.begin() + (qualifier.external - 1)
+                        : std::find_if(links.begin(), links.end(), [&](const ExternalBook& other) {
+                            return text::equal_fold(other.name, qualifier.book);
+                          });
+  const bool remembered = link != links.end() && link->kind == ExternalBook::Kind::workbook &&
+                          (qualifier.sheet.empty() || link->remembers(qualifier.sheet));
+  if (!remembered) list_.cannot_evaluate = true;
 }
 
 void PrecedentWalk::visit_area(const Part& part) {

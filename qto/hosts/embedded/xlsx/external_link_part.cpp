@@ -65,10 +65,12 @@ class ExternalLinkHandler final : public XmlHandler {
     decode_escapes(name);
     into_.sheets.push_back(std::move(name));
     into_.values.emplace_back();
+    into_.lost.push_back(false);
   }
 
   void start_sheet(const Attributes& attributes) {
     sheet_ = static_cast<std::size_t>(attributes.whole_or("sheetId", -1));
+    if (sheet_ < into_.lost.size()) into_.lost[sheet_] = attributes.flag("refreshError");
   }
 
   void add_name(const Attributes& attributes) {
