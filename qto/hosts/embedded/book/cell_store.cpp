@@ -1,6 +1,15 @@
 #include "qto/hosts/embedded/book/cell_store.hpp"
 
+#include <algorithm>
+#include <atomic>
+
 namespace qto::embedded {
+
+/// Sheets are read on several threads.
+std::uint64_t CellStore::next_id() noexcept {
+  static std::atomic<std::uint32_t> last = 0;
+  return ++last;
+}
 
 const CellStore::Block* CellStore::find_block(std::int32_t row,
                                               std::int32_t column) const noexcept {
@@ -13,7 +22,11 @@ const CellStore::Block* CellStore::find_block(std::int32_t row,
 }
 
 CellStore::Block& CellStore::touch_block(std::int32_t row, std::int32_t column) {
-  if (column > last_column()) columns_.resize(column);
+  if (column > last_column()) {
+    columns_.resize(column);
+    revisions_.resize(column);
+  }
+  ++revisions_[column - 1];
   Column& pages = columns_[column - 1];
   const std::size_t block = static_cast<std::size_t>(row - 1) / block_rows;
   const std::size_t page = block / blocks_per_page;
@@ -88,6 +101,24 @@ Rect CellStore::used() const noexcept {
     }
   }
   return any ? box : Rect{};
+}
+
+std::int32_t CellStore::last_row(std::int32_t first_column,
+                                 std::int32_t last_column) const noexcept {
+  std::int32_t last = 0;
+  for (std::int32_t c = first_column; c <= std::min(last_column, this->last_column()); ++c) {
+    const Column& pages = columns_[c - 1];
+    constexpr std::int32_t page_rows = blocks_per_page * block_rows;
+    auto number = static_cast<std::int32_t>(pages.size()) * blocks_per_page - 1;
+    for (; number >= 0 && (number + 1) * block_rows > last; --number) {
+      const auto& page = pages[number * block_rows / page_rows];
+      const Block* block = page ? page->blocks[number % blocks_per_page].get() : nullptr;
+      if (!block || !block->used) continue;
+      last = std::max(last, (number + 1) * block_rows - std::countl_zero(block->used));
+      break;
+    }
+  }
+  return last;
 }
 
 CellPos CellStore::next_in_column(CellPos pos, std::int32_t last_row) const noexcept {

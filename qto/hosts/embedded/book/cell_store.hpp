@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "qto/automation/address.hpp"
@@ -35,15 +36,24 @@ class CellStore {
   /// The last column that holds a cell, 0 for an empty sheet.
   std::int32_t last_column() const noexcept { return static_cast<std::int32_t>(columns_.size()); }
 
+  /// A number that changes whenever a cell of the column may have been written, and that no other
+  /// column of any store has.
+  std::uint64_t revision(std::int32_t column) const noexcept {
+    return id_ << 32 | (column <= last_column() ? revisions_[column - 1] : 0);
+  }
+
   /// Calls visit(CellPos, const Cell&, FormulaId) for the stored cells inside `rect`, column by
-  /// column from top to bottom. The store must not change meanwhile.
+  /// column from top to bottom; a visitor that answers is stopped by false, and so is the walk. The
+  /// store must not change meanwhile.
   template <class Visit>
-  void for_each(const Rect& rect, Visit&& visit) const;
-  /// The same row by row from left to right.
+  bool for_each(const Rect& rect, Visit&& visit) const;
+  /// Calls it for all of them, row by row from left to right.
   template <class Visit>
   void for_each_by_row(const Rect& rect, Visit&& visit) const;
   /// The first stored cell at or below `pos` in its column and not below `last_row`; row 0 if none.
   CellPos next_in_column(CellPos pos, std::int32_t last_row) const noexcept;
+  /// The last row in which the columns hold a cell; 0 if none does.
+  std::int32_t last_row(std::int32_t first_column, std::int32_t last_column) const noexcept;
 
  private:
   static constexpr int block_rows = 64;
@@ -62,7 +72,11 @@ class CellStore {
   const Block* find_block(std::int32_t row, std::int32_t column) const noexcept;
   Block& touch_block(std::int32_t row, std::int32_t column);
 
+  static std::uint64_t next_id() noexcept;
+
+  const std::uint64_t id_ = next_id();
   std::vector<Column> columns_;
+  std::vector<std::uint32_t> revisions_;  // by column
   std::int64_t cells_ = 0;
   std::int64_t formulas_ = 0;
   std::int64_t blocks_ = 0;
@@ -99,7 +113,7 @@ void CellStore::for_each_by_row(const Rect& rect, Visit&& visit) const {
 }
 
 template <class Visit>
-void CellStore::for_each(const Rect& rect, Visit&& visit) const {
+bool CellStore::for_each(const Rect& rect, Visit&& visit) const {
   const std::int32_t last_column = std::min(rect.last.column, this->last_column());
   for (std::int32_t column = rect.first.column; column <= last_column; ++column) {
     const Column& pages = columns_[column - 1];
@@ -114,15 +128,23 @@ void CellStore::for_each(const Rect& rect, Visit&& visit) const {
       }
       const Block* block = pages[page]->blocks[base / block_rows % blocks_per_page].get();
       if (!block) continue;
-      for (std::uint64_t bits = block->used; bits; bits &= bits - 1) {
+      std::uint64_t bits = block->used;
+      if (base < rect.first.row - 1) bits &= ~std::uint64_t{0} << (rect.first.row - 1 - base);
+      if (base + block_rows > rect.last.row)
+        bits &= ~std::uint64_t{0} >> (base + block_rows - rect.last.row);
+      for (; bits; bits &= bits - 1) {
         const int offset = std::countr_zero(bits);
-        const int row = base + offset + 1;
-        if (row < rect.first.row || row > rect.last.row) continue;
-        visit(CellPos{row, column}, block->cells[offset],
-              block->formulas ? (*block->formulas)[offset] : FormulaId{0});
+        const CellPos pos{base + offset + 1, column};
+        const FormulaId formula = block->formulas ? (*block->formulas)[offset] : FormulaId{0};
+        if constexpr (std::is_same_v<decltype(visit(pos, block->cells[offset], formula)), bool>) {
+          if (!visit(pos, block->cells[offset], formula)) return false;
+        } else {
+          visit(pos, block->cells[offset], formula);
+        }
       }
     }
   }
+  return true;
 }
 
 }  // namespace qto::embedded

@@ -4,6 +4,7 @@
 
 #include "qto/hosts/embedded/evaluate/coercion.hpp"
 #include "qto/hosts/embedded/evaluate/environment.hpp"
+#include "qto/hosts/embedded/evaluate/lookup_index.hpp"
 #include "qto/hosts/embedded/evaluate/operand.hpp"
 #include "qto/hosts/embedded/evaluate/value_view.hpp"
 
@@ -54,6 +55,8 @@ class Context {
   /// What a function value gives for the arguments; #VALUE! when the operand is none, or takes
   /// another number of arguments.
   virtual Operand apply(const Operand& function, std::span<const Operand> arguments) = 0;
+  /// Where values stand in columns that are looked through often.
+  LookupIndexes& lookups() noexcept { return lookups_; }
   /// The block that the formula of a cell fills: itself unless it is an array formula.
   Area spill_of(const Area& cell) const;
 
@@ -64,6 +67,7 @@ class Context {
 
  private:
   Environment& environment_;
+  LookupIndexes lookups_;
   int current_year_ = 1900;
   int current_day_ = -1;
   bool gave_up_ = false;

@@ -50,7 +50,8 @@ ValueView Grid::broadcast(int row, int column) const noexcept {
 
 int Grid::stored_rows() const noexcept {
   if (!area_ || rows_ <= long_block_rows) return rows_;
-  const int last = area_->sheet->cells.used().last.row;
+  const Rect& rect = area_->rect;
+  const int last = area_->sheet->cells.last_row(rect.first.column, rect.last.column);
   return std::clamp(last - area_->rect.first.row + 1, 0, rows_);
 }
 

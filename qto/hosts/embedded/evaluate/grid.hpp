@@ -41,10 +41,6 @@ class Grid {
   int stored_columns() const noexcept;
 
  private:
-  static constexpr int stretch_rows = 1024;
-  template <class Visit>
-  bool visit_column(int column, int first_row, Visit& visit) const;
-
   const Area* area_ = nullptr;
   const TextPool* texts_ = nullptr;
   const VariantArray* array_ = nullptr;
@@ -54,32 +50,13 @@ class Grid {
 };
 
 template <class Visit>
-bool Grid::visit_column(int column, int first_row, Visit& visit) const {
-  const CellStore& cells = area_->sheet->cells;
-  const CellPos origin = area_->rect.first;
-  const int last = area_->rect.last.row;
-  CellPos pos{origin.row + first_row, origin.column + column};
-  bool go_on = true;
-  // A stretch at a time: the store's own loop is the fastest, but cannot be stopped.
-  while (go_on && pos.row <= last) {
-    pos = cells.next_in_column(pos, last);
-    if (pos.row == 0) break;
-    const int end = std::min(pos.row + stretch_rows - 1, last);
-    cells.for_each({pos, {end, pos.column}}, [&](CellPos at, const Cell& cell, FormulaId) {
-      if (go_on) go_on = visit(at.row - origin.row, column, view_of(cell, *texts_));
-    });
-    pos.row = end + 1;
-  }
-  return go_on;
-}
-
-template <class Visit>
 void Grid::for_each(Visit&& visit) const {
   if (area_) {
-    const int last =
-        std::min(columns_, area_->sheet->cells.last_column() - area_->rect.first.column + 1);
-    for (int column = 0; column < last; ++column)
-      if (!visit_column(column, 0, visit)) return;
+    const CellPos origin = area_->rect.first;
+    area_->sheet->cells.for_each(area_->rect, [&](CellPos at, const Cell& cell, FormulaId) {
+      return static_cast<bool>(
+          visit(at.row - origin.row, at.column - origin.column, view_of(cell, *texts_)));
+    });
     return;
   }
   for (int column = 0; column < columns_; ++column)

@@ -30,20 +30,4 @@ ValueView view_of(const Variant& value) noexcept {
   return {};
 }
 
-ValueView view_of(const Cell& cell, const TextPool& texts) noexcept {
-  switch (cell.type()) {
-    case CellType::empty:
-      break;
-    case CellType::number:
-      return cell.number();
-    case CellType::text:
-      return texts.view(cell.text());
-    case CellType::boolean:
-      return cell.boolean();
-    case CellType::error:
-      return cell.error();
-  }
-  return {};
-}
-
 }  // namespace qto::embedded

@@ -44,6 +44,20 @@ class ValueView {
 
 /// Dates and whole numbers are numbers here; of an array the first element is seen.
 ValueView view_of(const Variant& value) noexcept;
-ValueView view_of(const Cell& cell, const TextPool& texts) noexcept;
+inline ValueView view_of(const Cell& cell, const TextPool& texts) noexcept {
+  switch (cell.type()) {
+    case CellType::empty:
+      break;
+    case CellType::number:
+      return cell.number();
+    case CellType::text:
+      return texts.view(cell.text());
+    case CellType::boolean:
+      return cell.boolean();
+    case CellType::error:
+      return cell.error();
+  }
+  return {};
+}
 
 }  // namespace qto::embedded

@@ -15,11 +15,35 @@ struct Condition {
   Criterion criterion;
 };
 
+/// The index that answers a condition, or null when its range is to be looked through.
+const LookupIndex* index_of(Context& context, const Condition& condition) {
+  const Area* block = condition.range.area();
+  if (!block || condition.range.columns() != 1) return nullptr;
+  const auto wanted = condition.criterion.only_value();
+  if (!wanted) return nullptr;
+  const LookupIndex* index = context.lookups().over(*block);
+  return index && wanted->is_number() && index->has_texts_with_digits() ? nullptr : index;
+}
+
+/// Calls visit(row, column) for the places that meet a condition which blank cells do not meet.
+template <class Visit>
+void for_each_match(const Condition& condition, const LookupIndex* index, Visit&& visit) {
+  if (index) {
+    auto entry = index->first(*condition.criterion.only_value());
+    for (; entry != LookupIndex::none; entry = index->next(entry)) visit(index->row(entry), 0);
+    return;
+  }
+  condition.range.for_each([&](int row, int column, const ValueView& value) {
+    if (condition.criterion.matches(value)) visit(row, column);
+    return true;
+  });
+}
+
 /// The conditions of a call, which all look at blocks of the same size.
 class Conditions {
  public:
   /// Arguments from `first` on are pairs of a range and a criterion.
-  Conditions(Call& call, int first) {
+  Conditions(Call& call, int first) : context_(call.context()) {
     if ((call.count() - first) % 2 != 0) {
       error_ = ErrorValue::value;
       return;
@@ -30,10 +54,29 @@ class Conditions {
   int rows() const noexcept { return conditions_.front().range.rows(); }
   int columns() const noexcept { return conditions_.front().range.columns(); }
 
-  bool met(int row, int column, std::size_t from = 0) const {
-    for (std::size_t i = from; i < conditions_.size(); ++i)
+  static constexpr std::size_t none = -1;
+  /// All conditions but one that is known to be met.
+  bool met(int row, int column, std::size_t known = none) const {
+    for (std::size_t i = 0; i < conditions_.size(); ++i) {
+      if (i == known) continue;
       if (!conditions_[i].criterion.matches(conditions_[i].range.at(row, column))) return false;
+    }
     return true;
+  }
+
+  /// Calls visit(row, column) for the places that meet all conditions, of which blank cells do not
+  /// meet one at least; false, and nothing visited, without an index.
+  template <class Visit>
+  bool for_each_indexed(Visit&& visit) const {
+    for (std::size_t i = 0; i < conditions_.size(); ++i) {
+      const LookupIndex* index = index_of(context_, conditions_[i]);
+      if (!index) continue;
+      for_each_match(conditions_[i], index, [&](int row, int column) {
+        if (met(row, column, i)) visit(row, column);
+      });
+      return true;
+    }
+    return false;
   }
 
   /// How many places meet all conditions; what is beyond the stored cells counts by arithmetic.
@@ -42,10 +85,10 @@ class Conditions {
     const int rows = blanks ? stored_rows() : this->rows();
     std::int64_t count = 0;
     if (!blanks) {
-      conditions_[selective()].range.for_each([&](int row, int column, const ValueView&) {
-        count += met(row, column);
-        return true;
-      });
+      if (for_each_indexed([&](int, int) { ++count; })) return count;
+      const std::size_t first = selective();
+      for_each_match(conditions_[first], nullptr,
+                     [&](int row, int column) { count += met(row, column, first); });
       return count;
     }
     for (int row = 0; row < rows; ++row)
@@ -83,6 +126,7 @@ class Conditions {
     return rows;
   }
 
+  Context& context_;
   std::vector<Condition> conditions_;
   std::optional<ErrorValue> error_;
 };
@@ -118,7 +162,9 @@ Gathered failed(ErrorValue error) {
 /// range, criterion, [values]: the values lie where the range lies, from their first cell on.
 Gathered gather_one(Call& call) {
   if (!call[0].area()) return failed(ErrorValue::value);
-  const Grid range(call.context(), call[0]);
+  const Condition condition{Grid(call.context(), call[0]),
+                            Criterion(call.value(1), call.context().dates())};
+  const Grid& range = condition.range;
   Area values = *call[0].area();
   if (call.given(2)) {
     if (!call[2].area()) return failed(ErrorValue::value);
@@ -130,11 +176,19 @@ Gathered gather_one(Call& call) {
   const Operand values_operand(values);
   const Grid numbers(call.context(), values_operand);
   if (call.context().gave_up()) return failed(ErrorValue::na);
-  const Criterion criterion(call.value(1), call.context().dates());
   Gathered result;
+  const bool same_cells = values == *call[0].area();
+  if (!same_cells && !condition.criterion.matches_empty()) {
+    for_each_match(condition, index_of(call.context(), condition), [&](int row, int column) {
+      if (row < numbers.rows() && column < numbers.columns()) result.take(numbers.at(row, column));
+    });
+    return result;
+  }
   // Only places where something is stored among the values can add anything.
   numbers.for_each([&](int row, int column, const ValueView& value) {
-    if (!value.is_empty() && criterion.matches(range.at(row, column))) result.take(value);
+    if (!value.is_empty() &&
+        condition.criterion.matches(same_cells ? value : range.at(row, column)))
+      result.take(value);
     return true;
   });
   return result;
@@ -149,6 +203,9 @@ Gathered gather_many(Call& call) {
   if (conditions.rows() != numbers.rows() || conditions.columns() != numbers.columns())
     return failed(ErrorValue::value);
   Gathered result;
+  if (conditions.for_each_indexed(
+          [&](int row, int column) { result.take(numbers.at(row, column)); }))
+    return result;
   numbers.for_each([&](int row, int column, const ValueView& value) {
     if (!value.is_empty() && conditions.met(row, column)) result.take(value);
     return true;

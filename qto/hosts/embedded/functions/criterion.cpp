@@ -1,5 +1,6 @@
 #include "qto/hosts/embedded/functions/criterion.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "qto/automation/text.hpp"
@@ -94,10 +95,25 @@ void Criterion::read_operand(std::string_view text, bool written_operator, Texts
     pattern_ = std::move(pattern);
   } else {
     text_ = text.find('~') == std::string_view::npos ? std::string(text) : pattern.plain();
+    ascii_ = std::ranges::all_of(text_, [](char c) { return static_cast<signed char>(c) >= 0; });
   }
 }
 
-bool Criterion::matches(const ValueView& value) const {
+std::optional<ValueView> Criterion::only_value() const {
+  if (op_ != Op::equal || pattern_) return std::nullopt;
+  switch (subject_) {
+    case Subject::number:
+      return number_;
+    case Subject::text:
+      return std::string_view(text_);
+    case Subject::boolean:
+      return boolean_;
+    default:
+      return std::nullopt;
+  }
+}
+
+bool Criterion::matches_any(const ValueView& value) const {
   if (op_ == Op::equal) return equals(value);
   if (op_ == Op::not_equal) return !equals(value);
   return in_order(value);
@@ -113,8 +129,10 @@ bool Criterion::equals(const ValueView& value) const {
       return value.is_error() && value.error() == error_;
     case Subject::text:
       if (!value.is_text()) return false;
-      return pattern_ ? pattern_->matches(value.text())
-                      : equal_values(value, std::string_view(text_));
+      if (pattern_) return pattern_->matches(value.text());
+      // Most texts differ in length already; folding changes it beyond ASCII only.
+      if (ascii_ && value.text().size() != text_.size()) return false;
+      return equal_values(value, std::string_view(text_));
     case Subject::number:
       break;
   }

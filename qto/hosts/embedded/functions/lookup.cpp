@@ -33,7 +33,8 @@ Operand look_up_in_table(Call& call, bool across) {
   const Vector vector(call.context(), keys);
   if (call.context().gave_up()) return ErrorValue::na;
   const Wanted wanted(call.value(0), !sorted);
-  const Position found = sorted ? find_sorted(vector, wanted) : find_equal(vector, wanted);
+  const Position found =
+      sorted ? find_sorted(vector, wanted) : find_equal(call.context(), vector, wanted);
   if (!found) return ErrorValue::na;
   const double wanted_index = std::trunc(call.number(2));
   if (wanted_index < 1) return ErrorValue::value;
@@ -60,8 +61,8 @@ Operand fn_match(Call& call) {
   if (call.context().gave_up()) return ErrorValue::na;
   const double type = call.number(2, 1);
   const Wanted wanted(call.value(0), type == 0);
-  const Position found =
-      type == 0 ? find_equal(vector, wanted) : find_sorted(vector, wanted, type < 0);
+  const Position found = type == 0 ? find_equal(call.context(), vector, wanted)
+                                   : find_sorted(vector, wanted, type < 0);
   return found ? Operand(static_cast<double>(*found + 1)) : Operand(ErrorValue::na);
 }
 
@@ -117,9 +118,9 @@ Outcome<std::int64_t> extended_match(Call& call, int mode_at) {
       found = next < vector.stored() ? Position(next) : Position();
     }
   } else if (match == 0 || match == 2) {
-    found = find_equal(vector, wanted, search < 0);
+    found = find_equal(call.context(), vector, wanted, search < 0);
   } else {
-    found = find_nearest(vector, wanted, match > 0, search < 0);
+    found = find_nearest(call.context(), vector, wanted, match > 0, search < 0);
   }
   if (!found) return ErrorValue::na;
   return *found;

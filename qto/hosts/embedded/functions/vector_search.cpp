@@ -40,8 +40,8 @@ std::int64_t Vector::next_stored(std::int64_t position) const noexcept {
 Wanted::Wanted(const ValueView& value, bool wildcards, bool across_types)
     : value_(value.is_empty() ? ValueView(0.0) : value), across_types_(across_types) {
   if (!value_.is_text()) return;
-  ascii_ = std::ranges::all_of(value_.text(),
-                               [](char c) { return static_cast<unsigned char>(c) < 128; });
+  ascii_ =
+      std::ranges::all_of(value_.text(), [](char c) { return static_cast<signed char>(c) >= 0; });
   if (!wildcards) return;
   WildcardPattern pattern(value_.text());
   if (pattern.has_wildcards()) {
@@ -70,7 +70,15 @@ bool Wanted::equals(const ValueView& value) const {
   return equal_values(value, value_);
 }
 
-std::optional<std::int64_t> find_equal(const Vector& vector, const Wanted& wanted, bool last) {
+std::optional<std::int64_t> find_equal(Context& context, const Vector& vector, const Wanted& wanted,
+                                       bool last) {
+  if (vector.column() && !last && wanted.is_exact() && !wanted.value().is_error()) {
+    if (const LookupIndex* index = context.lookups().over(*vector.column())) {
+      const LookupIndex::Entry entry = index->first(wanted.value());
+      if (entry == LookupIndex::none) return std::nullopt;
+      return index->row(entry);
+    }
+  }
   std::optional<std::int64_t> found;
   vector.for_each([&](std::int64_t position, const ValueView& value) {
     if (wanted.equals(value)) found = position;
@@ -105,9 +113,9 @@ std::optional<std::int64_t> find_sorted(const Vector& vector, const Wanted& want
   return found;
 }
 
-std::optional<std::int64_t> find_nearest(const Vector& vector, const Wanted& wanted, bool above,
-                                         bool last) {
-  if (const auto equal = find_equal(vector, wanted, last)) return equal;
+std::optional<std::int64_t> find_nearest(Context& context, const Vector& vector,
+                                         const Wanted& wanted, bool above, bool last) {
+  if (const auto equal = find_equal(context, vector, wanted, last)) return equal;
   std::optional<std::int64_t> best;
   vector.for_each([&](std::int64_t position, const ValueView& value) {
     if (!wanted.comparable(value)) return true;

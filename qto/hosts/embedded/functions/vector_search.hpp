@@ -28,6 +28,8 @@ class Vector {
     else
       grid_.for_each([&](int, int column, const ValueView& value) { return visit(column, value); });
   }
+  /// The block of cells that is seen when it is one of a single column, or null.
+  const Area* column() const noexcept { return is_column() ? grid_.area() : nullptr; }
   /// The number of positions from the start beyond which all is blank.
   std::int64_t stored() const noexcept;
   /// The first position from `position` on where something may be stored; size() if none.
@@ -51,6 +53,8 @@ class Wanted {
   /// How a comparable value stands to the one looked for: below 0 before it, above 0 after it.
   int order(const ValueView& value) const;
   const ValueView& value() const noexcept { return value_; }
+  /// True when only the very value fits, not a pattern.
+  bool is_exact() const noexcept { return !pattern_; }
 
  private:
   ValueView value_;
@@ -61,14 +65,14 @@ class Wanted {
 };
 
 /// The first (or last) position that holds an equal value.
-std::optional<std::int64_t> find_equal(const Vector& vector, const Wanted& wanted,
+std::optional<std::int64_t> find_equal(Context& context, const Vector& vector, const Wanted& wanted,
                                        bool last = false);
 /// In ascending order: the last position of the largest value not above the wanted one. In
 /// descending order: of the smallest value not below it. Anything may come out of unsorted values.
 std::optional<std::int64_t> find_sorted(const Vector& vector, const Wanted& wanted,
                                         bool descending = false);
 /// Among unsorted values: an equal one, else the largest below (or the smallest above) it.
-std::optional<std::int64_t> find_nearest(const Vector& vector, const Wanted& wanted, bool above,
-                                         bool last);
+std::optional<std::int64_t> find_nearest(Context& context, const Vector& vector,
+                                         const Wanted& wanted, bool above, bool last);
 
 }  // namespace qto::embedded::functions
