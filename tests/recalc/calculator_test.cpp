@@ -237,6 +237,28 @@ TEST_F(CalculatorTest, WhatCannotBeReachedKeepsItsValue) {
   EXPECT_EQ(book_.shown("A3"), "35");
 }
 
+TEST_F(CalculatorTest, NamesThatAreFunctionsHandOnWhatTheyRead) {
+  book_.name("Scaled", "LAMBDA(n,n*Sheet1!$B$1)");
+  book_.value("B1", 3.0);
+  book_.value("C1", 5.0);
+  book_.formula("A1", "Scaled(C1)");
+  book_.formula("A2", "LET(f,LAMBDA(n,n+C1),f(1))");
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "15");
+  EXPECT_EQ(book_.shown("A2"), "6");
+  book_.value("B1", 4.0);
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "20");
+  book_.value("C1", 6.0);
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "24");
+  EXPECT_EQ(book_.shown("A2"), "7");
+  book_.book.everything_changed();
+  plant("A1", 1.0);
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "24");
+}
+
 TEST_F(CalculatorTest, LinksGiveWhatTheFileRemembersOfThem) {
   ExternalBook link;
   link.name = "Other.xlsx";

@@ -11,6 +11,12 @@ namespace {
 /// Nodes inside one another, names followed included. A formula itself is capped by its parser;
 /// this also holds for names that refer to names and keeps the machine's stack small.
 constexpr int max_depth = 640;
+/// Parts that one formula may evaluate.
+constexpr int max_steps = 1 << 25;
+/// Function values that call each other this deep count as recursive, and recursion that branches
+/// can ask for any number of calls.
+constexpr int shallow_calls = 4;
+constexpr int max_recursive_calls = 1 << 18;
 
 /// Counts one up while it lives.
 class Deeper {
@@ -47,6 +53,11 @@ Operand Walker::walk(const SyntaxTree& tree, const Frame& frame, bool array, boo
   visible_locals_ = 0;
   chain_.clear();
   depth_ = 0;
+  steps_ = 0;
+  calls_inside_ = 0;
+  recursive_calls_ = 0;
+  too_deep_ = false;
+  named_.clear();
   volatile_ = false;
   snap_ = snap;
   return evaluate(tree.root, array);
@@ -54,7 +65,11 @@ Operand Walker::walk(const SyntaxTree& tree, const Frame& frame, bool array, boo
 
 Operand Walker::evaluate(NodeIndex index, bool array) {
   if (gave_up()) return ErrorValue::na;
-  if (depth_ >= max_depth) return ErrorValue::num;
+  if (depth_ >= max_depth || steps_ >= max_steps) {
+    too_deep_ = true;
+    return ErrorValue::num;
+  }
+  ++steps_;
   const Deeper deeper(depth_);
   return evaluate_node(tree_->at(index), index, array);
 }
@@ -207,6 +222,11 @@ Operand Walker::apply(const Operand& function, std::span<const Operand> argument
   const auto lambda =
       function.value() ? ref_cast<Lambda>(function.value()->object()) : Ref<Lambda>();
   if (!lambda || lambda->parameters.size() != arguments.size()) return ErrorValue::value;
+  if (calls_inside_ >= shallow_calls && ++recursive_calls_ > max_recursive_calls) {
+    too_deep_ = true;
+    return ErrorValue::num;
+  }
+  const Deeper inside(calls_inside_);
   const Frame outer_frame = std::exchange(frame_, lambda->frame);
   const SyntaxTree* outer_tree = std::exchange(tree_, lambda->tree);
   const std::size_t outside = locals_.size();
@@ -250,7 +270,18 @@ Operand Walker::defined_name(std::string_view name, const SheetQualifier& qualif
     return ErrorValue::name;
   }
   if (!sheet && !book->sheets().empty()) sheet = book->sheets().front().get();
-  return in_frame(*found->refers_to, {book, sheet, frame_.at});
+  return named_value(*found, {book, sheet, frame_.at});
+}
+
+/// Names of names of names would be evaluated over and over: each is once in a formula, unless its
+/// value moves or could not be found out where it was asked for.
+Operand Walker::named_value(const DefinedName& name, const Frame& frame) {
+  const std::pair<const DefinedName*, const Sheet*> key(&name, frame.sheet);
+  for (const auto& [known, value] : named_)
+    if (known == key) return value;
+  Operand value = in_frame(*name.refers_to, frame);
+  if (!volatile_ && !too_deep_ && !gave_up()) named_.emplace_back(key, value);
+  return value;
 }
 
 Operand Walker::in_frame(const CompiledFormula& formula, const Frame& frame) {

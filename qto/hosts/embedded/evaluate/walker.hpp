@@ -45,6 +45,7 @@ class Walker : public Context {
   const Operand* local(std::string_view name) const;
   Operand name(const Node& node);
   Operand defined_name(std::string_view name, const SheetQualifier& qualifier);
+  Operand named_value(const DefinedName& name, const Frame& frame);
   Operand in_frame(const CompiledFormula& formula, const Frame& frame);
 
   const FunctionTable& functions_;
@@ -54,6 +55,12 @@ class Walker : public Context {
   std::size_t visible_locals_ = 0;  ///< locals below this belong to the formula around a name
   std::vector<NodeIndex> chain_;
   int depth_ = 0;
+  int steps_ = 0;
+  int calls_inside_ = 0;
+  int recursive_calls_ = 0;
+  bool too_deep_ = false;
+  /// The names that the formula under way has used, with the sheet they were seen from.
+  std::vector<std::pair<std::pair<const DefinedName*, const Sheet*>, Operand>> named_;
   bool volatile_ = false;
   bool snap_ = false;
 };

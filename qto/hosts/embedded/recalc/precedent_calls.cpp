@@ -26,7 +26,7 @@ void PrecedentWalk::visit_call(const Part& part) {
   const std::string& name = part.tree->texts[node.payload];
   const FunctionSpec* spec = functions_.find(name);
   if (spec && spec->has(changes_always)) list_.is_volatile = true;
-  if (!spec) list_.cannot_evaluate = true;
+  if (!spec) visit_called_name(part);
   const SpecialFunction function = special_function(name);
   if (function == SpecialFunction::bind_names || function == SpecialFunction::lambda)
     bind_locals(part);
@@ -42,6 +42,19 @@ void PrecedentWalk::visit_call(const Part& part) {
     ++position;
   }
   work_.insert(work_.end(), arguments.rbegin(), arguments.rend());
+}
+
+/// A call of what is no function: a name or a local whose value is one.
+void PrecedentWalk::visit_called_name(const Part& call) {
+  if (is_local(call, call.tree->texts[call.at().payload])) return;
+  Part target;
+  const DefinedName* name = find_name(call, target);
+  if (!name) {
+    list_.cannot_evaluate = true;
+    return;
+  }
+  target.use = Use::full;
+  if (names_seen_.insert({name, target.use}).second) push(target);
 }
 
 PrecedentWalk::Part PrecedentWalk::argument(const Part& call, NodeIndex node, int position,

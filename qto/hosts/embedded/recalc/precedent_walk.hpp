@@ -50,6 +50,7 @@ class PrecedentWalk {
   void visit_range(const Part& part);
   void visit_intersection(const Part& part);
   void visit_call(const Part& part);
+  void visit_called_name(const Part& call);
   Part argument(const Part& call, NodeIndex node, int position, SpecialFunction function,
                 const FunctionSpec* spec) const;
   Use special_use(const Part& call, int position, SpecialFunction function) const;
