@@ -47,9 +47,21 @@ class KeyedCollection {
     return slot == none ? nullptr : slots_[slot].item.get();
   }
 
+  /// Number of places, holes included.
+  std::size_t places() const noexcept { return slots_.size(); }
+  /// From now on items keep their places: holes stay holes.
+  void pin_places() noexcept { ++passes_; }
+
   /// Removes an item; false when there is none.
   bool remove(const Key& key) { return remove_slot(find_slot(key)); }
   bool remove_at(std::size_t position) { return remove_slot(slot_at(position)); }
+
+  /// Exchanges all items. Passes under way on either go on over the new ones.
+  void swap(KeyedCollection& other) noexcept {
+    slots_.swap(other.slots_);
+    index_.swap(other.index_);
+    std::swap(holes_, other.holes_);
+  }
 
   /// A walk over the items that stays right while the collection changes. It keeps no reference to
   /// the collection's owner.
@@ -71,6 +83,8 @@ class KeyedCollection {
       }
       return nullptr;
     }
+    /// The place, from 0, that comes next.
+    std::size_t place() const noexcept { return next_; }
 
    private:
     KeyedCollection* collection_;

@@ -146,6 +146,7 @@ class DrillDown : public Object {
   Ref<qto::DrillOptions> options_;
   std::unique_ptr<Parser> clsParser_;
   std::int64_t memory_baseline_ = 0;
+  std::uint64_t drill_number_ = 0;  // of all drills of the process
   std::int32_t maximum_items_ = 0;
   std::int32_t next_item_threshold_ = 0;
   std::int32_t maximum_depth_ = 0;

@@ -16,6 +16,13 @@ std::vector<Ref<ModelPart>>& watched() {
   return *parts;
 }
 
+/// Direct precedents, and all of them where some were left out.
+std::array<Ref<ModelParts>, 2> lists_of(ModelPart& part) {
+  Ref<ModelParts> all;
+  if (part.IntelligentDrillingUsed()) all = part.AllPrecedents();
+  return {part.DirectPrecedents(), all == part.DirectPrecedents() ? nullptr : all};
+}
+
 /// Tells which watched parts somebody outside can still reach.
 class Reachability {
  public:
@@ -36,12 +43,6 @@ class Reachability {
   bool reaches(const ModelPart* part) const { return reached_.contains(part); }
 
  private:
-  /// Direct precedents, and all of them where some were left out.
-  static std::array<Ref<ModelParts>, 2> lists_of(ModelPart& part) {
-    Ref<ModelParts> all;
-    if (part.IntelligentDrillingUsed()) all = part.AllPrecedents();
-    return {part.DirectPrecedents(), all == part.DirectPrecedents() ? nullptr : all};
-  }
   void count_list(const Ref<ModelParts>& list) {
     if (!list || holders_[list.get()]++ > 0) return;
     list->for_each([this](ModelPart& item) {
@@ -70,11 +71,18 @@ class Reachability {
   std::vector<ModelPart*> open_;
 };
 
+/// References are counted list by list, so no list may share the parts of a block.
+void watch(ModelPart& part) {
+  watched().emplace_back(&part);
+  for (const auto& list : lists_of(part))
+    if (list) list->dissolve_blocks();
+}
+
 }  // namespace
 
 void watch_graph(const Ref<ModelPart>& start, ModelParts& parts) {
-  watched().push_back(start);
-  parts.for_each([](ModelPart& part) { watched().emplace_back(&part); });
+  watch(*start);
+  parts.for_each([](ModelPart& part) { watch(part); });
 }
 
 void release_lost_graphs() {

@@ -40,6 +40,8 @@ void DrillDown::set_up() {
   Procedure proc("DrillDown", "set_up");
   // From an event of this drill: its collections are in use.
   if (current_depth_ > 0) throw AutomationError(ErrorNumber::out_of_range);
+  static std::uint64_t drills = 0;
+  drill_number_ = ++drills;
   parts_analysed_ = make_ref<ModelParts>();
   exceeded_ = false;
   met_cycle_ = false;

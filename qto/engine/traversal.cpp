@@ -38,6 +38,7 @@ class DrillDown::Walk {
     while (!stack_.empty()) pop();
     while (drill_.clsParser_->ParentCount() > parents_) drill_.clsParser_->RemoveParentRange();
     drill_.current_depth_ = depth_;
+    drill_.clsParser_->forget_blocks();
     if (drill_.met_cycle_) watch_graph(start_, *drill_.parts_analysed_);
   }
 
@@ -49,7 +50,7 @@ class DrillDown::Walk {
     push(start, enter);
     while (!stack_.empty()) {
       Frame& frame = stack_.back();
-      ModelPart* next = frame.pass ? frame.pass->next() : nullptr;
+      ModelPart* next = frame.pass ? next_of(*frame.pass) : nullptr;
       if (!next) {
         pop();
         continue;
@@ -70,6 +71,11 @@ class DrillDown::Walk {
     frame.walked->mark_walk(true);
     if (frame.is_parent) drill_.clsParser_->AddParentRange(*frame.walked);
     if (const Ref<ModelParts> list = enter(frame.part)) frame.pass.emplace(list);
+  }
+
+  /// Without a depth limit, parts that were walked once have nothing new below them.
+  ModelPart* next_of(ModelParts::Pass& pass) const {
+    return drill_.maximum_depth_ == 0 ? pass.next_for(drill_.drill_number_) : pass.next();
   }
 
   void pop() {
@@ -127,10 +133,7 @@ bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
     return false;
   }
   if (canonical != part) {
-    const PartKey key = part->Key();
-    list.remove(key);
-    Ref<ModelPart> moved = canonical;
-    list.AddExisting(moved);
+    list.replace(*part, canonical);
     canonical->CheckForChanges();
     part = canonical;
   }
@@ -199,7 +202,7 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
         find_precedents_if_necessary(part);
         Ref<ModelParts> list = part->DirectPrecedents();
         bool any_error = false;
-        if (list) list->for_each([&](ModelPart& item) { any_error |= item.HasError(); });
+        if (list) any_error = list->any_error(drill_number_);
         if (any_error) return list;
         add_to(*error_cells_, part);
         return Ref<ModelParts>();

@@ -1,5 +1,7 @@
 #include "qto/model/model_parts.hpp"
 
+#include <algorithm>
+
 #include "qto/automation/collection_error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 
@@ -8,7 +10,7 @@ namespace qto {
 void ModelParts::AddExisting(Ref<ModelPart>& part) {
   Procedure proc("ModelParts", "AddExisting");
   BeforeItemAdded(part);
-  if (!part) return;
+  if (!part || in_some_block(*part)) return;
   try {
     parts_.add(part->Key(), part);
   } catch (const std::exception&) {
@@ -16,24 +18,209 @@ void ModelParts::AddExisting(Ref<ModelPart>& part) {
   }
 }
 
+std::int32_t ModelParts::Count() const noexcept {
+  Procedure proc("ModelParts", "Count[Get]");
+  auto count = static_cast<std::int64_t>(parts_.count());
+  if (blocks_)
+    for (const Entry& entry : *blocks_) count += entry.block->count();
+  return static_cast<std::int32_t>(count);
+}
+
 Ref<ModelPart> ModelParts::Item(const Variant& position_or_key) {
   Procedure proc("ModelParts", "Item[Get]");
   if (position_or_key.is_text())
-    return Ref<ModelPart>(parts_.find(PartKey::of_text(position_or_key.text())));
+    return Ref<ModelPart>(find(PartKey::of_text(position_or_key.text())));
   const auto position = position_of(position_or_key);
-  return position ? Ref<ModelPart>(parts_.at(*position)) : nullptr;
+  return position ? Ref<ModelPart>(at(*position)) : nullptr;
 }
 
 void ModelParts::Remove(const Variant& position_or_key) {
   Procedure proc("ModelParts", "Remove");
   (void)proc.step([&] {
     bool removed = false;
-    if (position_or_key.is_text())
-      removed = parts_.remove(PartKey::of_text(position_or_key.text()));
-    else if (const auto position = position_of(position_or_key))
-      removed = parts_.remove_at(*position);
+    if (position_or_key.is_text()) {
+      removed = remove(PartKey::of_text(position_or_key.text()));
+    } else if (const auto position = position_of(position_or_key)) {
+      ModelPart* part = at(*position);
+      removed = part && remove(part->Key());
+    }
     if (!removed) throw_no_such_item();
   });
+}
+
+/// Clients count through lists, so a position in a block is found without walking to it.
+ModelPart* ModelParts::at(std::size_t position) {
+  if (!blocks_ || position == 0) return parts_.at(position);
+  if (has_gaps()) {
+    Pass pass = NewEnum();
+    ModelPart* part = pass.next();
+    while (part && --position > 0) part = pass.next();
+    return part;
+  }
+  const std::size_t index = position - 1;
+  std::size_t in_blocks = 0;
+  for (const Entry& entry : *blocks_) {
+    const std::size_t first = entry.before + in_blocks;
+    const auto size = static_cast<std::size_t>(entry.block->size());
+    if (index < first) break;
+    if (index < first + size) return entry.block->at(static_cast<std::int64_t>(index - first));
+    in_blocks += size;
+  }
+  return parts_.at(position - in_blocks);
+}
+
+bool ModelParts::has_gaps() const noexcept {
+  return parts_.places() != parts_.count() || std::ranges::any_of(*blocks_, [](const Entry& entry) {
+           return entry.block->count() != entry.block->size();
+         });
+}
+
+ModelPart* ModelParts::find(const PartKey& key) const {
+  if (ModelPart* single = parts_.find(key)) return single;
+  if (!blocks_) return nullptr;
+  for (const Entry& entry : *blocks_)
+    if (ModelPart* part = entry.block->find(key)) return part;
+  return nullptr;
+}
+
+bool ModelParts::remove(const PartKey& key) {
+  if (!blocks_) return parts_.remove(key);
+  if (parts_.remove(key)) return true;
+  for (Entry& entry : *blocks_) {
+    if (!entry.block->find(key)) continue;
+    // The other lists keep the part.
+    if (entry.block->ref_count() > 1) entry.block = entry.block->clone();
+    return entry.block->remove(key);
+  }
+  return false;
+}
+
+void ModelParts::replace(ModelPart& part, Ref<ModelPart> by) {
+  if (blocks_)
+    for (const Entry& entry : *blocks_)
+      if (entry.block->holds(part)) return entry.block->replace(part, by);
+  parts_.remove(part.Key());
+  AddExisting(by);
+}
+
+bool ModelParts::add_block(const Ref<RangeBlock>& block) {
+  if (blocks_) {
+    for (const Entry& entry : *blocks_) {
+      if (entry.block == block) return true;
+      if (entry.block->overlaps(*block)) return false;
+    }
+  }
+  if (BeforeItemAdded || meets_a_single(*block)) return false;
+  if (!blocks_) {
+    blocks_ = std::make_unique<Entries>();
+    parts_.pin_places();
+  }
+  blocks_->push_back({parts_.places(), block});
+  return true;
+}
+
+/// True also when there are too many single parts to tell in a moment.
+bool ModelParts::meets_a_single(const RangeBlock& block) {
+  constexpr std::size_t many = 1000;
+  if (parts_.count() > many) return true;
+  KeyedCollection<ModelPart, PartKey>::Pass pass(parts_);
+  while (const ModelPart* part = pass.next())
+    if (block.holds(*part)) return true;
+  return false;
+}
+
+bool ModelParts::in_some_block(const ModelPart& part) const noexcept {
+  return blocks_ && std::ranges::any_of(
+                        *blocks_, [&](const Entry& entry) { return entry.block->holds(part); });
+}
+
+bool ModelParts::any_unknown() {
+  Pass pass = NewEnum();
+  while (const ModelPart* part = pass.next_single())
+    if (part->IsUnknown()) return true;
+  return false;
+}
+
+bool ModelParts::any_error(std::uint64_t drill) {
+  Pass pass = NewEnum();
+  while (const ModelPart* part = pass.next_single())
+    if (part->HasError()) return true;
+  return blocks_ && std::ranges::any_of(*blocks_, [&](const Entry& entry) {
+           return entry.block->any_error(drill);
+         });
+}
+
+Ref<ModelParts> ModelParts::copy() {
+  auto list = make_ref<ModelParts>();
+  Pass pass = NewEnum();
+  std::size_t block = 0;
+  const auto add_blocks_before = [&](std::size_t place) {
+    for (; blocks_ && block < blocks_->size() && (*blocks_)[block].before <= place; ++block)
+      list->add_block((*blocks_)[block].block);
+  };
+  for (std::size_t place = 0;; place = pass.single_place()) {
+    add_blocks_before(place);
+    ModelPart* part = pass.next_single();
+    if (!part) break;
+    Ref<ModelPart> shared(part);
+    list->AddExisting(shared);
+  }
+  return list;
+}
+
+void ModelParts::dissolve_blocks() {
+  if (!blocks_) return;
+  std::vector<Ref<ModelPart>> all;
+  for_each([&](ModelPart& part) { all.emplace_back(&part); });
+  blocks_.reset();
+  KeyedCollection<ModelPart, PartKey> fresh;
+  for (const auto& part : all) fresh.add(part->Key(), part);
+  parts_.swap(fresh);
+}
+
+ModelParts::Pass::Pass(Ref<ModelParts> list) : list_(std::move(list)), pass_(list_->parts_) {
+  Procedure proc("ModelParts", "NewEnum");
+}
+
+bool ModelParts::Pass::in_block() const noexcept {
+  const auto& blocks = list_->blocks_;
+  return blocks && block_ < blocks->size() && (*blocks)[block_].before <= pass_.place();
+}
+
+/// Null at the end of the block, and the pass stands behind it.
+ModelPart* ModelParts::Pass::next_in_block() {
+  RangeBlock& block = *(*list_->blocks_)[block_].block;
+  while (place_ < block.size())
+    if (ModelPart* part = block.at(place_++)) return part;
+  ++block_;
+  place_ = 0;
+  return nullptr;
+}
+
+ModelPart* ModelParts::Pass::next() {
+  for (;;) {
+    while (in_block())
+      if (ModelPart* part = next_in_block()) return part;
+    if (ModelPart* part = pass_.next()) return part;
+    // Holes at the end were passed over, behind which a block may stand.
+    if (!in_block()) return nullptr;
+  }
+}
+
+ModelPart* ModelParts::Pass::next_for(std::uint64_t drill) {
+  for (;;) {
+    while (in_block()) {
+      const Ref<RangeBlock> block = (*list_->blocks_)[block_].block;
+      if (place_ == 0 && block->walked_by == drill) {
+        ++block_;
+        continue;
+      }
+      if (ModelPart* part = next_in_block()) return part;
+      block->walked_by = drill;
+    }
+    if (ModelPart* part = pass_.next()) return part;
+    if (!in_block()) return nullptr;
+  }
 }
 
 }  // namespace qto

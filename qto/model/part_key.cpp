@@ -45,6 +45,13 @@ PartKey PartKey::of_cell(std::uint32_t prefix, CellPos pos) noexcept {
   return key;
 }
 
+bool PartKey::is_cell_of(std::uint32_t prefix, CellPos& pos) const noexcept {
+  if (is_text() || bits_ >> (row_bits + column_bits) != prefix) return false;
+  pos.row = static_cast<std::int32_t>(bits_ >> column_bits & ((1u << row_bits) - 1)) + 1;
+  pos.column = static_cast<std::int32_t>(bits_ & ((1u << column_bits) - 1)) + 1;
+  return true;
+}
+
 PartKey PartKey::of_text(std::string_view unique_key) {
   std::string folded = text::fold_case(unique_key);
   const std::size_t end = folded.rfind("'!");

@@ -36,6 +36,8 @@ class PartKey {
   static std::uint32_t prefix_number(std::string_view prefix);
 
   bool is_set() const noexcept { return bits_ != 0; }
+  /// Tells the position of a cell on the sheet with that prefix; false for every other key.
+  bool is_cell_of(std::uint32_t prefix, CellPos& pos) const noexcept;
   std::uint64_t hash() const noexcept;
   bool operator==(const PartKey& other) const noexcept {
     return bits_ == other.bits_ || (is_text() && other.is_text() && same_text(other));

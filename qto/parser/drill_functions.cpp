@@ -13,9 +13,7 @@ namespace qto {
 /// The second walk. A reference that could not be resolved rules it out: evaluation would need it.
 void Parser::parse_functions_intelligently() {
   Procedure proc("Parser", "parse_functions_intelligently");
-  ModelParts::Pass pass(found_);
-  while (ModelPart* found = pass.next())
-    if (found->IsUnknown()) return verdicts_.add_unresolved_formula();
+  if (found_->any_unknown()) return verdicts_.add_unresolved_formula();
   found_ = make_ref<ModelParts>();
   part_->create_afresh();
   TokenTable table;

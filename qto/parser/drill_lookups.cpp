@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -35,6 +36,19 @@ bool is_one_reference(Tokens argument) {
     }
   }
   return found;
+}
+
+/// How far into a range, counted from 1, a criterion has to be tested: beyond the used cells all
+/// are blank, so that one of them tells for all.
+CellPos last_to_test(const host::Range& range, host::WorksheetFunction& functions,
+                     const Variant& criterion) {
+  const Rect all = range.block();
+  const Rect used = range.Worksheet()->UsedRange()->block();
+  const CellPos whole{all.rows(), all.columns()};
+  const CellPos within{std::clamp(used.last.row - all.first.row + 1, 0, whole.row),
+                       std::clamp(used.last.column - all.first.column + 1, 0, whole.column)};
+  if (within == whole) return whole;
+  return functions.CountIf(range.Cells(whole.row, whole.column), criterion) == 0 ? within : whole;
 }
 
 }  // namespace
@@ -133,9 +147,10 @@ DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
                                 : lookup_value(args[1]);
   const auto sums = args.size() > 2 ? local_eval_range(args_array_to_string(args[2])) : nullptr;
   const auto functions = Main::shared_application()->WorksheetFunction();
+  const CellPos last = last_to_test(*range, *functions, criterion);
   // The sum range is paired with the criteria range by position from its top-left cell.
-  for (std::int32_t row = 1; row <= range->RowsCount(); ++row) {
-    for (std::int32_t column = 1; column <= range->ColumnsCount(); ++column) {
+  for (std::int32_t row = 1; row <= last.row; ++row) {
+    for (std::int32_t column = 1; column <= last.column; ++column) {
       const auto cell = range->Cells(row, column);
       if (functions->CountIf(cell, criterion) == 0) continue;
       add_cell_part(sums ? sums->Cells(row, column) : cell);

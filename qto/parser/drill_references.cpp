@@ -81,7 +81,7 @@ DrillVerdict Parser::parse_indirect_real(const std::string& text) {
   try {
     found_ = make_ref<ModelParts>();
     do_parse(table.tokens, drill_intelligently);
-    found_->for_each([&](ModelPart& part) { unresolved = unresolved || part.IsUnknown(); });
+    unresolved = found_->any_unknown();
   } catch (...) {
     found_ = before;
     throw;

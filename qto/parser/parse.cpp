@@ -95,12 +95,6 @@ void Parser::Parse(ModelPart& part) {
 }
 
 /// What the first walk found; only a part that drops some of it keeps this list.
-void Parser::keep_all_precedents() {
-  all_ = make_ref<ModelParts>();
-  found_->for_each([this](ModelPart& part) {
-    Ref<ModelPart> shared(&part);
-    all_->AddExisting(shared);
-  });
-}
+void Parser::keep_all_precedents() { all_ = found_->copy(); }
 
 }  // namespace qto

@@ -45,6 +45,8 @@ class Parser {
   void AddParentRange(ModelPart& part);
   void RemoveParentRange();
   std::size_t ParentCount() const noexcept { return parents_.size(); }
+  /// Parts made for large ranges are shared until then: by the formulas of one drill.
+  void forget_blocks() noexcept { blocks_.clear(); }
   /// What became of every special function drilled so far.
   const DrillVerdicts& Verdicts() const noexcept { return verdicts_; }
 
@@ -121,6 +123,7 @@ class Parser {
   std::vector<Ref<SheetRecord>> sheets_for_reference(const Ref<host::Workbook>& workbook,
                                                      std::string_view sheet);
   void add_cells_of(const Ref<SheetRecord>& sheet, std::string_view address);
+  const Ref<RangeBlock>& block_of(const Ref<SheetRecord>& sheet, const Rect& rect);
   Ref<SheetRecord> record_of(const Ref<host::Worksheet>& sheet);
   Ref<SheetRecord> record_named(const Ref<host::Workbook>& workbook, std::string_view sheet);
   bool reopen_linked_book(std::string_view path, std::string_view book);
@@ -142,6 +145,7 @@ class Parser {
   TokenTable table_;
   std::unordered_map<std::uint64_t, Ref<SheetRecord>> records_;  // by identity stamp
   Ref<SheetRecord> last_record_;
+  std::vector<Ref<RangeBlock>> blocks_;
   DrillVerdicts verdicts_;
 };
 

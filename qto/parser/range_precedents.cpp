@@ -102,6 +102,7 @@ void Parser::add_cells_of(const Ref<SheetRecord>& sheet, std::string_view addres
   Rect block;
   if (!sheet->sheet->find_block(address, block))
     throw host::HostFailure(host::general_failure, "no range " + std::string(address));
+  if (block.cells() >= RangeBlock::least_cells && found_->add_block(block_of(sheet, block))) return;
   for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
     for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
       auto part = make_ref<ModelPart>();
@@ -109,6 +110,12 @@ void Parser::add_cells_of(const Ref<SheetRecord>& sheet, std::string_view addres
       found_->AddExisting(part);
     }
   }
+}
+
+const Ref<RangeBlock>& Parser::block_of(const Ref<SheetRecord>& sheet, const Rect& rect) {
+  for (const Ref<RangeBlock>& block : blocks_)
+    if (block->sheet() == sheet && block->rect() == rect) return block;
+  return blocks_.emplace_back(make_ref<RangeBlock>(sheet, rect));
 }
 
 Ref<SheetRecord> Parser::record_named(const Ref<host::Workbook>& workbook, std::string_view sheet) {

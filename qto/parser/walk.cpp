@@ -125,7 +125,7 @@ void Parser::link_found(const LinkText& link, std::string_view item) {
 void Parser::check_for_unknown_precedents() {
   Procedure proc("Parser", "check_for_unknown_precedents");
   ModelParts::Pass pass(found_);
-  while (ModelPart* item = pass.next()) {
+  while (ModelPart* item = pass.next_single()) {
     if (!item->IsUnknown() || item->WorkBookName().empty()) continue;
     Ref<ModelPart> unknown(item);
     std::int32_t fatal_error = 0;

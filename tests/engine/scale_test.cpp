@@ -76,6 +76,63 @@ TEST(WholeColumn, BecomesAPartPerCell) {
   EXPECT_EQ(list->Item(1)->AddressShort(), "A2");
 }
 
+/// What a large range does to its lists must be what the same cells one by one would do.
+TEST(LargeRanges, AreSharedByFormulasButNotTheirLists) {
+  Books books(
+      "D1=1; D7==E1; D9==F1; E1=5; B1==E1+SUM(D1:D5000)+F2; B2==SUM(D1:D5000,D1:D10); "
+      "B3==SUM(D4000:D9000,D1:D5000); A1==B1+B2+B3");
+  const auto drill = drill_from(books, "A1");
+  drill->FindInputs();
+  EXPECT_EQ(drill->InputCells()->Count(), 9000 - 2 + 3);  // D7 and D9 rest on E1 and F1; F2
+  const auto& top = drill->StartModelPart()->DirectPrecedents();
+  const Ref<ModelParts> first = top->Item(1)->DirectPrecedents();
+  EXPECT_EQ(first->Count(), 5002);
+  EXPECT_EQ(first->Item(1)->AddressShort(), "E1");
+  EXPECT_EQ(first->Item(2)->AddressShort(), "D1");
+  EXPECT_EQ(first->Item(5002)->AddressShort(), "F2");
+  EXPECT_EQ(first->Item(5003), nullptr);
+  const Ref<ModelParts> second = top->Item(2)->DirectPrecedents();
+  EXPECT_EQ(second->Count(), 5000);
+  EXPECT_EQ(second->Item(7), first->Item(8));  // the same part
+  EXPECT_EQ(listed(second->Item(7)->DirectPrecedents()), "E1");
+  EXPECT_EQ(top->Item(3)->DirectPrecedents()->Count(), 9000);
+  second->Remove(7);
+  EXPECT_EQ(second->Count(), 4999);
+  EXPECT_EQ(second->Item(7)->AddressShort(), "D8");
+  EXPECT_EQ(second->Item(first->Item(8)->UniqueKey()), nullptr);
+  EXPECT_EQ(first->Item(8)->AddressShort(), "D7");
+}
+
+TEST(LargeRanges, LeadToErrorsAndAreFiltered) {
+  Books books(
+      "D4000==1/E1; E1=0; D2=7; B1==SUM(D1:D5000); B2==SUM(D1:D5000); A1==B1+B2; "
+      "A2==VLOOKUP(7,D1:G5000,1,FALSE); G1==SUM(D1:D5000)");
+  auto drill = drill_from(books, "A1");
+  drill->TraceError();
+  EXPECT_EQ(listed(drill->ErrorCells()), "D4000");
+  drill = drill_from(books, "B1", {.ShowBlanks = false});
+  drill->DrillHere();
+  EXPECT_EQ(listed(drill->StartModelPart()->DirectPrecedents()), "D2 D4000");
+  EXPECT_EQ(drill->StartModelPart()->AllPrecedents()->Count(), 5000);
+  drill = drill_from(books, "A2", {.ParseLookup = 1});
+  drill->FindInputs();
+  EXPECT_EQ(listed(drill->InputCells()), "A2 D2");
+  EXPECT_EQ(drill->StartModelPart()->AllPrecedents()->Count(), 20000);
+}
+
+/// In a circle that a depth limit allows, the parts of large ranges are given back as well.
+TEST(LargeRanges, OnACircleAreReleased) {
+  Books books("A1==SUM(A1:A5000)");
+  auto drill = drill_from(books, "A1");
+  drill->put_MaximumDepth(3);
+  drill->DrillHere();
+  const Ref<SheetRecord> record = drill->StartModelPart()->sheet_record();
+  EXPECT_EQ(drill->StartModelPart()->DirectPrecedents()->Count(), 5000);
+  drill = nullptr;
+  make_ref<DrillDown>();
+  EXPECT_EQ(record->ref_count(), 1u);
+}
+
 /// Every formula sees all cells above it: most entries of its list are met again and replaced.
 TEST(SharedPrecedents, AreReplacedInLinearTime) {
   constexpr int rows = 700;
