@@ -11,28 +11,26 @@ constexpr std::size_t shortest_run = 21;
 
 std::optional<CellPos> constant_cell(ModelPart& part) {
   const auto& list = part.DirectPrecedents();
-  if (part.ObjectType() != "Range" || part.IsUnknown() || part.HasError() || !part.IsConstant() ||
+  if (!part.sheet_record() || part.IsUnknown() || part.HasError() || !part.IsConstant() ||
       (list && list->Count() > 0))
     return std::nullopt;
-  const auto cell = parse_cell(part.AddressShort());
-  return cell ? std::optional(cell->pos) : std::nullopt;
+  return part.cell();
 }
 
-bool same_sheet(const ModelPart& a, const ModelPart& b) {
-  return a.Workbook() == b.Workbook() && a.WorkSheetName() == b.WorkSheetName();
+std::optional<CellPos> empty_cell(ModelPart& part) {
+  return part.value().is_empty() ? constant_cell(part) : std::nullopt;
 }
 
-}  // namespace
-
-CellRun run_at_front(std::span<ModelPart* const> parts) {
+template <class CellOf>
+CellRun run_of(std::span<ModelPart* const> parts, CellOf&& cell_of) {
   if (parts.size() < shortest_run) return {};
-  const auto first = constant_cell(*parts[0]);
+  const std::optional<CellPos> first = cell_of(*parts[0]);
   if (!first) return {};
   std::size_t width = 0;  // cells of a row of the block; 0 until the first row ended
   std::size_t count = 0;
   for (ModelPart* part : parts) {
-    const auto pos = constant_cell(*part);
-    if (!pos || !same_sheet(*part, *parts[0])) break;
+    const std::optional<CellPos> pos = cell_of(*part);
+    if (!pos || part->sheet_record() != parts[0]->sheet_record()) break;
     const auto n = static_cast<std::int32_t>(count);
     if (width == 0 && (pos->row != first->row || pos->column != first->column + n)) width = count;
     if (width != 0) {
@@ -50,5 +48,10 @@ CellRun run_at_front(std::span<ModelPart* const> parts) {
   for (ModelPart* part : parts.first(count)) run.empty += part->value().is_empty();
   return run;
 }
+
+}  // namespace
+
+CellRun run_at_front(std::span<ModelPart* const> parts) { return run_of(parts, constant_cell); }
+CellRun empty_run_at_front(std::span<ModelPart* const> parts) { return run_of(parts, empty_cell); }
 
 }  // namespace qto::cli

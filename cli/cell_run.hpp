@@ -17,5 +17,7 @@ struct CellRun {
 
 /// The longest run at the front of `parts`, for lists too long to be read cell by cell.
 CellRun run_at_front(std::span<ModelPart* const> parts);
+/// The same of cells that hold nothing.
+CellRun empty_run_at_front(std::span<ModelPart* const> parts);
 
 }  // namespace qto::cli

@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
+#include "cli/cell_run.hpp"
 #include "cli/part_text.hpp"
 
 namespace qto::cli {
@@ -45,24 +47,38 @@ void print_line(std::FILE* out, const PartText& text, const Widths& widths) {
   fmt::print(out, "{}\n", line);
 }
 
+/// Whole columns are full of cells that hold nothing; a line says so for all of a block.
+PartText describe_empty(ModelPart& first, const CellRun& run, const std::string& home_book) {
+  PartText text;
+  text.address = readable_address(first, home_book, address_of(run.block));
+  text.value = fmt::format("{} empty cells", run.cells);
+  return text;
+}
+
 }  // namespace
 
 void print_list(std::FILE* out, const Ref<ModelParts>& parts, const std::string& home_book,
                 bool full, Progress& progress) {
+  std::vector<ModelPart*> items;
+  items.reserve(static_cast<std::size_t>(parts->Count()));
+  parts->for_each([&items](ModelPart& part) { items.push_back(&part); });
   std::vector<PartText> head;
   Widths widths;
-  ModelParts::Pass pass(parts);
-  while (head.size() < lines_measured) {
-    ModelPart* part = pass.next();
-    if (!part) break;
-    head.push_back(describe(*part, home_book, full));
-    widths.take(head.back());
-    progress.count_one();
-  }
-  for (const PartText& text : head) print_line(out, text, widths);
-  while (ModelPart* part = pass.next()) {
-    print_line(out, describe(*part, home_book, full), widths);
-    progress.count_one();
+  for (std::span<ModelPart* const> rest(items); !rest.empty();) {
+    const CellRun run = full ? CellRun{} : empty_run_at_front(rest);
+    const std::size_t taken = std::max<std::size_t>(run.cells, 1);
+    const PartText text =
+        run.cells ? describe_empty(*rest[0], run, home_book) : describe(*rest[0], home_book, full);
+    rest = rest.subspan(taken);
+    progress.count(taken);
+    if (head.size() < lines_measured) {
+      head.push_back(text);
+      widths.take(text);
+      if (head.size() < lines_measured && !rest.empty()) continue;
+      for (const PartText& first : head) print_line(out, first, widths);
+    } else {
+      print_line(out, text, widths);
+    }
   }
 }
 

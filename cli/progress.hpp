@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -20,7 +21,10 @@ class Progress {
 
   /// A new stage of the work ("opening plan.xlsx"); its count begins at 0.
   void stage(std::string what);
-  void count_one() noexcept { count_.fetch_add(1, std::memory_order_relaxed); }
+  void count_one() noexcept { count(1); }
+  void count(std::size_t done) noexcept {
+    count_.fetch_add(static_cast<std::int64_t>(done), std::memory_order_relaxed);
+  }
   /// Takes the line away: something else is to be written. The next stage shows again.
   void hide();
 

@@ -38,6 +38,23 @@ TEST(LongTree, gathers_long_blocks_of_constants_on_one_line) {
   EXPECT_THAT(full.out, HasSubstr("Sheet1!C31  "));
 }
 
+TEST(LongList, gathers_empty_cells_on_one_line) {
+  BookFile book;
+  book.cells(row(1, "<c r=\"A1\"><f>SUM(B:C)</f><v>9</v></c><c r=\"B1\"><v>4</v></c>") +
+             row(2, "<c r=\"C2\"><v>5</v></c>"));
+  const TemporaryFile file("columns.xlsx", book.bytes());
+  EXPECT_EQ(run_qto({"inputs", file.path(), "A1"}).out,
+            "Inputs of Sheet1!A1  =SUM(B:C) → 9\n"
+            "\n"
+            "Sheet1!B1           4\n"
+            "Sheet1!C1           (empty)\n"
+            "Sheet1!B2           (empty)\n"
+            "Sheet1!C2           5\n"
+            "Sheet1!B3:C1048576  2097148 empty cells\n"
+            "\n"
+            "2097152 inputs\n");
+}
+
 TEST(LongTree, stays_readable_at_any_depth) {
   BookFile book;
   std::string rows = row(1, "<c r=\"A1\"><v>1</v></c>");
