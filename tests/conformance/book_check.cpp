@@ -43,9 +43,29 @@ ValueView element(const Operand& result, int row, int column) {
   return view_of(array.at(row, column));
 }
 
+/// The moment, in the 1900 system, that a cell with nothing but NOW() or TODAY() remembers.
+double moment_of(const Book& book) {
+  double moment = 45352.5;
+  bool exact = false;
+  for (const auto& sheet : book.sheets())
+    sheet->cells.for_each(Rect::sheet(), [&](CellPos, const Cell& cell, FormulaId id) {
+      const auto compiled = id != 0 ? book.formula(id).compiled : nullptr;
+      const SyntaxTree* tree = compiled ? compiled->tree() : nullptr;
+      if (!tree || cell.type() != CellType::number || exact) return;
+      const Node& root = tree->at(tree->root);
+      if (root.kind != NodeKind::call || root.child_count != 0) return;
+      const std::string& function = tree->texts[root.payload];
+      if (function != "NOW" && function != "TODAY") return;
+      moment = cell.number() + book.date_shift();
+      exact = function == "NOW";
+    });
+  return moment;
+}
+
 class Check {
  public:
-  explicit Check(Book& book) : book_(book), evaluator_(world_, functions::registry()) {}
+  explicit Check(Book& book)
+      : book_(book), world_(moment_of(book)), evaluator_(world_, functions::registry()) {}
 
   BookResult run() {
     for (const auto& sheet : book_.sheets())
@@ -54,7 +74,7 @@ class Check {
       });
     const auto start = std::chrono::steady_clock::now();
     book_.everything_changed();
-    Calculator(OnlyBook(book_)).calculate(book_, StillWorld().now());
+    Calculator(OnlyBook(book_)).calculate(book_, world_.now());
     result_.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     for (const Remembered& cell : remembered_) compare(cell);

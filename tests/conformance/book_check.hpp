@@ -42,7 +42,8 @@ struct BookResult {
 };
 
 /// Recalculates the whole book as it was opened, with all remembered values, and compares each cell
-/// with what it held before.
+/// with what it held before. The clock shows what the book's own NOW() or TODAY() remembers, where
+/// it has one.
 BookResult check_book(Book& book);
 
 }  // namespace qto::embedded::conformance

@@ -13,10 +13,14 @@ namespace qto::embedded::conformance {
 /// Surroundings in which every cell holds its value already, and neither clock nor chance move.
 class StillWorld : public Environment {
  public:
+  explicit StillWorld(double now = 45352.5) : now_(now) {}
   bool ready(const Area&) override { return true; }
   Book* find_open_book(std::string_view) const override { return nullptr; }
-  double now() const override { return 45352.5; }
+  double now() const override { return now_; }
   double random() override { return 0.25; }
+
+ private:
+  double now_;
 };
 
 /// Numbers agree to a relative 1e-9 or an absolute 1e-12, all else exactly.

@@ -35,6 +35,8 @@ void CellReader::start(std::string_view name, const Attributes& attributes) {
 
 void CellReader::end(std::string_view name) {
   if (!in_cell_) return;
+  // What was cut must not pass for a whole formula; nothing makes these braces readable.
+  if (sink_ == &formulas_.text() && sink_->size() >= limits::formula_bytes) sink_->append("}}");
   sink_ = nullptr;
   if (name == "c")
     end_cell();
