@@ -6,6 +6,7 @@
 #include "qto/links/main.hpp"
 #include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
+#include "qto/parser/let_bindings.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
@@ -18,8 +19,10 @@ void Parser::parse_functions_intelligently() {
   part_->create_afresh();
   TokenTable table;
   split_formula(part_->read_formula_again(), table);
+  bindings_ = has_bindings(table.tokens) ? Tokens(table.tokens) : Tokens();
   bool second_pass = true;
   do_parse(table.tokens, second_pass);
+  bindings_ = {};
 }
 
 /// Drills one special function. When that fails, the walk goes on behind the function's name, so
@@ -62,6 +65,16 @@ DrillVerdict Parser::drill_by_type(Tokens tokens, std::size_t& i) {
 Ref<host::Worksheet> Parser::evaluation_sheet() {
   const auto workbook = part_->Workbook();
   return own_sheet_.empty() ? workbook->Worksheets(1) : workbook->Worksheets(own_sheet_);
+}
+
+/// What a piece of the formula reads as, or a call with it as the argument list. Pieces of texts
+/// that were made on the way, such as the target of INDIRECT, stand by themselves.
+std::string Parser::text_to_evaluate(Tokens piece, std::string_view function) const {
+  std::string text = args_array_to_string(piece);
+  if (!function.empty()) text = std::string(function) + "(" + text + ")";
+  const bool inside = !bindings_.empty() && !piece.empty() && piece.data() >= bindings_.data() &&
+                      piece.data() < bindings_.data() + bindings_.size();
+  return inside ? with_bindings(bindings_, piece, std::move(text)) : text;
 }
 
 /// What a piece of the formula being parsed gives in its cell; outside cells, on the sheet.
@@ -162,13 +175,14 @@ DrillVerdict Parser::parse_if(Tokens tokens, std::size_t& position) {
       return text == ")" && depth == 1;
     });
   }
-  const std::optional<bool> chosen = decides(local_eval(args_array_to_string(condition)));
+  const Variant value = local_eval(text_to_evaluate(condition));
+  const std::optional<bool> chosen = decides(value);
   if (!chosen) {
     for (const Tokens part : {condition, branches[0], branches[1]}) {
       bool second_pass = false;
       do_parse(part, second_pass);
     }
-    return DrillVerdict::undecided;
+    return value.is_error() ? DrillVerdict::condition_error : DrillVerdict::both_branches;
   }
   bool second_pass = true;
   do_parse(branches[*chosen ? 0 : 1], second_pass);

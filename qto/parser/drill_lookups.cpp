@@ -53,13 +53,11 @@ CellPos last_to_test(const host::Range& range, host::WorksheetFunction& function
 
 }  // namespace
 
-Variant Parser::argument_value(Tokens argument) {
-  return local_eval(args_array_to_string(argument));
-}
+Variant Parser::argument_value(Tokens argument) { return local_eval(text_to_evaluate(argument)); }
 
 /// The value to look up; a date, or a text that reads as one, by its serial number.
 Variant Parser::lookup_value(Tokens argument) {
-  const std::string text = args_array_to_string(argument);
+  const std::string text = text_to_evaluate(argument);
   const Variant value = argument_value(argument);
   if (const auto* date = value.get_if<Date>()) return std::nearbyint(date->serial);
   if (!value.is_text() || text::is_numeric(value.text())) return value;
@@ -79,7 +77,7 @@ DrillVerdict Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
   if (!usable) {
     part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
   } else {
-    const auto table = local_eval_range(args_array_to_string(args[1]));
+    const auto table = local_eval_range(text_to_evaluate(args[1]));
     const bool approximate = args.size() < 4 || flag_behind(argument_value(args[3]));
     const std::int32_t index = whole_number_behind(argument_value(args[2]));
     if (!table) return DrillVerdict::not_found;
@@ -103,7 +101,7 @@ DrillVerdict Parser::parse_lookup(Tokens tokens, std::size_t& position) {
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 2) throw NumberedFailure(9, "LOOKUP with fewer than two arguments");
   const Variant wanted = lookup_value(args[0]);
-  std::string vector_text = args_array_to_string(args[1]);
+  std::string vector_text = text_to_evaluate(args[1]);
   if (const auto written = local_eval_range(vector_text)) vector_text = written->Address();
   const bool usable = !vector_text.empty();
   if (!usable) {
@@ -113,7 +111,7 @@ DrillVerdict Parser::parse_lookup(Tokens tokens, std::size_t& position) {
     if (!vector) return DrillVerdict::not_found;
     const auto place = Main::shared_application()->WorksheetFunction()->Match(wanted, vector);
     if (!place || *place == 0) return DrillVerdict::not_found;
-    const auto result = args.size() > 2 ? local_eval_range(args_array_to_string(args[2])) : vector;
+    const auto result = args.size() > 2 ? local_eval_range(text_to_evaluate(args[2])) : vector;
     if (!result) throw NumberedFailure(91, "the result vector of LOOKUP is no range");
     const auto along = static_cast<std::int32_t>(*place);
     add_cell_part(vector->RowsCount() == 1 ? result->Cells(1, along) : result->Cells(along, 1));
@@ -139,13 +137,13 @@ DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 2) throw NumberedFailure(9, "SUMIF with fewer than two arguments");
-  const auto range = local_eval_range(args_array_to_string(args[0]));
+  const auto range = local_eval_range(text_to_evaluate(args[0]));
   if (!range) return DrillVerdict::no_table;
   const std::string criterion_text = args_array_to_string(args[1]);
   const Variant criterion = criterion_text.starts_with('"') && criterion_text.size() > 1
                                 ? Variant(criterion_text.substr(1, criterion_text.size() - 2))
                                 : lookup_value(args[1]);
-  const auto sums = args.size() > 2 ? local_eval_range(args_array_to_string(args[2])) : nullptr;
+  const auto sums = args.size() > 2 ? local_eval_range(text_to_evaluate(args[2])) : nullptr;
   const auto functions = Main::shared_application()->WorksheetFunction();
   const CellPos last = last_to_test(*range, *functions, criterion);
   // The sum range is paired with the criteria range by position from its top-left cell.

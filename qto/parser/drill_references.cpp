@@ -26,7 +26,7 @@ DrillVerdict Parser::parse_index(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_index");
   position += 2;
   const Tokens list = argument_list(tokens, position);
-  const auto range = local_eval_range("INDEX(" + args_array_to_string(list) + ")");
+  const auto range = local_eval_range(text_to_evaluate(list, "INDEX"));
   if (!range) {
     part_->put_HasError(true);
     return DrillVerdict::no_reference;
@@ -41,7 +41,7 @@ DrillVerdict Parser::parse_offset(Tokens tokens, std::size_t& position) {
   std::size_t start = position;
   const std::vector<Tokens> args = get_args(tokens, position);
   const Tokens list = argument_list(tokens, start);
-  const auto range = local_eval_range("OFFSET(" + args_array_to_string(list) + ")");
+  const auto range = local_eval_range(text_to_evaluate(list, "OFFSET"));
   if (!range) {
     part_->put_HasError(true);
     return DrillVerdict::no_reference;

@@ -8,16 +8,17 @@
 
 namespace qto {
 
-/// How the drilling of one special function ended. Only the first two follow less than everything.
+/// How the drilling of one special function ended.
 enum class DrillVerdict : std::uint8_t {
-  decided,       ///< the branch, the cell or the target was found and followed
-  not_found,     ///< a lookup found nothing: nothing feeds the result
-  undecided,     ///< the condition of an IF is an error or a mixed array: all of it is followed
-  no_reference,  ///< INDEX, OFFSET or INDIRECT gives no reference: the part has an error
-  no_table,      ///< what is searched is no reference: counted as a constant
-  failed,        ///< the driller failed: all references of the call are followed
+  decided,          ///< the branch, the cell or the target was found and followed
+  not_found,        ///< a lookup found nothing: nothing feeds the result
+  both_branches,    ///< the condition of an IF is an array that chooses both: all of it is followed
+  condition_error,  ///< the condition of an IF is an error value: all of it is followed
+  no_reference,     ///< INDEX, OFFSET or INDIRECT gives no reference: the part has an error
+  no_table,         ///< what is searched is no reference: counted as a constant
+  failed,           ///< the driller failed: all references of the call are followed
 };
-inline constexpr std::size_t drill_verdict_count = 6;
+inline constexpr std::size_t drill_verdict_count = 7;
 
 /// Counts of verdicts by function.
 class DrillVerdicts {

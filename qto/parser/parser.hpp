@@ -105,6 +105,7 @@ class Parser {
   DrillVerdict parse_indirect(Tokens tokens, std::size_t& i);
   DrillVerdict parse_indirect_real(const std::string& text);
   DrillVerdict parse_offset(Tokens tokens, std::size_t& i);
+  std::string text_to_evaluate(Tokens piece, std::string_view function = {}) const;
   Variant local_eval(const std::string& text);
   Ref<host::Range> local_eval_range(const std::string& text);
   Ref<host::Worksheet> evaluation_sheet();
@@ -143,6 +144,7 @@ class Parser {
   Ref<host::Worksheet> form_sheet_;  // where address forms are tested
   std::string own_path_, own_book_, own_sheet_;
   TokenTable table_;
+  Tokens bindings_;  // the formula under way in the second walk when it names values for itself
   std::unordered_map<std::uint64_t, Ref<SheetRecord>> records_;  // by identity stamp
   Ref<SheetRecord> last_record_;
   std::vector<Ref<RangeBlock>> blocks_;

@@ -25,7 +25,8 @@ constexpr std::array special_functions{
     std::pair{TokenType::sumif, "SUMIF"},     std::pair{TokenType::indirect, "INDIRECT"},
     std::pair{TokenType::offset, "OFFSET"}};
 constexpr std::array<const char*, drill_verdict_count> verdict_names{
-    "decided", "not found", "undecided condition", "no reference", "no table", "failed"};
+    "decided",      "not found", "both branches", "condition error",
+    "no reference", "no table",  "failed"};
 
 struct Totals {
   std::int64_t formulas = 0, unresolved = 0, reports = 0;
@@ -108,12 +109,12 @@ void print(const Totals& totals) {
               static_cast<long long>(totals.formulas), static_cast<long long>(totals.unresolved),
               static_cast<long long>(totals.reports));
   std::printf("%-10s", "");
-  for (const char* name : verdict_names) std::printf("%22s", name);
+  for (const char* name : verdict_names) std::printf("%16s", name);
   std::printf("\n");
   for (std::size_t f = 0; f < special_functions.size(); ++f) {
     std::printf("%-10s", special_functions[f].second);
     for (const std::int64_t count : totals.calls[f])
-      std::printf("%22lld", static_cast<long long>(count));
+      std::printf("%16lld", static_cast<long long>(count));
     std::printf("\n");
   }
 }

@@ -66,6 +66,18 @@ TEST(SpecialFunctions, AreEvaluatedAsTheirOwnCellSeesThem) {
         });
 }
 
+TEST(SpecialFunctions, KnowTheNamesThatLetGives) {
+  Books books("A1=5; A2=2; D1=k; D2=m; E1=1; E2=2");
+  check(books, {.ParseIf = 1, .ParseLookup = 1, .ParseIndex = 1},
+        {
+            {"=LET(x,A1,IF(x>3,B1,C1))", "A1 B1"},
+            {"=LET(x,A1,y,{1,2},IF(SUM(y)>x,B1,C1))+LET(x,9,x)", "A1 C1"},
+            {"=LET(x,A1,y,IF(x>9,B1,B2),LET(z,x*2,IF(z=10,C1,C2)))", "A1 B2 C1"},
+            {"=LET(k,\"m\",VLOOKUP(k,D1:E2,2,FALSE))", "E2"},
+            {"=LET(n,A2,INDEX(E1:E2,n))", "A2 E2"},
+        });
+}
+
 TEST(SpecialFunctions, InArrayFormulasSeeEveryElement) {
   Books books("A1=1; A2=2; A3=-3");
   const struct {
