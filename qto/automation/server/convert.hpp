@@ -1,0 +1,14 @@
+#pragma once
+
+#include "qto/automation/server/table.hpp"
+
+namespace qto::server {
+
+enum class Conversion : std::uint8_t { done, mismatch, overflow };
+
+/// Turns a client's value into one of the type, by the rules of automation: numbers, Booleans and
+/// texts into each other where they read as such, whole numbers by rounding to even, Empty into 0,
+/// False, "" or nothing. Never an error value, Null (but for no object) or an array.
+Conversion convert(Variant& value, const Type& type);
+
+}  // namespace qto::server

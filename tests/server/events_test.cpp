@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "qto/automation/server/connection.hpp"
+#include "tests/server/late_bound.hpp"
+#include "tests/support/text_book.hpp"
+
+namespace qto::server {
+namespace {
+
+using test::Books;
+
+class Handler final : public EventSink {
+ public:
+  using Answer = std::function<void(std::int32_t, std::span<Variant>)>;
+  explicit Handler(Answer answer) : answer_(std::move(answer)) {}
+  void raise(std::int32_t id, std::span<Variant> arguments) override { answer_(id, arguments); }
+
+ private:
+  Answer answer_;
+};
+
+Connection connect(const LateBound& source, Handler::Answer answer) {
+  return Connection(*source.table, source.object,
+                    checked_sink(*source.table, make_ref<Handler>(std::move(answer))));
+}
+
+int inputs_of(const LateBound& drill, const Ref<Object>& start) {
+  drill.put("StartUnderlyingObject", Variant(start));
+  drill.run("FindInputs");
+  return *drill.object_of("InputCells").get("Count").get_if<std::int32_t>();
+}
+
+constexpr std::int32_t before_get_precedents = 3;
+
+TEST(Events, AnswersComeBackThroughTheirArguments) {
+  Books books("A1=2; B1==A1*A1; C1==B1*A1; D1==C1");
+  const LateBound drill("DrillDown");
+  std::string seen;
+  Connection connection = connect(drill, [&](std::int32_t id, std::span<Variant> arguments) {
+    if (id != before_get_precedents) return;
+    ASSERT_EQ(arguments.size(), 2u);
+    EXPECT_EQ(arguments[1], Variant(false));
+    seen += LateBound(arguments[0].object()).get("AddressShort").text() + " ";
+    arguments[1] = Variant(-1);  // Cancel, as a script writes True
+  });
+  inputs_of(drill, books.range("D1"));
+  EXPECT_EQ(seen, "D1 ");  // nothing below it was reached
+  connection.disconnect();
+  EXPECT_EQ(inputs_of(drill, books.range("D1")), 1);
+  EXPECT_EQ(seen, "D1 ");
+}
+
+TEST(Events, WrongAnswersLeaveThePresets) {
+  Books books("A1=2; B1==A1*A1");
+  const LateBound drill("DrillDown");
+  Connection connection = connect(drill, [&](std::int32_t id, std::span<Variant> arguments) {
+    if (id != before_get_precedents) return;
+    arguments[0] = Variant(Ref<Object>(make_ref<DrillOptions>()));
+    arguments[1] = Variant(ErrorValue::na);
+  });
+  EXPECT_EQ(inputs_of(drill, books.range("B1")), 1);
+}
+
+TEST(Events, TextAnswersComeBackToo) {
+  const LateBound part("ModelPart");
+  part.put("Title", Variant("good"));
+  std::string seen;
+  const Connection connection = connect(part, [&](std::int32_t id, std::span<Variant> arguments) {
+    seen += part.table->events[static_cast<std::size_t>(id) - 1].name;
+    seen += " " + arguments[0].text();
+    arguments[1] = Variant("better");
+  });
+  part.run("Create", {Variant(), Variant("Range")});
+  EXPECT_EQ(seen, "TitleChanged good");
+  EXPECT_EQ(part.get("Title"), Variant("better"));
+}
+
+TEST(Events, ClassesWithoutEventsRefuse) {
+  EXPECT_THROW(connect(LateBound("DrillOptions"), {}), std::invalid_argument);
+}
+
+TEST(Events, AConnectionHoldsItsObject) {
+  auto part = std::make_unique<LateBound>("ModelPart");
+  const Ref<Object> object = part->object;
+  const std::uint32_t before = object->ref_count();
+  {
+    const Connection connection = connect(*part, [](auto, auto) {});
+    EXPECT_EQ(object->ref_count(), before + 1);
+  }
+  EXPECT_EQ(object->ref_count(), before);
+}
+
+}  // namespace
+}  // namespace qto::server
