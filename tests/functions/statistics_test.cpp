@@ -39,5 +39,19 @@ TEST(Tests, OfNothingCountedAreNoResult) {
                                 {"=T.DIST(0,0,TRUE)", "#NUM!"}});
 }
 
+TEST(HugeCounts, DoNotKeepFunctionsBusy) {
+  expect_results("", {{"=BINOM.DIST.RANGE(1E+308,0.5,1E+308)", "#NUM!"},
+                      {"=BINOM.INV(1E+308,0.5,0.5)", "#NUM!"},
+                      {"=ROUND(HYPGEOM.DIST(2000,1000000,2000000,1000000000,TRUE),6)", "0.505947"},
+                      {"=HYPGEOM.DIST(1,1E+15,1E+15,1E+16,TRUE)", "#NUM!"},
+                      {"=DB(1,1,1E+300,1E+299)", "#NUM!"},
+                      {"=CUMIPMT(0.1,1E+300,100,1,1E+299,0)", "#NUM!"},
+                      {"=AMORDEGRC(1,39679,39813,0,1E+300,0.15)", "0"},
+                      {"=ODDLPRICE(2958000,2958460,2957000,0.05,0.05,100,1)>0", "TRUE"},
+                      {"=BESSELI(4294967296,3)", "#NUM!"},
+                      {"=BESSELK(1E+10,3)", "0"},
+                      {"=BESSELK(1E-300,3)", "#NUM!"}});
+}
+
 }  // namespace
 }  // namespace qto::embedded

@@ -1,4 +1,6 @@
 #include <cmath>
+#include <limits>
+#include <stdexcept>
 
 #include "qto/hosts/embedded/evaluate/call.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
@@ -28,12 +30,30 @@ Operand fn_bessel(Call& call) {
 double first_kind(int order, double x) { return ::jn(order, x); }
 double second_kind(int order, double x) { return ::yn(order, x); }
 
+constexpr double infinite = std::numeric_limits<double>::infinity();
+/// Beyond this e^x is infinite and e^-x is 0.
+constexpr double largest_exponent = 750;
+
+/// The library gives up by exceptions where an order is far above x: the first kind is 0 there and
+/// the second infinite.
 double modified_first_kind(int order, double x) {
-  const double value = std::cyl_bessel_i(order, std::fabs(x));
-  return x < 0 && order % 2 == 1 ? -value : value;
+  if (std::fabs(x) > largest_exponent) return infinite;
+  try {
+    const double value = std::cyl_bessel_i(order, std::fabs(x));
+    return x < 0 && order % 2 == 1 ? -value : value;
+  } catch (const std::runtime_error&) {
+    return 0;
+  }
 }
 
-double modified_second_kind(int order, double x) { return std::cyl_bessel_k(order, x); }
+double modified_second_kind(int order, double x) {
+  if (x > largest_exponent + order) return 0;
+  try {
+    return std::cyl_bessel_k(order, x);
+  } catch (const std::runtime_error&) {
+    return infinite;
+  }
+}
 
 // clang-format off
 constexpr FunctionSpec table[] = {

@@ -2,15 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace qto::embedded::functions {
 
 namespace {
 
-/// The day some coupon periods later; the last day of a month stays one.
+/// The day some coupon periods later; the last day of a month stays one. Days outside the calendar
+/// lie before or after all others.
 Day moved(const Day& day, int periods, int frequency, bool date1904) {
   const auto serial = add_months(day, periods * (12 / frequency), day.last_of_month(), date1904);
-  return to_day(serial.value_or(0), date1904).value_or(Day{});
+  if (!serial) return Day{periods > 0 ? std::numeric_limits<int>::max() / 2 : 0, {}};
+  return to_day(*serial, date1904).value_or(Day{});
 }
 
 }  // namespace

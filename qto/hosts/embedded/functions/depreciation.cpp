@@ -12,6 +12,9 @@ namespace {
 
 using enum Parameter;
 
+/// Lives are gone through period by period.
+constexpr double longest_life = 1e6;
+
 Operand fn_sln(Call& call) {
   if (call.number(2) == 0) return ErrorValue::div0;
   return (call.number(0) - call.number(1)) / call.number(2);
@@ -33,6 +36,7 @@ Operand fn_db(Call& call) {
   if (cost < 0 || salvage < 0 || life <= 0 || period < 1 || months < 1 || months > 12)
     return ErrorValue::num;
   if (period > (months == 12 ? std::ceil(life) : std::ceil(life) + 1)) return ErrorValue::num;
+  if (life > longest_life) return ErrorValue::num;
   if (cost == 0) return 0.0;
   const double rate = round_to_places(1 - std::pow(salvage / cost, 1 / life), 3);
   double written_off = cost * rate * months / 12;
@@ -106,7 +110,7 @@ Operand fn_vdb(Call& call) {
   const double factor = call.given(5) ? call.number(5) : 2;
   const bool switching = !call.logical(6, false);
   if (cost < 0 || salvage < 0 || life <= 0 || start < 0 || end < start || end > life ||
-      factor <= 0 || life > 1e6)
+      factor <= 0 || life > longest_life)
     return ErrorValue::num;
   return DecliningBalance{cost, salvage, life, std::min(factor / life, 1.0), switching}.written_off(
       start, end);
@@ -155,6 +159,7 @@ Operand fn_amordegrc(Call& call) {
   if (plan->period == 0) return step;
   for (double i = 0; i < plan->period; ++i) {
     step = std::round(rate * value);
+    if (step == 0) return 0.0;
     rest -= step;
     if (rest < 0) {
       const double left = plan->period - i;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 
 #include "qto/hosts/embedded/evaluate/call.hpp"
@@ -18,6 +19,9 @@ Real log_choose(Real n, Real k) {
 }
 
 double exponential(Real exponent) { return static_cast<double>(std::exp(exponent)); }
+
+/// Counts beyond this are not whole numbers any more.
+constexpr double largest_count = 9007199254740992;
 
 bool is_probability(double p) { return p >= 0 && p <= 1; }
 
@@ -183,7 +187,8 @@ Operand fn_binom_dist_range(Call& call) {
   const double p = call.number(1);
   const double low = std::trunc(call.number(2));
   const double high = call.given(3) ? std::trunc(call.number(3)) : low;
-  if (n < 0 || !is_probability(p) || low < 0 || low > n || high < low || high > n)
+  if (n < 0 || n > largest_count || !is_probability(p) || low < 0 || low > n || high < low ||
+      high > n)
     return ErrorValue::num;
   double sum = 0;
   if (high - low > 10000) return binomial_below(high, n, p) - binomial_below(low - 1, n, p);
@@ -195,7 +200,8 @@ Operand fn_binom_inv(Call& call) {
   const double n = std::trunc(call.number(0));
   const double p = call.number(1);
   const double alpha = call.number(2);
-  if (n < 0 || p <= 0 || p >= 1 || alpha <= 0 || alpha >= 1) return ErrorValue::num;
+  if (n < 0 || n > largest_count || p <= 0 || p >= 1 || alpha <= 0 || alpha >= 1)
+    return ErrorValue::num;
   double low = 0;
   double high = n;
   while (low < high) {
@@ -235,6 +241,7 @@ Operand hypergeometric(Call& call, bool cumulative) {
   const double drawn = std::trunc(call.number(1));
   const double successes = std::trunc(call.number(2));
   const double population = std::trunc(call.number(3));
+  if (population > 1e10) return ErrorValue::num;
   if (k < 0 || drawn <= 0 || drawn > population || successes <= 0 || successes > population ||
       population <= 0 || k > std::min(drawn, successes))
     return ErrorValue::num;
@@ -245,9 +252,23 @@ Operand hypergeometric(Call& call, bool cumulative) {
                        log_choose(population, drawn));
   };
   if (!cumulative) return density(k);
+  // Away from the mean the terms soon vanish.
+  constexpr double negligible = 1e-20;
   double sum = 0;
-  for (double i = least; i <= k; ++i) sum += density(i);
-  return std::min(sum, 1.0);
+  if (k <= drawn * successes / population) {
+    for (double i = k; i >= least; --i) {
+      const double term = density(i);
+      sum += term;
+      if (term <= sum * negligible) break;
+    }
+    return sum;
+  }
+  for (double i = k + 1; i <= std::min(drawn, successes); ++i) {
+    const double term = density(i);
+    sum += term;
+    if (term <= sum * negligible) break;
+  }
+  return std::clamp(1 - sum, 0.0, 1.0);
 }
 Operand fn_hypgeom_dist(Call& call) { return hypergeometric(call, call.logical(4)); }
 Operand fn_hypgeomdist(Call& call) { return hypergeometric(call, false); }

@@ -54,6 +54,9 @@ Operand fn_payment_part(Call& call) {
   return interest ? part : plan.payment - part;
 }
 
+/// Periods that are added up one by one.
+constexpr double most_periods = 1e6;
+
 template <bool interest>
 Operand fn_cumulative(Call& call) {
   Annuity plan{call.number(0), call.number(1), 0, call.number(2), 0, call.number(5) != 0};
@@ -61,7 +64,7 @@ Operand fn_cumulative(Call& call) {
   const double last = std::floor(call.number(4));
   const bool known_type = call.number(5) == 0 || call.number(5) == 1;
   if (plan.rate <= 0 || plan.periods <= 0 || plan.present <= 0 || first < 1 || last < first ||
-      last > plan.periods || !known_type)
+      last > plan.periods || last - first > most_periods || !known_type)
     return ErrorValue::num;
   plan.payment = plan.payment_due();
   double sum = 0;

@@ -14,7 +14,8 @@ using Real = long double;
 
 constexpr Real tiny = 1e-300L;
 constexpr Real precision = 1e-19L;
-constexpr int most_terms = 100000;
+/// Enough for parameters up to 10^10.
+constexpr int most_terms = 2'000'000;
 
 /// x^a e^-x / Gamma(a).
 Real gamma_front(Real a, Real x) { return std::exp(a * std::log(x) - x - std::lgamma(a)); }
