@@ -113,7 +113,7 @@ void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
     if (cancel)
       part->put_CheckedForPrecedents(true);
     else
-      clsParser_->Parse(*part);
+      clsParser_->Parse(*part, !BeforeGetPrecedents);
   }
   yield();
 }

@@ -17,6 +17,14 @@ class PivotTable;
 class Range;
 
 /// One worksheet. Cells are reached as ranges or, where a million of them are read, by position.
+/// What a cell's formula has in common with copies of it in other cells of its sheet.
+struct FormulaPattern {
+  /// The same for formulas that read the same relative to their cells; 0 when the host cannot tell.
+  std::uint32_t id = 0;
+  /// How many references there are, each of which moves with the cell where it has no dollars.
+  std::int32_t references = 0;
+};
+
 class Worksheet : public Sheet {
  public:
   std::string_view TypeName() const noexcept final { return "Worksheet"; }
@@ -63,6 +71,7 @@ class Worksheet : public Sheet {
   virtual void append_cell_formula(CellPos pos, std::string& out) const = 0;
   virtual Variant cell_value(CellPos pos) const = 0;
   virtual bool cell_has_formula(CellPos pos) const = 0;
+  virtual FormulaPattern formula_pattern(CellPos) const { return {}; }
 };
 
 }  // namespace qto::host

@@ -157,6 +157,8 @@ class ModelPart : public Object {
   CellPos cell() const noexcept { return pos_; }
   /// Reads the formula as Formula() does; the view holds until the next reading.
   std::string_view read_formula_again();
+  /// The formula as it was last read; the view holds until the next reading.
+  std::string_view held_formula() const noexcept { return formula_.view(); }
   /// A mark that the traversals set while the part is being walked.
   bool on_walk() const noexcept { return has(walked); }
   void mark_walk(bool value) noexcept { set(walked, value); }

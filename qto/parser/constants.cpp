@@ -9,10 +9,15 @@ void Parser::flag_contains_constant(std::string_view text) {
   Procedure proc("Parser", "flag_contains_constant");
   const auto number = text::to_number(text);
   if (!number) return;
-  if (*number != 0 && *number != 1)
-    part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
-  else if (part_->FormulaContainsConstant() == qtoNoConstantInFormula)
-    part_->put_FormulaContainsConstant(qtoFormulaContainsConstZeroOrOne);
+  raise_contains_constant(*number != 0 && *number != 1 ? qtoFormulaContainsConstant
+                                                       : qtoFormulaContainsConstZeroOrOne);
+}
+
+void Parser::raise_contains_constant(qtoContainsConstant found) {
+  if (found == qtoFormulaContainsConstant ||
+      (found != qtoNoConstantInFormula &&
+       part_->FormulaContainsConstant() == qtoNoConstantInFormula))
+    part_->put_FormulaContainsConstant(found);
 }
 
 namespace {

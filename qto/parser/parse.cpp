@@ -59,7 +59,57 @@ void Parser::enter_part(ModelPart& part) {
   form_sheet_ = first && first->WorksheetsCount() > 0 ? first->Worksheets(1) : nullptr;
 }
 
-void Parser::Parse(ModelPart& part) {
+namespace {
+
+/// Copies of a formula are recognised where nothing has to be shown of their walk.
+host::FormulaPattern pattern_of(const ModelPart& part) {
+  const auto& sheet = part.sheet_record();
+  if (!sheet || sheet->stamp == 0 || diagnostics::tracing()) return {};
+  return sheet->sheet->formula_pattern(part.cell());
+}
+
+}  // namespace
+
+std::uint32_t Parser::options_signature() {
+  const DrillOptions& chosen = options();
+  std::uint32_t signature = 1;
+  for (const qtoDrillType type :
+       {chosen.ParseIf(), chosen.ParseLookup(), chosen.ParseSumif(), chosen.ParseIndex(),
+        chosen.ParseMatch(), chosen.ParseIndirect(), chosen.ParseOffset()})
+    signature = signature * 8 + static_cast<std::uint32_t>(type);
+  return signature;
+}
+
+/// Adds what a copy of the formula led to, moved to this cell; false when none was met.
+bool Parser::follow_remembered(const host::FormulaPattern& pattern) {
+  if (pattern.id == 0) return false;
+  memory_.hold_for(options_signature());
+  const auto* entry = memory_.find(last_record_->stamp, pattern.id);
+  if (!entry || !*entry) return false;
+  const RememberedFormula& formula = **entry;
+  const CellPos cell = part_->cell();
+  for (std::size_t i = 0; i < formula.references.size(); ++i) {
+    const auto rect = formula.reference_in(cell, i);
+    if (!rect) {
+      found_ = make_ref<ModelParts>();
+      return false;
+    }
+    add_cells_of(last_record_, *rect);
+  }
+  raise_contains_constant(formula.constants);
+  if (formula.error_constant) part_->put_HasError(true);
+  return true;
+}
+
+void Parser::remember(const host::FormulaPattern& pattern, qtoContainsConstant before) {
+  if (pattern.id == 0 || before != qtoNoConstantInFormula) return;
+  if (memory_.find(last_record_->stamp, pattern.id)) return;
+  auto formula = remembered(table_.tokens, part_->cell(), pattern.references);
+  if (formula) formula->constants = part_->FormulaContainsConstant();
+  memory_.keep(last_record_->stamp, pattern.id, std::move(formula));
+}
+
+void Parser::Parse(ModelPart& part, bool just_read) {
   Procedure proc("Parser", "Parse");
   part.put_CheckedForPrecedents(false);
   if (part.IsUnknown()) {
@@ -68,7 +118,7 @@ void Parser::Parse(ModelPart& part) {
     part.put_CheckedForPrecedents(true);
     return;
   }
-  const std::string_view formula = part.read_formula_again();
+  const std::string_view formula = just_read ? part.held_formula() : part.read_formula_again();
   if (!formula.starts_with('=')) {
     part.put_IsConstant(true);
     part.putref_DirectPrecedents(nullptr);
@@ -78,10 +128,15 @@ void Parser::Parse(ModelPart& part) {
   }
   found_ = make_ref<ModelParts>();
   if (!proc.step([&] { enter_part(part); })) return;
-  split_formula(formula, table_);
   bool drill_intelligently = false;
-  do_parse(table_.tokens, drill_intelligently);
-  if (!proc.step([&] { check_for_unknown_precedents(); })) return;
+  const host::FormulaPattern pattern = pattern_of(part);
+  if (!follow_remembered(pattern)) {
+    const qtoContainsConstant constants = part.FormulaContainsConstant();
+    split_formula(formula, table_);
+    do_parse(table_.tokens, drill_intelligently);
+    if (!drill_intelligently) remember(pattern, constants);
+    if (!proc.step([&] { check_for_unknown_precedents(); })) return;
+  }
   // A part that was drilled intelligently before shows its own list, not that of another part.
   if (drill_intelligently || leaves_something_out(options()) || part.IntelligentDrillingUsed())
     keep_all_precedents();

@@ -16,6 +16,7 @@
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
 #include "qto/parser/drill_verdict.hpp"
+#include "qto/parser/formula_memory.hpp"
 #include "qto/parser/token.hpp"
 
 namespace qto {
@@ -37,7 +38,8 @@ class Parser {
   Event<const std::string&, const std::string&, const std::string&, Ref<ModelPart>&>
       ParserFoundDDEOLELink;
 
-  void Parse(ModelPart& part);
+  /// `just_read`: the part has read its formula in this very moment.
+  void Parse(ModelPart& part, bool just_read = false);
   /// The options to read; without any, those of a new DrillOptions apply.
   void putref_ParseOptions(Ref<DrillOptions> options);
 
@@ -45,8 +47,11 @@ class Parser {
   void AddParentRange(ModelPart& part);
   void RemoveParentRange();
   std::size_t ParentCount() const noexcept { return parents_.size(); }
-  /// Parts made for large ranges are shared until then: by the formulas of one drill.
-  void forget_blocks() noexcept { blocks_.clear(); }
+  /// Parts made for large ranges, and what was learnt of formulas, serve one drill.
+  void forget_blocks() noexcept {
+    blocks_.clear();
+    memory_.forget();
+  }
   /// What became of every special function drilled so far.
   const DrillVerdicts& Verdicts() const noexcept { return verdicts_; }
 
@@ -90,6 +95,10 @@ class Parser {
   void link_found(const LinkText& link, std::string_view item);
   void check_for_unknown_precedents();
   void keep_all_precedents();
+  bool follow_remembered(const host::FormulaPattern& pattern);
+  void remember(const host::FormulaPattern& pattern, qtoContainsConstant before);
+  void raise_contains_constant(qtoContainsConstant found);
+  std::uint32_t options_signature();
   const DrillOptions& options();
 
   // Intelligent drilling: the second walk, which follows only what feeds the result
@@ -124,6 +133,7 @@ class Parser {
   std::vector<Ref<SheetRecord>> sheets_for_reference(const Ref<host::Workbook>& workbook,
                                                      std::string_view sheet);
   void add_cells_of(const Ref<SheetRecord>& sheet, std::string_view address);
+  void add_cells_of(const Ref<SheetRecord>& sheet, const Rect& rect);
   const Ref<RangeBlock>& block_of(const Ref<SheetRecord>& sheet, const Rect& rect);
   Ref<SheetRecord> record_of(const Ref<host::Worksheet>& sheet);
   Ref<SheetRecord> record_named(const Ref<host::Workbook>& workbook, std::string_view sheet);
@@ -148,6 +158,7 @@ class Parser {
   std::unordered_map<std::uint64_t, Ref<SheetRecord>> records_;  // by identity stamp
   Ref<SheetRecord> last_record_;
   std::vector<Ref<RangeBlock>> blocks_;
+  FormulaMemory memory_;
   DrillVerdicts verdicts_;
 };
 

@@ -102,9 +102,13 @@ void Parser::add_cells_of(const Ref<SheetRecord>& sheet, std::string_view addres
   Rect block;
   if (!sheet->sheet->find_block(address, block))
     throw host::HostFailure(host::general_failure, "no range " + std::string(address));
-  if (block.cells() >= RangeBlock::least_cells && found_->add_block(block_of(sheet, block))) return;
-  for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
-    for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
+  add_cells_of(sheet, block);
+}
+
+void Parser::add_cells_of(const Ref<SheetRecord>& sheet, const Rect& rect) {
+  if (rect.cells() >= RangeBlock::least_cells && found_->add_block(block_of(sheet, rect))) return;
+  for (std::int32_t row = rect.first.row; row <= rect.last.row; ++row) {
+    for (std::int32_t column = rect.first.column; column <= rect.last.column; ++column) {
       auto part = make_ref<ModelPart>();
       part->create_cell(sheet, {row, column});
       found_->AddExisting(part);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/support/text_book.hpp"
 
 namespace qto::test {
@@ -152,6 +154,58 @@ TEST(HiddenPrecedents, LeaveTheListAloneWhenNothingIsSwitchedOff) {
   const auto& part = drill->StartModelPart();
   EXPECT_FALSE(part->IntelligentDrillingUsed());
   EXPECT_EQ(part->AllPrecedents(), part->DirectPrecedents());
+}
+
+std::vector<std::string> sorted(const Ref<ModelParts>& parts) {
+  std::vector<std::string> labels;
+  if (parts) parts->for_each([&](const ModelPart& part) { labels.push_back(label(part)); });
+  std::ranges::sort(labels);
+  return labels;
+}
+
+/// Copies of a formula are not walked again; each must lead where it would alone.
+TEST(CopiesOfAFormula, LeadWhereEachWouldAlone) {
+  Books books("A1=1; B1=2; C1=3; name Rate=Sheet1!$A$1; name Left=Sheet1!A1");
+  const char* patterns[] = {"R[-1]C+R1C1",
+                            "SUM(R[-1]C:R[1]C[1])*2",
+                            "SUM(R1C:R[-1]C)&\"x\"",
+                            "SUM(R1C1:R4200C1)+R[2]C[-2]*1",
+                            "SUM(R3C1:R3C40)+#N/A",
+                            "IF(R[1]C>0,R[-1]C,RC[1])",
+                            "Rate*RC[1]+Sheet2!RC1",
+                            "SUM(R[-2]C[-2] R1C1)",
+                            "VLOOKUP(RC[1],R1C1:R4C3,2,FALSE)",
+                            "SUM(R[-3]C[-1]:R1C[-2])"};
+  std::string sum = "Z1==";
+  int row = 5;
+  for (const char* pattern : patterns) {
+    for (const char* column : {"D", "F", "D", "XFC"}) {
+      const std::string at = column + std::to_string(row++);
+      books.range(at)->put_Formula(books.app->ConvertFormula(
+          std::string("=") + pattern, host::xlR1C1, host::xlA1, books.range(at)));
+      sum += (sum.back() == '=' ? "" : "+") + at;
+    }
+  }
+  books.enter(sum);
+  for (const Options& options :
+       {Options{}, Options{.ParseIf = 1, .ParseLookup = 2}, Options{.ShowBlanks = false}}) {
+    const auto drill = drill_from(books, "Z1", options);
+    drill->put_MaximumDepth(2);
+    drill->DrillHere();
+    const auto& formulas = drill->StartModelPart()->DirectPrecedents();
+    ASSERT_EQ(formulas->Count(), row - 5);
+    formulas->for_each([&](ModelPart& part) {
+      const std::string at = part.AddressShort();
+      const auto alone = drill_from(books, at, options);
+      alone->put_MaximumDepth(1);
+      alone->DrillHere();
+      const auto& expected = *alone->StartModelPart();
+      // What was met before moves to the end of a list.
+      EXPECT_EQ(sorted(part.DirectPrecedents()), sorted(expected.DirectPrecedents())) << at;
+      EXPECT_EQ(part.HasError(), expected.HasError()) << at;
+      EXPECT_EQ(part.FormulaContainsConstant(), expected.FormulaContainsConstant()) << at;
+    });
+  }
 }
 
 }  // namespace

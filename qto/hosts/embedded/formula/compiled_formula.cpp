@@ -69,6 +69,17 @@ const SyntaxTree* CompiledFormula::tree() const {
 
 const std::string& CompiledFormula::why_broken() const { return impl_->parse().why_broken; }
 
+std::optional<std::int32_t> CompiledFormula::moving_references() const noexcept {
+  std::int32_t count = 0;
+  for (const Piece& piece : impl_->pieces.pieces) {
+    if (piece.kind == PieceKind::area)
+      ++count;
+    else if (piece.kind != PieceKind::literal && piece.kind != PieceKind::local_literal)
+      return std::nullopt;
+  }
+  return count;
+}
+
 bool CompiledFormula::same_as(const CompiledFormula& other) const noexcept {
   return impl_->key == other.impl_->key;
 }

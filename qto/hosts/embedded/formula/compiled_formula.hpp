@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,11 @@ class CompiledFormula {
   const SyntaxTree* tree() const;
   const std::string& why_broken() const;
   bool broken() const { return tree() == nullptr; }
+
+  /// The number of references when all that the text has are plain areas, so that it reads the same
+  /// in every cell but for their moving; none when names of tables, other books or marks stand in
+  /// it.
+  std::optional<std::int32_t> moving_references() const noexcept;
 
   /// Equal texts relative to their cells: such formulas share one record.
   bool same_as(const CompiledFormula& other) const noexcept;

@@ -171,6 +171,15 @@ Variant WorksheetObject::cell_value(CellPos pos) const {
   return cell ? book.book().value_of(*cell) : Variant{};
 }
 
+host::FormulaPattern WorksheetObject::formula_pattern(CellPos pos) const {
+  const FormulaId id = sheet().formula_at(pos);
+  if (id == 0) return {};
+  const FormulaRecord& record = open().book().formula(id);
+  if (record.kind != FormulaKind::normal) return {};
+  const auto references = record.compiled->moving_references();
+  return references ? host::FormulaPattern{id, *references} : host::FormulaPattern{};
+}
+
 bool WorksheetObject::cell_has_formula(CellPos pos) const { return sheet().formula_at(pos) != 0; }
 
 }  // namespace qto::embedded

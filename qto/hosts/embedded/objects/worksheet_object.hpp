@@ -46,6 +46,7 @@ class WorksheetObject final : public host::Worksheet {
   void append_cell_formula(CellPos pos, std::string& out) const override;
   Variant cell_value(CellPos pos) const override;
   bool cell_has_formula(CellPos pos) const override;
+  host::FormulaPattern formula_pattern(CellPos pos) const override;
 
   /// Null once the sheet is gone.
   embedded::Sheet* find_sheet() const noexcept { return slot_->sheet; }
