@@ -35,6 +35,8 @@ EMBEDDED_LEVELS = {
     EMBEDDED + "/recalc": 5,
     EMBEDDED + "/objects": 6,
 }
+# What brings the embedded host to the automation surface sees both sides.
+JOINTS = {"qto/hosts/server"}
 EMBEDDED_ALSO_SEES = ("qto/automation", "qto/host")
 
 # Clients of the library: what each sees besides the public headers under qto/.
@@ -55,7 +57,7 @@ def layer_of(path):
     parts = path.split("/")[:-1]
     for length in range(len(parts), 0, -1):
         folder = "/".join(parts[:length])
-        if folder in ENGINE_LEVELS or folder in EMBEDDED_LEVELS:
+        if folder in ENGINE_LEVELS or folder in EMBEDDED_LEVELS or folder in JOINTS:
             return folder
     return None
 
@@ -71,7 +73,7 @@ def refusal(source, target):
         return f"{source} belongs to no layer"
     if below is None:
         return f"{target} belongs to no layer"
-    if above == below:
+    if above == below or above in JOINTS:
         return None
     levels = EMBEDDED_LEVELS if above in EMBEDDED_LEVELS else ENGINE_LEVELS
     if below in levels:
