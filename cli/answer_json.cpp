@@ -3,8 +3,6 @@
 #include "cli/json_writer.hpp"
 #include "cli/part_json.hpp"
 #include "cli/tree_json.hpp"
-#include "qto/links/link_list.hpp"
-#include "qto/links/path_helpers.hpp"
 
 namespace qto::cli {
 namespace {
@@ -36,8 +34,8 @@ void write_list(JsonWriter& json, std::string_view name, const Ref<ModelParts>& 
 
 }  // namespace
 
-void write_drill(const Arguments& arguments, Drill& drill, const Reports& reports,
-                 Progress& progress) {
+void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& failures,
+                 const Reports& reports, Progress& progress) {
   DrillDown& engine = drill.engine();
   JsonWriter json(stdout);
   json.begin_object();
@@ -52,9 +50,9 @@ void write_drill(const Arguments& arguments, Drill& drill, const Reports& report
     write_list(json, "ErrorCells", engine.ErrorCells(), progress);
   json.member("ExceededMaxItems", engine.ExceededMaxItems());
   json.key("BooksOpened");
-  write_books(json, *engine.BooksOpened());
+  write_books(json, *engine.BooksOpened(), failures);
   json.key("BooksNotOpened");
-  write_books(json, *engine.BooksNotOpened());
+  write_books(json, *engine.BooksNotOpened(), failures);
   write_reports(json, reports);
   json.end_object();
   json.finish();
@@ -71,22 +69,11 @@ void write_item(const Ref<ModelPart>& part, const Reports& reports) {
   json.finish();
 }
 
-void write_links(const Ref<host::Workbook>& book, const Reports& reports) {
-  const auto links = make_ref<LinkList>();
-  links->putref_Workbook(book);
+void write_book_links(const std::vector<LinkState>& links, const Reports& reports) {
   JsonWriter json(stdout);
   json.begin_object();
   json.member("operation", name_of(Operation::links));
-  json.key("Links");
-  json.begin_array();
-  for (std::int32_t i = 1; i <= links->CountLinks(); ++i) {
-    const std::string link = links->Links(i);
-    json.begin_object();
-    json.member("FullNameWithPath", link);
-    json.member("Exists", !Main::IsURL(link) && Main::FileExists(link));
-    json.end_object();
-  }
-  json.end_array();
+  write_links(json, links);
   write_reports(json, reports);
   json.end_object();
   json.finish();

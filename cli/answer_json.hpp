@@ -1,17 +1,19 @@
 #pragma once
 
+#include <vector>
+
 #include "cli/arguments.hpp"
 #include "cli/drill.hpp"
+#include "cli/link_states.hpp"
 #include "cli/progress.hpp"
 #include "cli/reports.hpp"
-#include "qto/host/workbook.hpp"
 
 namespace qto::cli {
 
 /// Each prints one JSON object on standard output.
-void write_drill(const Arguments& arguments, Drill& drill, const Reports& reports,
-                 Progress& progress);
+void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& failures,
+                 const Reports& reports, Progress& progress);
 void write_item(const Ref<ModelPart>& part, const Reports& reports);
-void write_links(const Ref<host::Workbook>& book, const Reports& reports);
+void write_book_links(const std::vector<LinkState>& links, const Reports& reports);
 
 }  // namespace qto::cli

@@ -5,8 +5,6 @@
 #include "cli/list_text.hpp"
 #include "cli/part_text.hpp"
 #include "cli/tree_text.hpp"
-#include "qto/links/link_list.hpp"
-#include "qto/links/path_helpers.hpp"
 
 namespace qto::cli {
 namespace {
@@ -52,7 +50,8 @@ bool nothing_to_trace(DrillDown& engine) {
 
 }  // namespace
 
-void print_drill(const Arguments& arguments, Drill& drill, Progress& progress) {
+void print_drill(const Arguments& arguments, Drill& drill, const OpenFailures& failures,
+                 Progress& progress) {
   DrillDown& engine = drill.engine();
   if (arguments.operation == Operation::tree)
     print_whole_tree(arguments, drill, progress);
@@ -66,7 +65,7 @@ void print_drill(const Arguments& arguments, Drill& drill, Progress& progress) {
   if (engine.ExceededMaxItems() && !drill.interrupted())
     fmt::print("Stopped after {} (--max-items): there may be more.\n",
                counted(static_cast<std::size_t>(arguments.max_items), "item"));
-  fmt::print("{}", describe_books(*engine.BooksOpened(), *engine.BooksNotOpened()));
+  fmt::print("{}", describe_books(*engine.BooksOpened(), *engine.BooksNotOpened(), failures));
 }
 
 namespace {
@@ -119,22 +118,6 @@ void print_item(const Ref<ModelPart>& part) {
     print_rows(part->value().array());
   else
     print_value(*part, text.value);
-}
-
-void print_links(const Ref<host::Workbook>& book) {
-  const auto links = make_ref<LinkList>();
-  links->putref_Workbook(book);
-  for (std::int32_t i = 1; i <= links->CountLinks(); ++i) {
-    const std::string link = links->Links(i);
-    const char* state = Main::IsURL(link)        ? "internet address"
-                        : Main::FileExists(link) ? "found"
-                                                 : "not found";
-    fmt::print("{}  ({})\n", one_line(link), state);
-  }
-  fmt::print("{}{} links to {}\n", links->CountLinks() > 0 ? "\n" : "", book->Name(),
-             links->CountLinks() == 0
-                 ? "no other book"
-                 : counted(static_cast<std::size_t>(links->CountLinks()), "other book"));
 }
 
 }  // namespace qto::cli

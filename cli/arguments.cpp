@@ -170,6 +170,16 @@ void add_special_functions(CLI::App& command, SpecialFunctions& special) {
         row.help);
 }
 
+void add_link_options(CLI::App& command, Arguments& arguments, const std::string& open_help) {
+  add_choice<OpenPolicy>(
+      command, "--open",
+      {{"ask", OpenPolicy::ask}, {"always", OpenPolicy::always}, {"never", OpenPolicy::never}},
+      [&arguments](OpenPolicy policy) { arguments.open = policy; }, open_help);
+  command.add_option("--folder", arguments.folders, "where else linked books are looked for")
+      ->allow_extra_args(false)
+      ->option_text("DIR");
+}
+
 void add_drill_options(CLI::App& command, Arguments& arguments, SpecialFunctions& special) {
   command.add_option("START", arguments.item, "a cell, a defined name or a chart's series")
       ->required()
@@ -191,14 +201,9 @@ void add_drill_options(CLI::App& command, Arguments& arguments, SpecialFunctions
   command.add_option("--max-items", arguments.max_items, "stop after N cells")
       ->check(positive())
       ->option_text("N");
-  add_choice<OpenPolicy>(
-      command, "--open",
-      {{"ask", OpenPolicy::ask}, {"always", OpenPolicy::always}, {"never", OpenPolicy::never}},
-      [&arguments](OpenPolicy policy) { arguments.open = policy; },
+  add_link_options(
+      command, arguments,
       "whether books that formulas link to are opened (ask on a terminal, else never)");
-  command.add_option("--folder", arguments.folders, "where else linked books are looked for")
-      ->allow_extra_args(false)
-      ->option_text("DIR");
   command.add_flag("--full", arguments.full, "every cell on a line, formulas uncut");
 }
 
@@ -253,10 +258,11 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
       .add_option("ITEM", arguments.item, "a cell, a range, a defined name or a chart's series")
       ->required()
       ->option_text(" ");
-  CLI::App& links = add(Operation::links, "The books that BOOK links to");
-  links.add_option("--folder", arguments.folders, "where else linked books are looked for")
-      ->allow_extra_args(false)
-      ->option_text("DIR");
+  CLI::App& links =
+      add(Operation::links, "The books that BOOK, or every book of a folder, links to");
+  add_link_options(links, arguments, "whether they are opened to see if they can be (always)");
+  links.get_option("BOOK")->description("the .xlsx or .xlsm file, or a folder of them");
+  links.preparse_callback([&arguments](std::size_t) { arguments.open = OpenPolicy::always; });
 
   try {
     app.parse(argc, argv);

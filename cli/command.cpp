@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -10,7 +11,10 @@
 #include "cli/answer_text.hpp"
 #include "cli/complaint.hpp"
 #include "cli/drill.hpp"
+#include "cli/folder_links.hpp"
 #include "cli/item.hpp"
+#include "cli/link_states.hpp"
+#include "cli/open_failures.hpp"
 #include "cli/open_start_book.hpp"
 #include "cli/progress.hpp"
 #include "cli/refusal.hpp"
@@ -28,6 +32,9 @@ class Run {
 
   ExitStatus answer() {
     try {
+      if (arguments_.operation == Operation::links &&
+          std::filesystem::is_directory(arguments_.book))
+        return folder_links();
       open();
       if (arguments_.operation == Operation::links) return links();
       if (arguments_.operation == Operation::part) return part();
@@ -40,15 +47,26 @@ class Run {
  private:
   void open() {
     progress_.stage("opening " + std::filesystem::path(arguments_.book).filename().string());
-    book_ = open_start_book(application_, arguments_);
+    book_ = open_start_book(application_, arguments_, progress_);
     // Parts of names evaluate before any drill has announced the application.
     Main::set_shared_application(application_);
   }
 
   ExitStatus links() {
+    const auto states = link_states(application_, book_, arguments_, progress_, failures_);
     progress_.hide();
-    arguments_.json ? write_links(book_, reports_) : print_links(book_);
+    arguments_.json ? write_book_links(states, reports_) : print_links(*book_, states);
     return finish(false);
+  }
+
+  ExitStatus folder_links() {
+    const FolderLinks found = read_folder_links(arguments_, progress_);
+    progress_.hide();
+    arguments_.json ? write_folder_links(found) : print_folder_links(found);
+    const bool partial = std::any_of(found.books.begin(), found.books.end(),
+                                     [](const auto& book) { return !book.second.problem.empty(); });
+    const ExitStatus status = finish(false);
+    return partial ? done_in_part : status;
   }
 
   ExitStatus part() {
@@ -75,9 +93,9 @@ class Run {
     // On a terminal the answer itself is what moves.
     isatty(STDOUT_FILENO) ? progress_.hide() : progress_.stage("writing the answer");
     if (arguments_.json)
-      write_drill(arguments_, drill, reports_, progress_);
+      write_drill(arguments_, drill, failures_, reports_, progress_);
     else
-      print_drill(arguments_, drill, progress_);
+      print_drill(arguments_, drill, failures_, progress_);
     return finish(drill.interrupted());
   }
 
@@ -93,6 +111,7 @@ class Run {
   Reports reports_;
   Progress progress_;
   embedded::Application application_;
+  OpenFailures failures_{application_};
   Ref<host::Workbook> book_;
 };
 

@@ -22,11 +22,15 @@ void Drill::subscribe() {
     interrupted_ = true;
     engine_->put_MaxItems(1);
   });
-  engine_->AskToOpenBook.add(
-      [this](Ref<ModelPart>& unknown, bool& choice) { choice = choices_.opens(*unknown); });
-  engine_->AskForPassword.add([this](Ref<ModelPart>& unknown, std::string& password) {
-    password = choices_.password(*unknown);
+  engine_->AskToOpenBook.add([this](Ref<ModelPart>& unknown, bool& choice) {
+    choice = choices_.opens(unknown->WorkBookFullName());
   });
+  engine_->AskForPassword.add([this](Ref<ModelPart>& unknown, std::string& password) {
+    password = choices_.password(unknown->WorkBookName());
+  });
+  // The host would refuse it anyway, after a question for a password.
+  engine_->BeforeInternetAccess.add(
+      [](const std::string&, const std::string&, bool& cancel) { cancel = true; });
 }
 
 void Drill::run(const Ref<Object>& start) {

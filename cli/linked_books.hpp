@@ -4,9 +4,9 @@
 
 #include "cli/arguments.hpp"
 #include "cli/json_writer.hpp"
+#include "cli/open_failures.hpp"
 #include "cli/progress.hpp"
 #include "qto/links/linked_books.hpp"
-#include "qto/model/model_part.hpp"
 
 namespace qto::cli {
 
@@ -16,8 +16,8 @@ class LinkedBookChoices {
   LinkedBookChoices(const Arguments& arguments, Progress& progress)
       : arguments_(arguments), progress_(progress), policy_(arguments.open) {}
 
-  bool opens(const ModelPart& unknown);
-  std::string password(const ModelPart& unknown);
+  bool opens(const std::string& full_name);
+  std::string password(const std::string& book_name);
 
  private:
   const Arguments& arguments_;
@@ -25,8 +25,13 @@ class LinkedBookChoices {
   OpenPolicy policy_;  // "all" and "none" as answers hold for the rest
 };
 
-void write_books(JsonWriter& json, const LinkedBooks& books);
+/// Why a book was not opened, in words and with what helps; "" for the code of success.
+std::string reason_text(qtoReasonNotOpened reason);
+inline constexpr const char* internet_text = "an internet address, which is never contacted";
+
+void write_books(JsonWriter& json, const LinkedBooks& books, const OpenFailures& failures);
 /// Lines about the books that were opened and those that were not, with the reason.
-std::string describe_books(const LinkedBooks& opened, const LinkedBooks& not_opened);
+std::string describe_books(const LinkedBooks& opened, const LinkedBooks& not_opened,
+                           const OpenFailures& failures);
 
 }  // namespace qto::cli

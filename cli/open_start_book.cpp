@@ -1,34 +1,48 @@
 #include "cli/open_start_book.hpp"
 
+#include <fmt/format.h>
+
 #include <filesystem>
 
 #include "cli/complaint.hpp"
+#include "cli/open_failures.hpp"
+#include "cli/prompt.hpp"
 #include "qto/host/host.hpp"
 #include "qto/hosts/embedded/objects/open_error.hpp"
 
 namespace qto::cli {
 namespace {
 
-std::string remedy_for(const embedded::OpenError& error, bool password_given) {
-  using Kind = embedded::OpenFailureKind;
-  if (error.kind == Kind::encrypted)
-    return password_given ? "" : ". Give its password with --password TEXT";
-  return "";
+/// Asks for the password of an encrypted book when none was given and somebody is there to answer.
+Ref<host::Workbook> open_asking(embedded::Application& application, const Arguments& arguments,
+                                Progress& progress) {
+  const std::string name = std::filesystem::path(arguments.book).filename().string();
+  const auto open = [&](const std::string& password) {
+    return application.Workbooks()->Open(arguments.book, false, true, password);
+  };
+  try {
+    return open(password_for(arguments, name));
+  } catch (const embedded::OpenError& error) {
+    if (error.kind != embedded::OpenFailureKind::encrypted || arguments.open != OpenPolicy::ask)
+      throw;
+    progress.hide();
+    const std::string password = prompt_hidden(fmt::format("Password of {}: ", name));
+    if (password.empty()) throw;
+    return open(password);
+  }
 }
 
 }  // namespace
 
-Ref<host::Workbook> open_start_book(embedded::Application& application,
-                                    const Arguments& arguments) {
-  const std::string name = std::filesystem::path(arguments.book).filename().string();
-  const std::string password = password_for(arguments, name);
+Ref<host::Workbook> open_start_book(embedded::Application& application, const Arguments& arguments,
+                                    Progress& progress) {
   try {
-    auto book = application.Workbooks()->Open(arguments.book, false, true, password);
+    auto book = open_asking(application, arguments, progress);
     // Only now: the folders are for linked books, this one must be where it is said to be.
     for (const std::string& folder : arguments.folders) application.add_search_folder(folder);
     return book;
   } catch (const embedded::OpenError& error) {
-    Complaint complaint(unreadable, error.what() + remedy_for(error, !password.empty()));
+    Complaint complaint(unreadable, open_failure_text(error, true));
     complaint.file = error.file;
     complaint.part = error.part;
     complaint.line = error.line;

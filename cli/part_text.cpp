@@ -35,6 +35,7 @@ std::string formula_of(ModelPart& shown) {
 }
 
 std::string value_of(ModelPart& shown) {
+  if (shown.ObjectType() == "!LINK") return "(link to another application)";
   if (shown.IsUnknown()) {
     const bool closed = Main::BooksNotOpened()->find(shown.WorkBookFullName()) != nullptr;
     return closed || shown.Exists() ? "(not opened)" : "(does not exist)";

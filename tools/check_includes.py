@@ -27,6 +27,7 @@ ENGINE_LEVELS = {
 EMBEDDED = "qto/hosts/embedded"
 EMBEDDED_LEVELS = {
     EMBEDDED + "/formats": 0,
+    EMBEDDED + "/encryption": 0,
     EMBEDDED + "/book": 1,
     EMBEDDED + "/formula": 2,
     EMBEDDED + "/evaluate": 3,

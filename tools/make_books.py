@@ -1,22 +1,24 @@
 #!/usr/bin/env python3
-"""Writes the shipped example or a book for the benchmarks; the same arguments, the same book."""
+"""Writes a shipped example or a book for the benchmarks; the same arguments, the same book."""
 
 import argparse
 import sys
 
-from books import benchmark, plan
+from books import benchmark, linked, plan
 
 
 def parse(arguments):
     parser = argparse.ArgumentParser(description=__doc__)
     kinds = parser.add_subparsers(dest="kind", required=True)
 
-    def kind(name, text):
+    def kind(name, text, what="the .xlsx file to write"):
         sub = kinds.add_parser(name, help=text, description=text)
-        sub.add_argument("path", help="the .xlsx file to write")
+        sub.add_argument("path", help=what)
         return sub
 
     kind("plan", "the shipped example, examples/workbooks/plan.xlsx")
+    kind("linked", "the shipped books that refer to each other, examples/workbooks/linked",
+         "the folder to write them to")
     chain = kind("chain", "a running total")
     chain.add_argument("--rows", type=int, default=1_000_000)
     chain.add_argument("--shared", action="store_true", help="as one shared formula")
@@ -35,8 +37,8 @@ def parse(arguments):
 def main(arguments):
     options = vars(parse(arguments))
     kind = options.pop("kind")
-    if kind == "plan":
-        plan.write(options["path"])
+    if kind in ("plan", "linked"):
+        {"plan": plan, "linked": linked}[kind].write(options["path"])
     else:
         getattr(benchmark, kind)(**options)
 

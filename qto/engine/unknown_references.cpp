@@ -1,4 +1,8 @@
+#include <utility>
+#include <vector>
+
 #include "qto/automation/error.hpp"
+#include "qto/automation/text.hpp"
 #include "qto/diagnostics/failure_number.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
@@ -6,6 +10,36 @@
 #include "qto/links/main.hpp"
 
 namespace qto {
+namespace {
+
+/// The worksheet of that name, or those from the first to the last of a span "North:South"; none
+/// when one of them is not there.
+std::vector<Ref<host::Worksheet>> sheets_of(const Ref<host::Workbook>& book,
+                                            const std::string& name) {
+  std::vector<Ref<host::Worksheet>> found;
+  if (!book) return found;
+  const std::size_t colon = name.find(':');  // no sheet's name holds one
+  if (colon == std::string::npos) {
+    if (auto sheet = ref_cast<host::Worksheet>(book->find_sheet(name))) found.push_back(sheet);
+    return found;
+  }
+  const std::string_view first = std::string_view(name).substr(0, colon);
+  const std::string_view last = std::string_view(name).substr(colon + 1);
+  int ends = text::equal_fold(first, last) ? 1 : 0;
+  for (int i = 1; i <= book->SheetsCount() && ends < 2; ++i) {
+    const auto sheet = book->Sheets(i);
+    const std::string sheet_name = sheet->Name();
+    const bool end = text::equal_fold(sheet_name, first) || text::equal_fold(sheet_name, last);
+    const bool inside = end || !found.empty();
+    if (auto worksheet = inside ? ref_cast<host::Worksheet>(sheet) : nullptr)
+      found.push_back(worksheet);
+    ends += end ? 1 : 0;
+  }
+  if (ends < 2) found.clear();
+  return found;
+}
+
+}  // namespace
 
 void DrillDown::clsParser_UnknownObjectFound(Ref<ModelPart>& unknown, Ref<ModelParts>& list,
                                              std::int32_t& fatal_error) {
@@ -54,22 +88,21 @@ void DrillDown::try_to_find(const Ref<ModelPart>& part, ModelParts& list) {
 
 void DrillDown::find_range_of(const Ref<ModelPart>& part, ModelParts& list) {
   const auto workbook = Main::shared_application()->Workbooks()->find(part->WorkBookName());
-  const auto sheet =
-      workbook ? ref_cast<host::Worksheet>(workbook->find_sheet(part->WorkSheetName())) : nullptr;
-  Rect block;
-  if (!sheet || !sheet->find_block(part->AddressShort(), block)) {
-    part->put_Exists(false);
-    return;
-  }
-  list.remove(part->Key());
-  const auto record = make_ref<SheetRecord>(sheet);
-  for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
-    for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
-      auto cell = make_ref<ModelPart>();
-      cell->create_cell(record, {row, column});
-      list.AddExisting(cell);
+  bool removed = false;
+  for (const auto& sheet : sheets_of(workbook, part->WorkSheetName())) {
+    Rect block;
+    if (!sheet->find_block(part->AddressShort(), block)) break;
+    if (!std::exchange(removed, true)) list.remove(part->Key());
+    const auto record = make_ref<SheetRecord>(sheet);
+    for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
+      for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
+        auto cell = make_ref<ModelPart>();
+        cell->create_cell(record, {row, column});
+        list.AddExisting(cell);
+      }
     }
   }
+  if (!removed) part->put_Exists(false);
 }
 
 void DrillDown::find_name_of(const Ref<ModelPart>& part) {

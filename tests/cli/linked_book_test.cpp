@@ -70,14 +70,15 @@ TEST(LinkedBook, is_listed_with_its_place) {
   const LinkedBooks books;
   const Outcome found = run_qto({"links", books.first.path()});
   EXPECT_EQ(found.status, 0);
-  EXPECT_THAT(found.out, HasSubstr("prices.xlsx  (found)"));
+  EXPECT_THAT(found.out, HasSubstr("prices.xlsx\n    opened\n"));
   EXPECT_THAT(found.out, HasSubstr("first.xlsx links to 1 other book"));
   const TemporaryFile alone("alone.xlsx",
                             LinkedBooks::first_book()
                                 .links("xl/externalLinks/externalLink1.xml",
                                        {{"rId1", "externalLinkPath", "gone.xlsx", true}})
                                 .bytes());
-  EXPECT_THAT(run_qto({"links", alone.path()}).out, HasSubstr("gone.xlsx  (not found)"));
+  EXPECT_THAT(run_qto({"links", alone.path()}).out,
+              HasSubstr("gone.xlsx\n    not opened: not found"));
   EXPECT_THAT(run_qto({"tree", alone.path(), "A1", "--open", "always"}).out,
               HasSubstr("gone.xlsx: not found"));
   EXPECT_THAT(run_qto({"links", books.first.path(), "--json"}).out, HasSubstr("\"Exists\": true"));

@@ -11,7 +11,7 @@ import zipfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools"))
-from books import benchmark, plan  # noqa: E402
+from books import benchmark, encryption, linked, plan  # noqa: E402
 from books.package import column_letters  # noqa: E402
 
 MAIN = "{http://schemas.openxmlformats.org/spreadsheetml/2006/main}"
@@ -55,6 +55,34 @@ class Written(unittest.TestCase):
         self.assertEqual({("Costs", "D8"), ("Cash flow", "D9"), ("Cash flow", "D10"),
                           ("Debt", "D6"), ("Debt", "B7"), ("Summary", "D9"), ("Summary", "D10"),
                           ("Summary", "B14"), ("Summary", "B15")}, failed)
+
+    def test_the_shipped_linked_books_are_what_the_script_writes(self):
+        shipped = ROOT / "examples/workbooks/linked"
+        written = pathlib.Path(self.path).parent
+        linked.write(written)
+        for book in ("group.xlsx", "sales.xlsx", "costs.xlsx", "loop.xlsx"):
+            self.assertEqual(parts(written / book), parts(shipped / book))
+        self.assertEqual((written / "rates.xlsx").read_bytes(),
+                         (shipped / "rates.xlsx").read_bytes())
+
+    def test_the_linked_books_remember_what_their_sources_hold(self):
+        shipped = ROOT / "examples/workbooks/linked"
+        books = {name: cells(shipped / f"{name}.xlsx") for name in ("group", "sales", "costs")}
+        group, sales, costs = (books[name] for name in ("group", "sales", "costs"))
+        self.assertEqual(group["Group", "B3"][1], sales["North", "B5"][1])
+        self.assertEqual(float(group["Group", "B9"][1]),
+                         float(sales["North", "B5"][1]) - float(costs["Costs", "B4"][1]))
+        texts = parts(shipped / "group.xlsx")
+        source = xml.fromstring(texts["xl/externalLinks/externalLink1.xml"])
+        for sheet, name in zip(source.iter(MAIN + "sheetData"), ("North", "South")):
+            for cell in sheet.iter(MAIN + "cell"):
+                self.assertEqual(cell.find(MAIN + "v").text, sales[name, cell.get("r")][1])
+
+    def test_the_cipher_of_the_encrypted_book(self):
+        # FIPS 197, appendix C.3.
+        aes = encryption.Aes256(bytes(range(32)))
+        self.assertEqual(aes.cbc(bytes(16), bytes.fromhex("00112233445566778899aabbccddeeff")).hex(),
+                         "8ea2b7ca516745bfeafc49904b496089")
 
     def test_chain_keeps_the_running_total(self):
         for shared in (False, True):

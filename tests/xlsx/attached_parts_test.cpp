@@ -102,7 +102,7 @@ TEST(LinkedBooks, OtherApplications) {
                                {{"o", "oleObject", "file:///C:\\a.doc", true}})
                        .open();
   EXPECT_EQ(ole->externals[1].kind, ExternalBook::Kind::ole);
-  EXPECT_EQ(ole->externals[1].document, "file:///C:\\a.doc");
+  EXPECT_EQ(ole->externals[1].document, "C:\\a.doc");
 }
 
 TEST(Pivots, RangeHoldsPageFieldsAndSourceIsInR1C1) {

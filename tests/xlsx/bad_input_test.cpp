@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "tests/support/encrypting.hpp"
 #include "tests/xlsx/book_file.hpp"
 
 namespace qto::test {
@@ -43,13 +44,6 @@ std::size_t data_of(const std::string& bytes, const std::string& name) {
   return bytes.find(name) + name.size();
 }
 
-std::string compound(const std::string& stream) {
-  std::string bytes = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
-  bytes.resize(100'000, '\0');
-  for (const char c : stream) bytes.append({c, '\0'});
-  return bytes;
-}
-
 std::string doctype(const std::string& declarations) {
   return sheet("<?xml version='1.0'?>\n<!DOCTYPE worksheet [" + declarations +
                "]>\n<worksheet xmlns='" + std::string(main_space) +
@@ -70,8 +64,19 @@ const Fault faults[] = {
     {"empty_file", [] { return ""; }, not_a_package, "", 0, "the file is empty"},
     {"text", [] { return "a,b,c"; }, not_a_package, "", 0, "not a workbook"},
     {"web_page", [] { return "<html/>"; }, not_a_package, "", 0, "web page"},
-    {"encrypted", [] { return compound("EncryptedPackage"); }, encrypted, "", 0, "encrypted"},
-    {"old_format", [] { return compound("Workbook"); }, not_a_workbook, "", 0, ".xls"},
+    {"encrypted", [] { return agile_encrypted(small().bytes(), "pw").file(); }, encrypted, "", 0,
+     "encrypted"},
+    {"encrypted_something_else", [] { return agile_encrypted("no zip", "VelvetSweatshop").file(); },
+     damaged, "", 0, "no zip container"},
+    {"old_format", [] { return CompoundWriter().stream("Workbook", "").bytes(); }, not_a_workbook,
+     "", 0, ".xls"},
+    {"encrypted_for_certificates",
+     [] {
+       auto streams = agile_encrypted("", "");
+       streams.info.replace(streams.info.find("encryptedVerifierHashInput"), 1, "f");
+       return streams.file();
+     },
+     unknown_cipher, "", 0, "certificates"},
     {"open_document",
      [] {
        return zip_bytes({{"mimetype", "application/x"}, {"content.xml", "<x/>"}});

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "qto/automation/event.hpp"
@@ -12,6 +14,7 @@ namespace qto::embedded {
 
 class ApplicationObject;
 class Book;
+struct OpenError;
 
 /// The spreadsheet application of this process: opens workbook files, calculates, answers the
 /// object model. The facade is a handle like any other; the open books live until it and every
@@ -30,12 +33,18 @@ class Application {
 
   /// A folder in which linked books are looked for that are not at their place.
   void add_search_folder(std::string_view folder);
+  /// The full name of the file that Workbooks.Open would open for that name; nothing when there is
+  /// none. Nothing is contacted for an internet address.
+  std::optional<std::string> find_file(std::string_view full_name) const;
   /// Fixes the moment of calculation (serial number, 1900 system) instead of the clock.
   void set_now(double moment);
   /// Rows and columns that show in a window; at least 1 each.
   void set_window_size(int rows, int columns);
   /// Called now and then while a file is opened, with the fraction done (0..1); null: not called.
   void set_open_progress(void (*progress)(double fraction, void* data), void* data);
+  /// Raised before Workbooks.Open fails because of the file: tells why to whoever sees only that it
+  /// failed. The text never holds a password.
+  Event<const OpenError&>& open_failed();
   /// Raised for an address that is to be followed (mail, browser). A handler sets the flag when it
   /// has taken it; otherwise Workbook.FollowHyperlink fails.
   Event<std::string_view, bool&>& hyperlink_followed();

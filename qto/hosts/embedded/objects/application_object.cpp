@@ -12,6 +12,7 @@
 #include "qto/hosts/embedded/objects/name_object.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
+#include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/objects/sheet_operations.hpp"
 #include "qto/hosts/embedded/objects/window_object.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
@@ -130,6 +131,7 @@ OpenBook* ApplicationObject::find_book(std::string_view name) const {
 OpenBook& ApplicationObject::add_book(std::unique_ptr<Book> book) {
   books_.push_back(std::make_unique<OpenBook>(*this, std::move(book)));
   active_ = books_.back().get();
+  resolve_links(active_->book(), search_folders, active_->stored_links);
   for (const auto& open : books_)
     if (open.get() != active_) links_changed(open->book(), active_->book().name);
   return *active_;

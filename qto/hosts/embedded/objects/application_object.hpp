@@ -16,6 +16,7 @@
 namespace qto::embedded {
 
 class TextEvaluator;
+struct OpenError;
 
 /// The application: it owns the open books. Every handle holds it, so the books live until the
 /// client has let go of the last handle.
@@ -73,6 +74,8 @@ class ApplicationObject final : public host::Application, private OpenBooks {
   /// A fixed moment of calculation (serial number, 1900 system) instead of the clock.
   std::optional<double> fixed_now;
   OpenOptions open_options;
+  /// Raised before Workbooks.Open fails because of the file.
+  Event<const OpenError&> open_failed;
   /// Raised by Workbook.FollowHyperlink; a handler sets the flag when it has taken the address.
   Event<std::string_view, bool&> hyperlink_followed;
   /// Size of every window in rows and columns that show.

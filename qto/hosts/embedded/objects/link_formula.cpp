@@ -6,6 +6,7 @@
 #include "qto/hosts/embedded/formula/qualifier.hpp"
 #include "qto/hosts/embedded/objects/application_object.hpp"
 #include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/objects/rewrite_tokens.hpp"
 
 namespace qto::embedded {
@@ -27,20 +28,28 @@ std::string folder_of(const OpenBook& open, const std::string& name, std::string
 }
 
 /// The number of the link from 1, 0 when there is none.
-std::size_t find_link(const Book& book, std::string_view name, std::string_view folder) {
-  const auto& links = book.externals;
-  const auto known = std::find_if(links.begin(), links.end(), [&](const ExternalBook& link) {
-    return link.kind == ExternalBook::Kind::workbook && text::equal_fold(link.name, name) &&
-           (folder.empty() || link.folder.empty() || link.folder == folder);
-  });
-  return known == links.end() ? 0 : static_cast<std::size_t>(known - links.begin()) + 1;
+std::size_t find_link(const OpenBook& open, std::string_view name, std::string_view folder) {
+  const auto& links = open.book().externals;
+  for (std::size_t i = 0; i < links.size(); ++i) {
+    const ExternalBook& link = links[i];
+    if (link.kind != ExternalBook::Kind::workbook || !text::equal_fold(link.name, name)) continue;
+    if (folder.empty() || link.folder.empty() || link.folder == folder ||
+        stored_name(open.book(), i, open.stored_links) == join_path(folder, name))
+      return i + 1;
+  }
+  return 0;
 }
 
-std::size_t add_link(Book& book, std::string name, std::string folder) {
+std::size_t add_link(OpenBook& open, std::string name, std::string folder) {
+  Book& book = open.book();
   ExternalBook link;
   link.name = std::move(name);
   link.folder = std::move(folder);
+  const bool placed = !link.folder.empty();
   book.externals.push_back(std::move(link));
+  if (placed)
+    resolve_link(book, book.externals.size() - 1, open.application().search_folders,
+                 open.stored_links);
   return book.externals.size();
 }
 
@@ -89,8 +98,8 @@ std::string number_qualifiers(std::string_view formula, const OpenBook& book,
 
 std::string number_links(std::string_view formula, OpenBook& book) {
   return number_qualifiers(formula, book, [&](const SheetQualifier& qualifier, std::string folder) {
-    std::size_t number = find_link(book.book(), qualifier.book, folder);
-    if (number == 0) number = add_link(book.book(), qualifier.book, std::move(folder));
+    std::size_t number = find_link(book, qualifier.book, folder);
+    if (number == 0) number = add_link(book, qualifier.book, std::move(folder));
     add_sheet(book.book().externals[number - 1], qualifier.sheet);
     return number;
   });
@@ -100,7 +109,7 @@ std::string number_known_links(std::string_view formula, const OpenBook& book) {
   if (book.book().externals.empty()) return std::string(formula);
   return number_qualifiers(formula, book,
                            [&](const SheetQualifier& qualifier, const std::string& folder) {
-                             return find_link(book.book(), qualifier.book, folder);
+                             return find_link(book, qualifier.book, folder);
                            });
 }
 

@@ -17,17 +17,6 @@ bool is_file(const fs::path& path) {
   return fs::exists(status) && !fs::is_directory(status);
 }
 
-/// The text as a path of this system: a file: scheme and foreign separators taken away.
-std::string native(std::string_view file_name) {
-  constexpr std::string_view scheme = "file://";
-  std::string path(file_name);
-  if (text::equal_ascii_nocase(file_name.substr(0, scheme.size()), scheme))
-    path.erase(0, scheme.size());
-  if constexpr (fs::path::preferred_separator == '/')
-    std::replace(path.begin(), path.end(), '\\', '/');
-  return path;
-}
-
 bool links_to(const Book& book, std::string_view name) {
   return std::any_of(book.externals.begin(), book.externals.end(), [&](const ExternalBook& link) {
     return link.kind == ExternalBook::Kind::workbook && text::equal_fold(link.name, name);
@@ -54,19 +43,43 @@ std::string full_path(const fs::path& path) {
 
 }  // namespace
 
+bool is_file_here(std::string_view path) { return is_file(fs::path(native_path(path))); }
+
+std::string native_path(std::string_view file_name) {
+  constexpr std::string_view scheme = "file://";
+  std::string path(file_name);
+  if (text::equal_ascii_nocase(file_name.substr(0, scheme.size()), scheme))
+    path.erase(0, scheme.size());
+  if constexpr (fs::path::preferred_separator == '/')
+    std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
+
+std::optional<std::string> file_in_folder(const std::string& folder, std::string_view name) {
+  if (is_file(fs::path(folder) / name)) return std::string(name);
+  // Books from systems where letter case does not matter.
+  std::error_code failure;
+  for (fs::directory_iterator at(folder, failure), end; !failure && at != end;
+       at.increment(failure)) {
+    std::string found = at->path().filename().string();
+    if (text::equal_fold(found, name) && is_file(at->path())) return found;
+  }
+  return std::nullopt;
+}
+
 std::optional<std::string> locate_file(const ApplicationObject& application,
                                        std::string_view file_name) {
   if (is_file(fs::path(file_name))) return full_path(fs::path(file_name));
-  const std::string path = native(file_name);
+  const std::string path = native_path(file_name);
   if (is_file(path)) return full_path(path);
   const std::string name(file_part(path));
   if (name.empty()) return std::nullopt;
-  for (const std::string& folder : folders_to_search(application, name))
-    for (const std::string& part : {path, name}) {
-      if (is_absolute_path(part)) continue;
-      if (const fs::path beside = fs::path(folder) / part; is_file(beside))
-        return full_path(beside);
-    }
+  for (const std::string& folder : folders_to_search(application, name)) {
+    if (const fs::path beside = fs::path(folder) / path; !is_absolute_path(path) && is_file(beside))
+      return full_path(beside);
+    if (const auto found = file_in_folder(folder, name))
+      return full_path(fs::path(folder) / *found);
+  }
   return std::nullopt;
 }
 

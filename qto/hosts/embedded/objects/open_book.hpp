@@ -11,6 +11,7 @@
 #include "qto/hosts/embedded/book/book.hpp"
 #include "qto/hosts/embedded/formula/formula_intern.hpp"
 #include "qto/hosts/embedded/objects/name_index.hpp"
+#include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/recalc/circular_references.hpp"
 
 namespace qto::embedded {
@@ -78,6 +79,8 @@ class OpenBook {
   NameIndex name_index;
   CircularReferenceCache circles;
 
+  /// Names of linked workbooks that were found elsewhere; see resolve_links.
+  StoredNames stored_links;
   bool read_only = false;
 
  private:

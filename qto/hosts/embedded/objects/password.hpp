@@ -7,7 +7,7 @@
 
 namespace qto::embedded {
 
-/// Whether the password opens a protected sheet. A protection without a hash has no password, any
+/// Whether the password takes a protection away. A protection without a hash has no password, any
 /// text opens it; one whose algorithm is unknown or whose data is damaged is opened by none.
 bool password_matches(const SheetProtection& protection, std::string_view password);
 

@@ -5,6 +5,7 @@
 #include "qto/hosts/embedded/objects/full_name.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/objects/sheet_names.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
 
@@ -114,12 +115,17 @@ bool WorkbookObject::AcceptLabelsInFormulas() const { return open().book().accep
 void WorkbookObject::put_AcceptLabelsInFormulas(bool on) { open().book().accept_labels = on; }
 
 std::vector<std::string> WorkbookObject::LinkSources(std::int32_t type) const {
+  constexpr std::int32_t link_type_applications = 2;  // DDE and OLE
   std::vector<std::string> sources;
   const Book& book = open().book();
-  if (type != host::link_type_workbooks) return sources;
-  for (const ExternalBook& link : book.externals)
-    if (link.kind == ExternalBook::Kind::workbook && !link.name.empty())
-      sources.push_back(join_path(link.folder.empty() ? book.path : link.folder, link.name));
+  for (std::size_t i = 0; i < book.externals.size(); ++i) {
+    const ExternalBook& link = book.externals[i];
+    const bool workbook = link.kind == ExternalBook::Kind::workbook;
+    if (type == host::link_type_workbooks && workbook && !link.name.empty())
+      sources.push_back(stored_name(book, i, open_->stored_links));
+    else if (type == link_type_applications && !workbook && !link.application.empty())
+      sources.push_back(link.application + "|" + link.document);
+  }
   return sources;
 }
 

@@ -9,11 +9,20 @@
 namespace qto::embedded {
 namespace {
 
-std::unique_ptr<Book> read_file(const std::string& path, const OpenOptions& options) {
+[[noreturn]] void fail_to_open(const ApplicationObject& application, const OpenFailure& failure) {
+  const OpenError error(failure);
+  application.open_failed(error);
+  throw error;
+}
+
+std::unique_ptr<Book> read_file(const ApplicationObject& application, const std::string& path,
+                                std::string_view password) {
+  OpenOptions options = application.open_options;
+  options.password = password;
   try {
     return open_workbook(path, options);
   } catch (const OpenFailure& failure) {
-    throw OpenError(failure);
+    fail_to_open(application, failure);
   }
 }
 
@@ -49,19 +58,20 @@ Ref<host::Workbook> WorkbooksObject::Item(int position) const {
 int WorkbooksObject::Count() const { return static_cast<int>(application_->books().size()); }
 
 Ref<host::Workbook> WorkbooksObject::Open(std::string_view file_name, std::optional<bool>,
-                                          bool read_only, std::string_view) {
+                                          bool read_only, std::string_view password) {
   const std::string wanted(file_name);
   if (is_internet_address(file_name)) fail("Internet addresses are not opened: " + wanted);
   const auto path = locate_file(*application_, file_name);
   if (!path)
-    throw OpenError(OpenFailure(OpenFailureKind::not_found, wanted, "", 0, "no such file"));
+    fail_to_open(*application_,
+                 OpenFailure(OpenFailureKind::not_found, wanted, "", 0, "no such file"));
   if (OpenBook* open = application_->find_book(file_part(*path))) {
     if (!is_same_file(open->full_name(), *path))
       fail("Another workbook named " + open->book().name + " is open: " + open->full_name());
     application_->activate(*open);
     return open->workbook();
   }
-  OpenBook& opened = application_->add_book(read_file(*path, application_->open_options));
+  OpenBook& opened = application_->add_book(read_file(*application_, *path, password));
   opened.read_only = read_only;
   return opened.workbook();
 }

@@ -34,7 +34,7 @@ class ExternalLinkHandler final : public XmlHandler {
       into_.kind = ExternalBook::Kind::ole;
       into_.application = attributes.text("progId");
       const Relationship* link = links_.by_id(attributes.relationship());
-      if (link) into_.document = link->target;
+      if (link) into_.document = document_of(link->target);
     }
   }
 
@@ -58,6 +58,11 @@ class ExternalLinkHandler final : public XmlHandler {
     const FileLocation at = locate_target(link->target, base_folder_);
     into_.name = at.name;
     if (!folder_unknown) into_.folder = at.folder;
+  }
+
+  std::string document_of(const std::string& target) const {
+    const FileLocation at = locate_target(target, base_folder_);
+    return at.folder + at.name;
   }
 
   void add_sheet(const Attributes& attributes) {

@@ -30,6 +30,11 @@ bool take_file_url(std::string& path) {
   if (!text::equal_ascii_nocase(std::string_view(path).substr(0, scheme.size()), scheme))
     return false;
   std::string_view rest = std::string_view(path).substr(scheme.size());
+  constexpr std::string_view this_machine = "//localhost/";
+  const bool local = text::equal_ascii_nocase(rest.substr(0, this_machine.size()), this_machine);
+  const std::string without_host =
+      local ? "///" + std::string(rest.substr(this_machine.size())) : "";
+  if (local) rest = without_host;
   if (rest.starts_with("///")) {
     rest.remove_prefix(2);
     if (has_drive(rest.substr(1)) || is_share(rest.substr(1))) rest.remove_prefix(1);

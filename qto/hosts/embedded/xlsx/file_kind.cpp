@@ -1,6 +1,5 @@
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
 
-#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -13,34 +12,7 @@
 namespace qto::embedded {
 namespace {
 
-constexpr std::string_view compound_magic = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 constexpr std::string_view zip_magic = "PK";
-
-/// True when a compound file has a stream of that name; names in its directory are UTF-16.
-bool holds_stream(std::ifstream& content, std::string_view stream) {
-  std::string wanted;
-  for (const char c : stream) wanted.append({c, '\0'});
-  std::string window;
-  std::array<char, 1 << 16> block;
-  content.clear();
-  content.seekg(0);
-  while (content.read(block.data(), block.size()), content.gcount() > 0) {
-    window.append(block.data(), static_cast<std::size_t>(content.gcount()));
-    if (window.find(wanted) != std::string::npos) return true;
-    window.erase(0, window.size() - std::min(window.size(), wanted.size()));
-  }
-  return false;
-}
-
-[[noreturn]] void refuse_compound(const std::string& file, std::ifstream& content) {
-  if (holds_stream(content, "EncryptedPackage"))
-    throw OpenFailure(OpenFailureKind::encrypted, file, "", 0, "the workbook is encrypted",
-                      "Save it without a password to open");
-  throw OpenFailure(OpenFailureKind::not_a_workbook, file, "", 0,
-                    "this is a compound file: a workbook of an older format (.xls), or encrypted "
-                    "in a way that is not known",
-                    "Save it as .xlsx or .xlsm");
-}
 
 }  // namespace
 
@@ -56,12 +28,11 @@ void refuse_file(const std::string& file, const std::string& reason) {
   if (!content)
     throw OpenFailure(OpenFailureKind::not_readable, file, "", 0,
                       errno != 0 ? std::generic_category().message(errno) : "cannot be read");
-  std::string head(compound_magic.size(), '\0');
+  std::string head(zip_magic.size(), '\0');
   content.read(head.data(), static_cast<std::streamsize>(head.size()));
   head.resize(static_cast<std::size_t>(content.gcount()));
   if (head.empty())
     throw OpenFailure(OpenFailureKind::not_a_package, file, "", 0, "the file is empty");
-  if (head == compound_magic) refuse_compound(file, content);
   if (head.starts_with(zip_magic))
     throw OpenFailure(OpenFailureKind::damaged, file, "", 0,
                       "the zip container is damaged or cut off (" + reason + ")");

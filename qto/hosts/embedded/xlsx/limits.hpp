@@ -11,6 +11,8 @@ inline constexpr std::uint64_t part_bytes = std::uint64_t{4} << 30;
 /// All parts together may inflate to this plus `inflate_ratio` times the size of the file.
 inline constexpr std::uint64_t inflate_allowance = std::uint64_t{256} << 20;
 inline constexpr std::uint64_t inflate_ratio = 200;
+/// An encrypted file; it is decrypted in memory.
+inline constexpr std::size_t encrypted_bytes = std::size_t{1} << 30;
 /// One tag or comment; the tokenizer holds it whole.
 inline constexpr std::int64_t token_bytes = 8 << 20;
 inline constexpr int element_depth = 256;

@@ -10,7 +10,9 @@ namespace qto::embedded {
 enum class OpenFailureKind {
   not_found,
   not_readable,    ///< no permission, a folder, a device error
-  encrypted,       ///< the content is behind a password
+  encrypted,       ///< the content is behind a password, and none was given
+  wrong_password,  ///< the password that was given is not the one
+  unknown_cipher,  ///< encrypted in a way that cannot be read
   not_a_package,   ///< no zip container at all
   not_a_workbook,  ///< a container or an older format of something else
   damaged,         ///< a workbook with a part that is missing, cut off or wrong

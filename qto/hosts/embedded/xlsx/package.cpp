@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "qto/hosts/embedded/xlsx/encrypted_file.hpp"
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/part_path.hpp"
@@ -27,15 +28,39 @@ bool climbs_out(std::string_view name) noexcept {
 
 }  // namespace
 
-Package::Package(std::string file) : file_(std::move(file)) {
+Package::Package(std::string file, std::string_view password) : file_(std::move(file)) {
+  std::uint64_t size = 0;
+  if (auto decrypted = read_encrypted_file(file_, password)) {
+    decrypted_ = *std::move(decrypted);
+    size = open_memory();
+  } else {
+    size = open_file();
+  }
+  byte_limit_ = limits::inflate_allowance + limits::inflate_ratio * size;
+  index_parts();
+}
+
+std::uint64_t Package::open_file() {
   int error = 0;
   archive_ = zip_open(file_.c_str(), ZIP_RDONLY, &error);
   if (!archive_) refuse_file(file_, text_of_zip_error(error));
   std::error_code ignored;
   const std::uintmax_t size = std::filesystem::file_size(file_, ignored);
-  byte_limit_ = limits::inflate_allowance +
-                limits::inflate_ratio * (size == static_cast<std::uintmax_t>(-1) ? 0 : size);
-  index_parts();
+  return size == static_cast<std::uintmax_t>(-1) ? 0 : size;
+}
+
+std::uint64_t Package::open_memory() {
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_source_t* source = zip_source_buffer_create(decrypted_.data(), decrypted_.size(), 0, &error);
+  if (source) archive_ = zip_open_from_source(source, ZIP_RDONLY, &error);
+  const std::string reason = archive_ ? "" : zip_error_strerror(&error);
+  if (!archive_ && source) zip_source_free(source);
+  zip_error_fini(&error);
+  if (!archive_)
+    fail(OpenFailureKind::damaged, "", 0,
+         "what the encrypted file holds is no zip container (" + reason + ")");
+  return decrypted_.size();
 }
 
 Package::~Package() {

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "qto/hosts/embedded/encryption/bytes.hpp"
 #include "qto/hosts/embedded/xlsx/open_failure.hpp"
 
 struct zip;
@@ -17,11 +18,12 @@ namespace qto::embedded {
 
 class PartStream;
 
-/// The zip container of a workbook, opened for reading. Nothing is ever written from it.
+/// The zip container of a workbook, also of an encrypted one, opened for reading. Nothing is ever
+/// written from it.
 class Package {
  public:
   /// Throws OpenFailure when the file is no readable zip container; says what it is instead.
-  explicit Package(std::string file);
+  explicit Package(std::string file, std::string_view password = {});
   ~Package();
   Package(const Package&) = delete;
   Package& operator=(const Package&) = delete;
@@ -51,10 +53,14 @@ class Package {
 
  private:
   friend class PartStream;
+  /// The archive; gives the bytes of the file.
+  std::uint64_t open_file();
+  std::uint64_t open_memory();
   void index_parts();
   void charge(const Part& part, std::uint64_t bytes);
 
   std::string file_;
+  Bytes decrypted_;  ///< the container itself, when the file is encrypted
   zip* archive_ = nullptr;
   std::vector<Part> parts_;
   std::unordered_map<std::string, std::size_t> part_by_key_;

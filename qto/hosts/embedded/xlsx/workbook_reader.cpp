@@ -32,7 +32,7 @@ std::string folder_of(const std::string& file) {
 
 WorkbookReader::WorkbookReader(const std::string& file, const OpenOptions& options)
     : options_(options),
-      package_(file),
+      package_(file, options.password),
       book_(std::make_unique<Book>()),
       context_{package_, *book_, options.cell_memory, FormulaIntern(*book_), {}, {}, 0},
       pivots_(package_, folder_of(file)) {
@@ -49,10 +49,11 @@ std::unique_ptr<Book> WorkbookReader::read() {
   book_->structure_locked = workbook_.structure_locked;
   book_->active_sheet = active_sheet();
   make_sheets();
+  read_externals();
+  if (options_.links_only) return std::move(book_);
   read_style_part();
   read_string_part();
   read_names();
-  read_externals();
   read_sheet_parts();
   settle_calculation();
   return std::move(book_);

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "qto/hosts/embedded/encryption/bytes.hpp"
+
+struct evp_md_st;
+struct evp_md_ctx_st;
+
+namespace qto::embedded {
+
+/// A hash algorithm, ready to be used again and again.
+class Digest {
+ public:
+  /// MD5, SHA1, SHA256, SHA384 or SHA512, with or without the hyphen, in any letter case; nothing
+  /// for others.
+  static std::optional<Digest> find(std::string_view algorithm);
+
+  /// The hash of both, one after the other.
+  Bytes of(ByteView first, ByteView second = {}) const;
+  Bytes hmac(ByteView key, ByteView data) const;
+  std::size_t size() const noexcept { return size_; }
+
+  /// Where the number of a round stands when a password is hashed over and over.
+  enum class RoundNumber { before_hash, after_hash };
+  /// The hash of salt and password, then as often as `rounds` says of the hash and the number of
+  /// the round.
+  Bytes of_password(ByteView salt, std::string_view password, std::uint32_t rounds,
+                    RoundNumber place) const;
+
+ private:
+  struct FreeContext {
+    void operator()(evp_md_ctx_st* context) const;
+  };
+  explicit Digest(const evp_md_st* algorithm);
+  void hash(ByteView first, ByteView second, Bytes& into) const;
+
+  const evp_md_st* algorithm_;
+  std::size_t size_;
+  std::unique_ptr<evp_md_ctx_st, FreeContext> context_;
+};
+
+/// Equal; the time it takes says nothing about where they differ.
+bool equal_hashes(ByteView a, ByteView b) noexcept;
+
+/// The bytes that a base64 text stands for; nothing when it is none or has more than 4,096 letters.
+std::optional<Bytes> from_base64(std::string_view text);
+
+}  // namespace qto::embedded
