@@ -11,6 +11,7 @@ class StubWriter {
   explicit StubWriter(const LibraryTable& library) : library_(library) {}
 
   std::string text() {
+    out_ = "from typing import Any, Iterator, Optional, Protocol, Tuple\n\n";
     for (const EnumerationTable* table : library_.enumerations)
       for (const EnumerationItem& item : table->items)
         out_ += std::string(item.name) + ": int  # " + std::to_string(item.value) + "\n";

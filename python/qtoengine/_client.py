@@ -1,0 +1,364 @@
+"""Objects by name: attribute access, calls, iteration, events."""
+
+import ctypes
+import datetime
+import os
+import pathlib
+import sys
+import traceback
+import weakref
+
+from . import _binary as b
+
+_LOCALE = 0x409
+_DEFAULT, _ENUMERATOR, _ASSIGNED = 0, -4, -3
+_EPOCH = datetime.datetime(1899, 12, 30)
+
+
+class com_error(Exception):
+    """An automation error: `hresult` is its number, negative as automation counts it."""
+
+    def __init__(self, hresult, strerror="", excepinfo=None, argerror=None):
+        super().__init__(hresult, strerror, excepinfo, argerror)
+        self.hresult = hresult
+        self.strerror = strerror
+        self.excepinfo = excepinfo
+        self.argerror = argerror
+
+    def __str__(self):
+        return f"{self.hresult & 0xFFFFFFFF:08X} {self.strerror}".rstrip()
+
+
+def _signed(number):
+    return ctypes.c_int32(number).value
+
+
+def _to_variant(value):
+    v = b.Variant()
+    if value is None:
+        v.type = b.VT_NULL
+    elif isinstance(value, bool):
+        v.type, v.boolean = b.VT_BOOL, -1 if value else 0
+    elif isinstance(value, int) and -(2**31) <= value < 2**31:
+        v.type, v.i4 = b.VT_I4, value
+    elif isinstance(value, (int, float)):
+        v.type, v.r8 = b.VT_R8, float(value)
+    elif isinstance(value, str):
+        v.type, v.pointer = b.VT_TEXT, b.make_text(value)
+    elif isinstance(value, datetime.datetime):
+        v.type, v.r8 = b.VT_DATE, (value - _EPOCH) / datetime.timedelta(days=1)
+    elif isinstance(value, CDispatch):
+        v.type, v.pointer = b.VT_DISPATCH, value._pointer
+        b.add_ref(value._pointer)
+    else:
+        raise TypeError(f"a {type(value).__name__} cannot be passed to an automation object")
+    return v
+
+
+def _from_variant(v):
+    kind = v.type
+    if kind in (b.VT_EMPTY, b.VT_NULL):
+        return None
+    if kind in (b.VT_I4, b.VT_ERROR):
+        return v.i4
+    if kind == b.VT_BOOL:
+        return v.boolean != 0
+    if kind == b.VT_R8:
+        return v.r8
+    if kind == b.VT_DATE:
+        return _EPOCH + datetime.timedelta(days=v.r8)
+    if kind == b.VT_TEXT:
+        return b.read_text(v.pointer)
+    if kind in (b.VT_DISPATCH, b.VT_UNKNOWN):
+        if not v.pointer:
+            return None
+        b.add_ref(v.pointer)
+        return CDispatch(v.pointer)
+    if kind == b.VT_ARRAY | b.VT_VARIANT:
+        array = b.Array.from_address(v.pointer)
+        columns, rows = array.bounds[0], array.bounds[2]
+        return tuple(tuple(_from_variant(array.data[column * rows + row])
+                           for column in range(columns)) for row in range(rows))
+    raise com_error(_signed(b.TYPE_MISMATCH))
+
+
+def _invoke(pointer, member, flags, arguments):
+    count = len(arguments)
+    values = (b.Variant * max(count, 1))()
+    try:
+        for i, argument in enumerate(arguments):
+            values[count - 1 - i] = _to_variant(argument)
+        named = (ctypes.c_int32 * 1)(_ASSIGNED)
+        assigns = bool(flags & (b.PUT | b.PUTREF))
+        parameters = b.Parameters(values, named if assigns else None, count, int(assigns))
+        result, bad = b.Variant(), ctypes.c_uint32(0xFFFFFFFF)
+        types = [ctypes.c_int32, ctypes.c_void_p, ctypes.c_uint32, ctypes.c_uint16,
+                 ctypes.c_void_p, ctypes.c_void_p, ctypes.c_void_p, ctypes.c_void_p]
+        done = b.call(pointer, 6, ctypes.c_int32, types, member, ctypes.addressof(b.NO_GUID),
+                      _LOCALE, flags, ctypes.addressof(parameters),
+                      None if assigns else ctypes.addressof(result), None,
+                      ctypes.addressof(bad))
+        if done < 0:
+            raise com_error(done, argerror=None if bad.value == 0xFFFFFFFF else bad.value)
+        try:
+            return _from_variant(result)
+        finally:
+            b.clear(result)
+    finally:
+        for value in values:
+            b.clear(value)
+
+
+class CDispatch:
+    """An automation object; its members are reached as attributes, in any letter case."""
+
+    def __init__(self, pointer):
+        object.__setattr__(self, "_pointer", pointer)
+
+    def __del__(self):
+        if self._pointer:
+            b.release(self._pointer)
+            object.__setattr__(self, "_pointer", None)
+
+    def _id(self, name):
+        text = ctypes.create_string_buffer(name.encode("utf-16-le") + b"\0\0")
+        names = (ctypes.c_void_p * 1)(ctypes.addressof(text))
+        member = ctypes.c_int32()
+        done = b.call(self._pointer, 5, ctypes.c_int32,
+                      [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_uint32, ctypes.c_uint32,
+                       ctypes.c_void_p],
+                      ctypes.addressof(b.NO_GUID), ctypes.addressof(names), 1, _LOCALE,
+                      ctypes.addressof(member))
+        return member.value if done >= 0 else None
+
+    def __getattr__(self, name):
+        member = None if name.startswith("__") else self._id(name)
+        if member is None:
+            raise AttributeError(name)
+        pointer = self._pointer
+        try:
+            return _invoke(pointer, member, b.GET, ())
+        except com_error as error:
+            # A method, or a property that wants arguments: what is asked for is the call.
+            if error.hresult & 0xFFFFFFFF not in (b.MEMBER_NOT_FOUND, b.BAD_COUNT):
+                raise
+        return lambda *arguments: _invoke(self._pointer, member, b.METHOD | b.GET, arguments)
+
+    def __setattr__(self, name, value):
+        member = self._id(name)
+        if member is None:
+            raise AttributeError(name)
+        _invoke(self._pointer, member, b.PUTREF if isinstance(value, CDispatch) else b.PUT,
+                (value,))
+
+    def __call__(self, *arguments):
+        return _invoke(self._pointer, _DEFAULT, b.METHOD | b.GET, arguments)
+
+    def __len__(self):
+        return self.Count
+
+    def __bool__(self):
+        return True
+
+    def __eq__(self, other):
+        return isinstance(other, CDispatch) and self._pointer == other._pointer
+
+    def __hash__(self):
+        return hash(self._pointer)
+
+    def __iter__(self):
+        walk = _invoke(self._pointer, _ENUMERATOR, b.METHOD | b.GET, ())
+        item = b.Variant()
+        while True:
+            done = b.call(walk._pointer, 3, ctypes.c_int32,
+                          [ctypes.c_uint32, ctypes.c_void_p, ctypes.c_void_p],
+                          1, ctypes.addressof(item), None)
+            if done < 0:
+                raise com_error(done)
+            if done:
+                return
+            value = _from_variant(item)
+            b.clear(item)
+            yield value
+
+
+def _registry_files():
+    home = os.environ.get("XDG_DATA_HOME") or os.path.expanduser("~/.local/share")
+    yield pathlib.Path(home, "qto/servers")
+    for folder in (os.environ.get("XDG_DATA_DIRS") or "/usr/local/share:/usr/share").split(":"):
+        yield pathlib.Path(folder, "qto/servers")
+    yield pathlib.Path(__file__).parent.parent / "qto/servers"  # of the build beside the package
+
+
+def _find_server(progid):
+    """(class identifier, library) of a registered class."""
+    for file in _registry_files():
+        if not file.is_file():
+            continue
+        for line in file.read_text(encoding="utf-8").splitlines():
+            entry = line.split("\t")
+            if len(entry) == 3 and progid.lower() in (entry[0].lower(), entry[1].lower()):
+                return entry[1], entry[2]
+    raise com_error(_signed(0x800401F3), f"no class {progid} is registered")
+
+
+def Dispatch(progid):
+    """A new object of a registered class."""
+    class_id, library = _find_server(progid)
+    try:
+        module = ctypes.CDLL(library)
+    except OSError as error:
+        raise com_error(_signed(0x8007007E), str(error)) from None
+    factory, made, guid = ctypes.c_void_p(), ctypes.c_void_p(), b.Guid.parse(class_id)
+    done = module.DllGetClassObject(ctypes.byref(guid), ctypes.byref(b.IID_FACTORY),
+                                    ctypes.byref(factory))
+    if done < 0:
+        raise com_error(done)
+    done = b.call(factory.value, 3, ctypes.c_int32, [ctypes.c_void_p] * 3, None,
+                  ctypes.addressof(b.IID_DISPATCH), ctypes.addressof(made))
+    b.release(factory.value)
+    if done < 0:
+        raise com_error(done)
+    return CDispatch(made.value)
+
+
+class _Sink:
+    """A client's IDispatch that passes events to the methods On… of a handler."""
+
+    _alive = {}
+
+    def __init__(self, handler, events):
+        self._handler = handler
+        self._events = events  # identifier: name
+        pointer, number = ctypes.c_void_p, ctypes.c_uint32
+        shape = ctypes.CFUNCTYPE
+        self._functions = [
+            shape(ctypes.c_int32, pointer, pointer, pointer)(self._query),
+            shape(number, pointer)(self._add_ref),
+            shape(number, pointer)(self._release),
+            shape(ctypes.c_int32, pointer, pointer)(lambda *_: _signed(0x80004001)),
+            shape(ctypes.c_int32, pointer, number, number, pointer)(
+                lambda *_: _signed(0x80004001)),
+            shape(ctypes.c_int32, pointer, pointer, pointer, number, number, pointer)(
+                lambda *_: _signed(b.UNKNOWN_NAME)),
+            shape(ctypes.c_int32, pointer, ctypes.c_int32, pointer, number, ctypes.c_uint16,
+                  pointer, pointer, pointer, pointer)(self._invoke),
+        ]
+        self._table = (pointer * 7)(*(ctypes.cast(f, pointer) for f in self._functions))
+        self._object = (pointer * 1)(ctypes.addressof(self._table))
+        self._count = 0
+        self.pointer = ctypes.addressof(self._object)
+
+    def _query(self, this, guid, out):
+        wanted = bytes(b.Guid.from_address(guid).bytes)
+        known = wanted in (bytes(b.IID_UNKNOWN.bytes), bytes(b.IID_DISPATCH.bytes))
+        ctypes.c_void_p.from_address(out).value = this if known else None
+        if not known:
+            return _signed(0x80004002)
+        self._add_ref(this)
+        return 0
+
+    def _add_ref(self, _this):
+        self._count += 1
+        _Sink._alive[self.pointer] = self
+        return self._count
+
+    def _release(self, _this):
+        self._count -= 1
+        if self._count == 0:
+            _Sink._alive.pop(self.pointer, None)
+        return self._count
+
+    def _invoke(self, _this, event, _guid, _locale, _flags, given, _result, _info, _bad):
+        try:
+            method = getattr(self._handler, "On" + self._events.get(event, ""), None)
+            if method is None:
+                return 0
+            parameters = b.Parameters.from_address(given)
+            slots = [parameters.values[i] for i in reversed(range(parameters.count))]
+            places = [slot for slot in slots if slot.type & b.VT_BYREF]
+            answer = method(*map(self._argument, slots))
+            if answer is None:
+                return 0
+            answers = answer if isinstance(answer, tuple) else (answer,)
+            for slot, value in zip(places, answers):
+                self._answer(slot, value)
+            return 0
+        except Exception:  # a handler's failure must not pass through the engine
+            traceback.print_exc(file=sys.stderr)
+            return _signed(0x80004005)
+
+    @staticmethod
+    def _argument(slot):
+        if not slot.type & b.VT_BYREF:
+            return _from_variant(slot)
+        value = b.Variant(type=slot.type & ~b.VT_BYREF)
+        size = {b.VT_BOOL: 2, b.VT_I4: 4}.get(value.type, 8)
+        ctypes.memmove(ctypes.addressof(value.bits), slot.pointer, size)
+        return _from_variant(value)
+
+    @staticmethod
+    def _answer(slot, value):
+        """Puts an answer in the place of the preset; one of another type leaves the preset."""
+        kind = slot.type & ~b.VT_BYREF
+        if kind == b.VT_BOOL:
+            ctypes.c_int16.from_address(slot.pointer).value = -1 if value else 0
+        elif kind == b.VT_I4:
+            ctypes.c_int32.from_address(slot.pointer).value = int(value)
+        elif kind == b.VT_TEXT:
+            fresh = b.make_text(str(value))
+            place = ctypes.c_void_p.from_address(slot.pointer)
+            b.free_text(place.value)
+            place.value = fresh
+        elif kind == b.VT_DISPATCH and (value is None or isinstance(value, CDispatch)):
+            place = ctypes.c_void_p.from_address(slot.pointer)
+            old = place.value
+            if value is not None:
+                b.add_ref(value._pointer)
+            place.value = value._pointer if value is not None else None
+            if old:
+                b.release(old)
+
+
+def _events_of(class_id):
+    """(event interface, {identifier: name}) of a class, from the surface beside this file."""
+    interface, events, inside = None, {}, False
+    for line in (pathlib.Path(__file__).parent / "surface.txt").read_text().splitlines():
+        words = line.split()
+        if words[0] == "class":
+            inside = words[2] == class_id
+            if inside and len(words) == 5:
+                interface = words[4]
+        elif words[0] == "enum":
+            inside = False
+        elif inside and words[0] == "event":
+            events[int(words[1])] = words[2].split("(")[0]
+    return interface, events
+
+
+def DispatchWithEvents(progid, handler_class):
+    """A new object whose events call the methods On… of `handler_class`; what they return answers
+    the by-reference arguments in order. The object is also an instance of `handler_class`."""
+    class_id, _ = _find_server(progid)
+    interface, events = _events_of(class_id)
+    if interface is None:
+        raise com_error(_signed(0x80040200), f"{progid} raises no events")
+    source = Dispatch(progid)
+    made = type(handler_class.__name__, (CDispatch, handler_class), {})(source._pointer)
+    b.add_ref(source._pointer)
+    container = b.query(made._pointer, b.IID_CONTAINER)
+    point, cookie, guid = ctypes.c_void_p(), ctypes.c_uint32(), b.Guid.parse(interface)
+    try:
+        done = b.call(container, 4, ctypes.c_int32, [ctypes.c_void_p] * 2,
+                      ctypes.addressof(guid), ctypes.addressof(point))
+        if done >= 0:
+            # The sink must not keep the object: the connection ends with it.
+            sink = _Sink(weakref.proxy(made), events)
+            done = b.call(point.value, 5, ctypes.c_int32, [ctypes.c_void_p] * 2, sink.pointer,
+                          ctypes.addressof(cookie))
+            b.release(point.value)
+    finally:
+        b.release(container)
+    if done < 0:
+        raise com_error(done)
+    return made
