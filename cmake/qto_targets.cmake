@@ -8,8 +8,11 @@ if(QTO_WERROR)
   target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Werror>)
 endif()
 if(QTO_SANITIZE)
+  # Null is found by AddressSanitizer as well, and alignment, harmless on the machines we build for,
+  # doubles the time that the compiler takes.
   target_compile_options(qto_flags INTERFACE
-    $<BUILD_INTERFACE:-fsanitize=address,undefined;-fno-sanitize-recover=all;-fno-omit-frame-pointer>)
+    $<BUILD_INTERFACE:-fsanitize=address,undefined;-fno-sanitize=null,alignment>
+    $<BUILD_INTERFACE:-fno-sanitize-recover=all;-fno-omit-frame-pointer>)
   target_link_options(qto_flags INTERFACE $<BUILD_INTERFACE:-fsanitize=address,undefined>)
 endif()
 install(TARGETS qto_flags EXPORT qto-targets)
@@ -45,5 +48,9 @@ function(qto_test area)
   target_link_libraries(test_${area} PRIVATE ${ARGN} GTest::gtest_main GTest::gmock)
   target_compile_definitions(test_${area} PRIVATE
     QTO_TEST_DATA="${CMAKE_CURRENT_SOURCE_DIR}/data" QTO_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  if(QTO_SANITIZE)
+    # Behaviour is watched in what is tested; of the tests themselves only their memory.
+    target_compile_options(test_${area} PRIVATE -O0 -fno-sanitize=undefined)
+  endif()
   gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
 endfunction()
