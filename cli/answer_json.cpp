@@ -16,6 +16,9 @@ void write_reports(JsonWriter& json, const Reports& reports) {
     json.member("description", report.description);
     json.member("module", report.module);
     json.member("member", report.member);
+    json.member("line", std::int64_t{report.line});
+    json.member("formula_cell", report.formula_cell);
+    json.member("host_call", report.host_call);
     json.end_object();
   }
   json.end_array();

@@ -115,6 +115,20 @@ void add_book_options(CLI::App& command, Arguments& arguments) {
   command.add_flag("--json", arguments.json, "one JSON object on standard output");
 }
 
+/// What helps to find out why an answer is not what was expected.
+void add_diagnostic_options(CLI::App& command, Arguments& arguments) {
+  add_choice<ReportPolicy>(
+      command, "--reports", {{"ask", ReportPolicy::ask}, {"list", ReportPolicy::list}},
+      [&arguments](ReportPolicy policy) { arguments.reports = policy; },
+      "what happens at an error report: ask what to do (on a terminal), or go on and list it");
+  command.add_option("--trace", arguments.trace_file, "write every call of the engine to a file")
+      ->option_text("FILE");
+  command
+      .add_option("--trace-viewer", arguments.trace_viewer,
+                  "send every call to a local socket or an open file descriptor")
+      ->option_text("SOCKET|fd:N");
+}
+
 /// Choices among a special function's arguments. They are applied after --drill, which sets them
 /// all, whatever the order on the command line.
 struct SpecialFunctions {
@@ -235,7 +249,11 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
   app.footer(footer_text);
   app.set_version_flag("--version", fmt::format("qto {}", diagnostics::library_version));
   app.require_subcommand(1);
-  if (isatty(STDIN_FILENO) && isatty(STDERR_FILENO)) arguments.open = OpenPolicy::ask;
+  if (isatty(STDIN_FILENO) && isatty(STDERR_FILENO)) {
+    arguments.open = OpenPolicy::ask;
+    arguments.reports = ReportPolicy::ask;
+  }
+  add_diagnostic_options(app, arguments);
 
   SpecialFunctions special;
   const auto add = [&](Operation operation, const char* help) -> CLI::App& {
@@ -243,6 +261,7 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
     command->callback([&arguments, operation] { arguments.operation = operation; });
     command->footer("'qto --help' tells how START and ITEM are written.");
     add_book_options(*command, arguments);
+    add_diagnostic_options(*command, arguments);
     return *command;
   };
   CLI::App& tree = add(Operation::tree, "What feeds START: the tree of its precedents");

@@ -12,6 +12,7 @@ namespace qto::cli {
 
 enum class Operation { tree, inputs, errors, part, links };
 enum class OpenPolicy { ask, always, never };
+enum class ReportPolicy { ask, list };
 
 /// A password for one book, or for any when `book` is "".
 struct Password {
@@ -31,6 +32,9 @@ struct Arguments {
   OpenPolicy open = OpenPolicy::never;
   std::vector<Password> passwords;
   std::vector<std::string> folders;
+  ReportPolicy reports = ReportPolicy::list;
+  std::string trace_file;    ///< "": no trace log
+  std::string trace_viewer;  ///< "": none; a socket or "fd:N"
   bool json = false;
   bool full = false;
 };

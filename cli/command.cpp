@@ -11,6 +11,7 @@
 #include "cli/answer_text.hpp"
 #include "cli/complaint.hpp"
 #include "cli/drill.hpp"
+#include "cli/error_dialog.hpp"
 #include "cli/folder_links.hpp"
 #include "cli/item.hpp"
 #include "cli/link_states.hpp"
@@ -19,6 +20,7 @@
 #include "cli/progress.hpp"
 #include "cli/refusal.hpp"
 #include "cli/reports.hpp"
+#include "cli/tracing.hpp"
 #include "qto/automation/error.hpp"
 #include "qto/links/main.hpp"
 
@@ -28,7 +30,8 @@ namespace {
 /// One run of the command: what its steps share.
 class Run {
  public:
-  explicit Run(const Arguments& arguments) : arguments_(arguments) {}
+  explicit Run(const Arguments& arguments)
+      : arguments_(arguments), tracing_(arguments), dialog_(arguments, progress_) {}
 
   ExitStatus answer() {
     try {
@@ -110,6 +113,8 @@ class Run {
   const Arguments& arguments_;
   Reports reports_;
   Progress progress_;
+  Tracing tracing_;
+  AskAboutReports dialog_;
   embedded::Application application_;
   OpenFailures failures_{application_};
   Ref<host::Workbook> book_;

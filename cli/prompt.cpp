@@ -20,21 +20,25 @@ bool wait_for_input() {
   return false;
 }
 
-std::string read_line() {
+/// Nothing at the end of the input and after Ctrl-C.
+std::optional<std::string> read_line() {
   std::string line;
-  char c;
+  char c = 0;
   while (wait_for_input() && read(STDIN_FILENO, &c, 1) == 1 && c != '\n') line.push_back(c);
+  if (c != '\n' && (line.empty() || Interrupt::raised())) return std::nullopt;
   if (line.ends_with('\r')) line.pop_back();
   return line;
 }
 
 }  // namespace
 
-std::string prompt(const std::string& question) {
+std::optional<std::string> prompt_line(const std::string& question) {
   fmt::print(stderr, "{}", question);
   std::fflush(stderr);
   return read_line();
 }
+
+std::string prompt(const std::string& question) { return prompt_line(question).value_or(""); }
 
 std::string prompt_hidden(const std::string& question) {
   termios before{};

@@ -26,8 +26,10 @@ void Reports::print() const {
              count_ == 1 ? "" : "s");
   for (std::size_t i = 0; i < std::min(most_printed, kept_.size()); ++i) {
     const auto& report = kept_[i];
-    fmt::print(stderr, "  {}.{}: {} ({})\n", report.module, report.member, report.description,
-               report.number);
+    fmt::print(stderr, "  {}{}{} ({}), in {}.{}{}{}\n", report.formula_cell,
+               report.formula_cell.empty() ? "" : ": ", report.description, report.number,
+               report.module, report.member, report.host_call.empty() ? "" : ", host call ",
+               report.host_call);
   }
   if (count_ > most_printed) fmt::print(stderr, "  and {} more\n", count_ - most_printed);
 }

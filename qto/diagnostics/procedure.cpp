@@ -38,7 +38,8 @@ diagnostics::Outcome ask(const std::exception& failure, diagnostics::QualifiedNa
 
 }  // namespace
 
-Procedure::Next Procedure::handle(diagnostics::QualifiedName name, Tries& tries, int line) {
+Procedure::Next Procedure::handle(const char* module, const char* member, Tries& tries, int line) {
+  const diagnostics::QualifiedName name{module, member};
   diagnostics::Outcome outcome = diagnostics::Outcome::leave;
   try {
     throw;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string_view>
-
 #include "qto/diagnostics/trace.hpp"
 
 namespace qto {
@@ -16,13 +14,15 @@ class Procedure {
  public:
   /// `module` and `member` must be literals: they outlive the call. Both together stand in the list
   /// of procedures.cpp.
-  Procedure(std::string_view module, std::string_view member) noexcept
-      : name_{module, member}, traced_(diagnostics::tracing() ? diagnostics::trace_in(name_) : 0) {}
+  Procedure(const char* module, const char* member) noexcept
+      : module_(module),
+        member_(member),
+        traced_(diagnostics::tracing() ? diagnostics::trace_in(module, member) : 0) {}
   Procedure(const Procedure&) = delete;
   Procedure& operator=(const Procedure&) = delete;
   /// Tracing out also happens when an error passes through, so that the call stack stays balanced.
   ~Procedure() {
-    if (traced_ != 0) diagnostics::trace_out(name_, traced_);
+    if (traced_ != 0) diagnostics::trace_out(module_, member_, traced_);
   }
 
   /// Runs one statement. An AutomationError passes on to the client (after a report where it asks
@@ -35,7 +35,7 @@ class Procedure {
         statement();
         return true;
       } catch (...) {
-        switch (handle(name_, tries_, line)) {
+        switch (handle(module_, member_, tries_, line)) {
           case Next::retry:
             continue;
           case Next::go_on:
@@ -56,7 +56,7 @@ class Procedure {
       try {
         return statement();
       } catch (...) {
-        if (handle(name_, tries_, line) != Next::retry) abandon();
+        if (handle(module_, member_, tries_, line) != Next::retry) abandon();
       }
     }
   }
@@ -68,10 +68,12 @@ class Procedure {
     short skips = 0;
   };
   /// Inspects the exception in flight; rethrows what belongs to the client.
-  static Next handle(diagnostics::QualifiedName name, Tries& tries, int line);
+  static Next handle(const char* module, const char* member, Tries& tries, int line);
   [[noreturn]] static void abandon();
 
-  const diagnostics::QualifiedName name_;
+  // Each a scalar: while tracing is off they live in no register and no memory.
+  const char* const module_;
+  const char* const member_;
   const diagnostics::TracedCall traced_;
   Tries tries_;
 };

@@ -28,7 +28,8 @@ void set_tracing(bool on) {
   detail::tracing_on = on;
 }
 
-TracedCall trace_in(QualifiedName name) noexcept {
+TracedCall trace_in(const char* module, const char* member) noexcept {
+  const QualifiedName name{module, member};
   try {
     state.stack.resize(static_cast<std::size_t>(state.count));
     state.stack.push_back(name);
@@ -41,13 +42,13 @@ TracedCall trace_in(QualifiedName name) noexcept {
   return state.session;
 }
 
-void trace_out(QualifiedName name, TracedCall call) noexcept {
+void trace_out(const char* module, const char* member, TracedCall call) noexcept {
   if (call != state.session) return;
   const std::int32_t depth = state.depth;
   if (state.depth > 0) --state.depth;
   if (state.count > 0) --state.count;
   // Where tracing was switched off meanwhile the stack is put right, and nothing is written.
-  if (detail::tracing_on) detail::write_trace(name, depth, TraceMarker::leaving);
+  if (detail::tracing_on) detail::write_trace({module, member}, depth, TraceMarker::leaving);
 }
 
 std::int32_t trace_depth() noexcept { return state.depth; }

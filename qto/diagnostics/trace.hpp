@@ -19,11 +19,16 @@ struct QualifiedName {
 };
 
 namespace detail {
-inline bool tracing_on = false;
-}
+/// Hidden: every procedure reads it, and one library holds them all.
+[[gnu::visibility("hidden")]] inline bool tracing_on = false;
+}  // namespace detail
 
 /// False by default; then procedures do not touch the call stack at all.
+#ifdef QTO_WITHOUT_TRACING  // only to measure what the test of the flag costs
+constexpr bool tracing() noexcept { return false; }
+#else
 inline bool tracing() noexcept { return detail::tracing_on; }
+#endif
 /// Switching on begins with an empty call stack; calls that are open already are no part of it.
 void set_tracing(bool on);
 
@@ -31,9 +36,10 @@ void set_tracing(bool on);
 using TracedCall = std::uint32_t;
 
 /// Registers an entry: the stack grows by the name, and the outputs that are on get the line.
-TracedCall trace_in(QualifiedName name) noexcept;
+/// `module` and `member` must be literals: they outlive the call.
+[[gnu::cold]] TracedCall trace_in(const char* module, const char* member) noexcept;
 /// Registers the exit of a call that trace_in() answered for. The depth never falls below 0.
-void trace_out(QualifiedName name, TracedCall call) noexcept;
+[[gnu::cold]] void trace_out(const char* module, const char* member, TracedCall call) noexcept;
 
 /// Nesting of open traced calls.
 std::int32_t trace_depth() noexcept;

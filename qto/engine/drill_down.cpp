@@ -86,7 +86,7 @@ void DrillDown::putref_StartUnderlyingObject(const Ref<Object>& object) {
   } else if (kind != "Series") {
     throw AutomationError(ErrorNumber::wrong_object);
   }
-  Main::set_shared_application(host_object->Application());
+  if (!proc.step([&] { Main::set_shared_application(host_object->Application()); })) return;
   start_object_ = object;
   start_part_ = make_ref<ModelPart>();
   start_part_->Create(object, kind);

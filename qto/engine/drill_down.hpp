@@ -109,6 +109,7 @@ class DrillDown : public Object {
   void drill_to_errors(const Ref<ModelPart>& start);
   void find_precedents_if_necessary(Ref<ModelPart>& part);
   bool already_seen(Ref<ModelPart>& part, ModelParts& list);
+  ModelPart* find_analysed(ModelPart& part) const;
   void collect_input(Ref<ModelPart>& part);
   /// Adds to a collection of the drill. A client may substitute another part, but none is no part
   /// to go on with.

@@ -29,12 +29,13 @@ void bring_to_front(host::Application& app) {
 qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
   Procedure proc("DrillDown", "open_linked_book");
   const auto& app = Main::shared_application();
-  const auto active = app->ActiveWorkbook();
   const std::string full_name = part->WorkBookFullName();
   const auto record = [&](qtoReasonNotOpened reason, std::string_view password = {}) {
     add_linked_book(*part, reason, password);
     return reason;
   };
+  Ref<host::Workbook> active;
+  if (!proc.step([&] { active = app->ActiveWorkbook(); })) return record(qtownoOther);
   if (!Main::FileExists(full_name)) return record(qtownoNotFound);
   if (duplicate_book_name_open(part)) return qtoWNOOK;
   if (Main::IsURL(full_name)) {
@@ -55,11 +56,11 @@ qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
     reason = record(qtownoOther);
   } else if (circularity_guard_ && contains_circular_reference(workbook)) {
     reason = record(qtoWNOCircularReference);
-    workbook->Close(false);
+    (void)proc.step([&] { workbook->Close(false); });
   } else {
     record(qtoWNOOK, password);
     remove_row_and_column_labels(workbook);
-    if (active) active->Activate();
+    if (active) (void)proc.step([&] { active->Activate(); });
   }
   AfterOpenBookAttempt(part->WorkBookPath(), part->WorkBookName(), reason);
   return reason;

@@ -3,6 +3,7 @@
 #include "qto/engine/drill_down.hpp"
 #include "qto/engine/memory_status.hpp"
 #include "qto/host/host.hpp"
+#include "qto/host/insist.hpp"
 #include "qto/links/main.hpp"
 
 namespace qto {
@@ -66,6 +67,25 @@ bool DrillDown::contains_circular_reference(const Ref<host::Workbook>& workbook)
   return found;
 }
 
+namespace {
+
+/// Puts the alerts back as they were, however the work in between ends.
+class AlertsKeeper {
+ public:
+  AlertsKeeper(host::Application& app, bool alerts) : app_(app), alerts_(alerts) {}
+  AlertsKeeper(const AlertsKeeper&) = delete;
+  AlertsKeeper& operator=(const AlertsKeeper&) = delete;
+  ~AlertsKeeper() {
+    host::insist([this] { app_.put_DisplayAlerts(alerts_); });
+  }
+
+ private:
+  host::Application& app_;
+  const bool alerts_;
+};
+
+}  // namespace
+
 void DrillDown::remove_row_and_column_labels(const Ref<host::Workbook>& workbook) {
   Procedure proc("DrillDown", "remove_row_and_column_labels");
   (void)proc.step([&] {
@@ -73,14 +93,9 @@ void DrillDown::remove_row_and_column_labels(const Ref<host::Workbook>& workbook
     const auto app = workbook->Application();
     const bool alerts = app->DisplayAlerts();
     RemoveRowAndColumnLabels(workbook);
+    const AlertsKeeper keeper(*app, alerts);
     app->put_DisplayAlerts(false);
-    try {
-      workbook->put_AcceptLabelsInFormulas(false);
-    } catch (...) {
-      app->put_DisplayAlerts(alerts);
-      throw;
-    }
-    app->put_DisplayAlerts(alerts);
+    workbook->put_AcceptLabelsInFormulas(false);
   });
 }
 

@@ -1,6 +1,7 @@
 #include <deque>
 #include <optional>
 
+#include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/engine/part_graph.hpp"
@@ -26,7 +27,7 @@ struct DrillDown::Frame {
 class DrillDown::Walk {
  public:
   enum class EmptyLists { keep, drop };
-  Walk(DrillDown& drill, const diagnostics::QualifiedName& name, EmptyLists empty_lists)
+  Walk(DrillDown& drill, const char* name, EmptyLists empty_lists)
       : drill_(drill),
         name_(name),
         drops_empty_lists_(empty_lists == EmptyLists::drop),
@@ -65,7 +66,7 @@ class DrillDown::Walk {
   void push(Ref<ModelPart> part, Enter&& enter) {
     stack_.emplace_back(std::move(part));
     Frame& frame = stack_.back();
-    if (diagnostics::tracing()) frame.traced = diagnostics::trace_in(name_);
+    if (diagnostics::tracing()) frame.traced = diagnostics::trace_in("DrillDown", name_);
     drill_.yield();
     ++drill_.current_depth_;
     frame.walked->mark_walk(true);
@@ -89,11 +90,11 @@ class DrillDown::Walk {
     --drill_.current_depth_;
     const diagnostics::TracedCall traced = frame.traced;
     stack_.pop_back();
-    if (traced != 0) diagnostics::trace_out(name_, traced);
+    if (traced != 0) diagnostics::trace_out("DrillDown", name_, traced);
   }
 
   DrillDown& drill_;
-  const diagnostics::QualifiedName& name_;
+  const char* const name_;
   const bool drops_empty_lists_;
   const std::size_t parents_;
   const std::int32_t depth_;
@@ -102,7 +103,24 @@ class DrillDown::Walk {
 };
 
 void DrillDown::yield() {
-  if (const auto& app = Main::shared_application()) app->yield();
+  try {
+    if (const auto& app = Main::shared_application()) app->yield();
+  } catch (const AutomationError&) {
+    throw;
+  } catch (const std::exception&) {
+    // A host that cannot work off its messages can still be asked.
+  }
+}
+
+/// A part whose key cannot be told, which was reported, counts as not met before.
+ModelPart* DrillDown::find_analysed(ModelPart& part) const {
+  try {
+    return parts_analysed_->find(part.Key());
+  } catch (const AutomationError&) {
+    throw;
+  } catch (const std::exception&) {
+    return nullptr;
+  }
 }
 
 void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
@@ -126,7 +144,7 @@ void DrillDown::add_to(ModelParts& parts, Ref<ModelPart>& part) {
 
 bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
   Procedure proc("DrillDown", "already_seen");
-  Ref<ModelPart> canonical(parts_analysed_->find(part->Key()));
+  Ref<ModelPart> canonical(find_analysed(*part));
   if (!canonical) {
     add_to(*parts_analysed_, part);
     check_max_items(parts_analysed_->Count());
@@ -142,12 +160,11 @@ bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
 }
 
 void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
-  static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_this_cell"};
-  Walk walk(*this, name, Walk::EmptyLists::drop);
+  Walk walk(*this, "drill_this_cell", Walk::EmptyLists::drop);
   walk.run(
       start,
       [this](Ref<ModelPart>& part) {
-        if (!parts_analysed_->find(part->Key())) part->put_CheckedForPrecedents(false);
+        if (!find_analysed(*part)) part->put_CheckedForPrecedents(false);
         find_precedents_if_necessary(part);
         return part->DirectPrecedents();
       },
@@ -172,8 +189,7 @@ void DrillDown::collect_input(Ref<ModelPart>& part) {
 }
 
 void DrillDown::drill_to_inputs(const Ref<ModelPart>& start) {
-  static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_to_inputs"};
-  Walk walk(*this, name, Walk::EmptyLists::keep);
+  Walk walk(*this, "drill_to_inputs", Walk::EmptyLists::keep);
   walk.run(
       start,
       [this](Ref<ModelPart>& part) {
@@ -194,8 +210,7 @@ void DrillDown::drill_to_inputs(const Ref<ModelPart>& start) {
 }
 
 void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
-  static constexpr diagnostics::QualifiedName name{"DrillDown", "drill_to_errors"};
-  Walk walk(*this, name, Walk::EmptyLists::keep);
+  Walk walk(*this, "drill_to_errors", Walk::EmptyLists::keep);
   walk.run(
       start,
       [this](Ref<ModelPart>& part) {

@@ -79,9 +79,9 @@ void DrillDown::ask_to_open(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
 void DrillDown::try_to_find(const Ref<ModelPart>& part, ModelParts& list) {
   Procedure proc("DrillDown", "try_to_find");
   if (part->is_range())
-    find_range_of(part, list);
+    (void)proc.step([&] { find_range_of(part, list); });
   else if (part->is_name())
-    find_name_of(part);
+    (void)proc.step([&] { find_name_of(part); });
   else
     throw AutomationError(ErrorNumber::out_of_range);
 }

@@ -1,7 +1,9 @@
 #include "qto/links/main.hpp"
 
+#include "qto/diagnostics/mail_report.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
+#include "qto/links/follow_hyperlink.hpp"
 #include "qto/links/linked_books.hpp"
 
 namespace qto::Main {
@@ -24,6 +26,7 @@ const Ref<host::Application>& shared_application() { return state().application;
 
 void set_shared_application(Ref<host::Application> application) {
   state().application = std::move(application);
+  diagnostics::set_follow_hyperlink(follow_hyperlink);  // how error reports are sent
 }
 
 const Ref<LinkedBooks>& BooksOpened() { return state().opened; }

@@ -1,5 +1,6 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
+#include "qto/host/insist.hpp"
 #include "qto/links/main.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
@@ -17,11 +18,8 @@ class SelectionKeeper {
   SelectionKeeper(const SelectionKeeper&) = delete;
   SelectionKeeper& operator=(const SelectionKeeper&) = delete;
   ~SelectionKeeper() {
-    try {
-      restore();
-    } catch (const std::exception&) {
-      // The sheet is gone: nothing is left to go back to.
-    }
+    // Unless the sheet is gone: then nothing is left to go back to.
+    host::insist([this] { restore(); });
     switch_settings(true);
   }
 
@@ -36,13 +34,10 @@ class SelectionKeeper {
       series->Select();
   }
   void switch_settings(bool on) noexcept {
-    try {
-      app_->put_ScreenUpdating(on);
-      app_->put_EnableEvents(on);
-      app_->put_DisplayAlerts(on);
-    } catch (const std::exception&) {
-      // A host without these settings works all the same.
-    }
+    // A host without one of these settings works all the same.
+    host::insist([&] { app_->put_ScreenUpdating(on); });
+    host::insist([&] { app_->put_EnableEvents(on); });
+    host::insist([&] { app_->put_DisplayAlerts(on); });
   }
 
   Ref<host::Application> app_;

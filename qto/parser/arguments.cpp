@@ -14,8 +14,10 @@ Tokens take_argument(Tokens tokens, std::size_t& position, bool& is_last) {
     if (text == ")" && --depth < 0) break;
     if (text == "," && depth == 0) break;
   }
-  if (position > tokens.size())
-    throw NumberedFailure(9, "a function call without its closing parenthesis");
+  proc.need([&] {
+    if (position > tokens.size())
+      throw NumberedFailure(9, "a function call without its closing parenthesis");
+  });
   is_last = tokens[position - 1].text == ")";
   return tokens.subspan(start - 1, position - start);
 }
@@ -27,9 +29,11 @@ std::vector<Tokens> get_args(Tokens tokens, std::size_t& position) {
   for (;;) {
     arguments.push_back(take_argument(tokens, position, is_last));
     if (is_last) return arguments;
-    if (arguments.size() == most_arguments)
-      throw NumberedFailure(static_cast<std::int32_t>(ErrorNumber::out_of_range),
-                            "more than five arguments in a special function");
+    proc.need([&] {
+      if (arguments.size() == most_arguments)
+        throw NumberedFailure(static_cast<std::int32_t>(ErrorNumber::out_of_range),
+                              "more than five arguments in a special function");
+    });
     ++position;
   }
 }

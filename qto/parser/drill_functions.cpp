@@ -32,9 +32,11 @@ void Parser::drill_function(Tokens tokens, std::size_t& i) {
   const TokenType function = tokens[i - 1].type;
   std::size_t position = i;
   DrillVerdict verdict = DrillVerdict::failed;
-  const bool done = proc.step([&] {
+  bool done = false;  // also after an outcome that goes on, only what was drilled is passed over
+  (void)proc.step([&] {
     position = i;
     verdict = drill_by_type(tokens, position);
+    done = true;
   });
   if (done) i = position;
   verdicts_.add(function, verdict);
@@ -64,6 +66,7 @@ DrillVerdict Parser::drill_by_type(Tokens tokens, std::size_t& i) {
 
 Ref<host::Worksheet> Parser::evaluation_sheet() {
   const auto workbook = part_->Workbook();
+  if (!workbook) throw NumberedFailure(91, "the part lies in no workbook");
   return own_sheet_.empty() ? workbook->Worksheets(1) : workbook->Worksheets(own_sheet_);
 }
 
@@ -80,16 +83,20 @@ std::string Parser::text_to_evaluate(Tokens piece, std::string_view function) co
 /// What a piece of the formula being parsed gives in its cell; outside cells, on the sheet.
 Variant Parser::local_eval(const std::string& text) {
   Procedure proc("Parser", "local_eval");
-  if (const auto& own = part_->sheet_record())
-    return own->sheet->value_in_cell(part_->cell(), text);
-  const Variant result = evaluation_sheet()->Evaluate(text);
-  const auto range = ref_cast<host::Range>(result.object());
-  return range ? range->value() : result;
+  return proc.need([&]() -> Variant {
+    if (const auto& own = part_->sheet_record())
+      return own->sheet->value_in_cell(part_->cell(), text);
+    const Variant result = evaluation_sheet()->Evaluate(text);
+    const auto range = ref_cast<host::Range>(result.object());
+    return range ? range->value() : result;
+  });
 }
 
 Ref<host::Range> Parser::local_eval_range(const std::string& text) {
   Procedure proc("Parser", "local_eval_range");
-  if (own_sheet_.empty()) return ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object());
+  if (own_sheet_.empty())
+    return proc.need(
+        [&] { return ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object()); });
   try {
     if (const auto& own = part_->sheet_record())
       return own->sheet->range_in_cell(part_->cell(), text);

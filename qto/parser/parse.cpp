@@ -1,5 +1,6 @@
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
+#include "qto/diagnostics/subject.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/main.hpp"
 #include "qto/parser/parser.hpp"
@@ -68,6 +69,20 @@ host::FormulaPattern pattern_of(const ModelPart& part) {
   return sheet->sheet->formula_pattern(part.cell());
 }
 
+/// "[Plan.xlsx]Sheet1!B7", for a report. Only the book is asked for its name.
+std::string place_of(const void* subject) {
+  const auto& part = *static_cast<const ModelPart*>(subject);
+  std::string place;
+  try {
+    if (const auto book = part.Workbook()) place = "[" + book->Name() + "]";
+  } catch (const std::exception&) {
+    // The host may be what fails.
+  }
+  const std::string sheet = part.WorkSheetName();
+  if (!place.empty() || !sheet.empty()) place += sheet + "!";
+  return place + part.AddressShort();
+}
+
 }  // namespace
 
 std::uint32_t Parser::options_signature() {
@@ -111,6 +126,7 @@ void Parser::remember(const host::FormulaPattern& pattern, qtoContainsConstant b
 
 void Parser::Parse(ModelPart& part, bool just_read) {
   Procedure proc("Parser", "Parse");
+  const diagnostics::Subject subject(&part, place_of);
   part.put_CheckedForPrecedents(false);
   if (part.IsUnknown()) {
     part.putref_DirectPrecedents(nullptr);

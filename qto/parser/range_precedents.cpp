@@ -1,3 +1,4 @@
+#include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/linked_books.hpp"
@@ -78,6 +79,8 @@ std::vector<Ref<SheetRecord>> Parser::sheets_for_reference(const Ref<host::Workb
   std::vector<Ref<SheetRecord>> records;
   const bool done = proc.step([&] {
     records.clear();
+    // A part whose making failed half way may have a formula and no book.
+    if (!workbook) throw NumberedFailure(91, "the part lies in no workbook");
     const std::size_t colon = sheet.find(':');
     if (colon == std::string_view::npos) {
       records.push_back(record_named(workbook, sheet));

@@ -30,11 +30,11 @@ std::string source(const std::filesystem::path& file) {
   return text.str();
 }
 
-/// Every `Procedure proc("Module", …"member"…)` and QualifiedName constant of a text. A choice
-/// between two members registers both.
+/// Every `Procedure proc("Module", …"member"…)` of a text, where a choice between two members
+/// registers both, and every walk with its own stack, whose frames register one by one.
 void collect(const std::string& text, Names& names) {
-  static const std::regex frame(
-      R"re((?:Procedure|QualifiedName)\s+\w+[({]\s*"(\w+)",([^;]*)[)}];)re");
+  static const std::regex frame(R"re(Procedure\s+\w+\(\s*"(\w+)",([^;]*)\);)re");
+  static const std::regex walk(R"re(Walk \w+\(\*this, "(\w+)",)re");
   static const std::regex literal(R"re("([^"]+)")re");
   for (std::sregex_iterator at(text.begin(), text.end(), frame), end; at != end; ++at) {
     const std::string module = (*at)[1];
@@ -42,6 +42,8 @@ void collect(const std::string& text, Names& names) {
     for (std::sregex_iterator one(members.begin(), members.end(), literal); one != end; ++one)
       names.insert(module + "." + (*one)[1].str());
   }
+  for (std::sregex_iterator at(text.begin(), text.end(), walk), end; at != end; ++at)
+    names.insert("DrillDown." + (*at)[1].str());
 }
 
 TEST(Procedures, AreListedOnce) { EXPECT_EQ(listed().size(), procedures().size()); }

@@ -10,7 +10,7 @@ namespace qto::embedded {
 /// Workbooks.Open failed because of the file: missing, unreadable, encrypted, no workbook, damaged.
 struct OpenError : host::HostFailure {
   explicit OpenError(const OpenFailure& failure)
-      : HostFailure(host::general_failure, failure.what()),
+      : HostFailure(host::general_failure, failure.what(), "Workbooks.Open"),
         kind(failure.kind),
         file(failure.file),
         part(failure.part),

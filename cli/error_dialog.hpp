@@ -1,0 +1,18 @@
+#pragma once
+
+#include "cli/arguments.hpp"
+#include "cli/progress.hpp"
+
+namespace qto::cli {
+
+/// Asks on the terminal what is to be done about each error report, while it lives and if the
+/// arguments want that.
+class AskAboutReports {
+ public:
+  AskAboutReports(const Arguments& arguments, Progress& progress);
+  AskAboutReports(const AskAboutReports&) = delete;
+  AskAboutReports& operator=(const AskAboutReports&) = delete;
+  ~AskAboutReports();
+};
+
+}  // namespace qto::cli

@@ -1,0 +1,50 @@
+#include "cli/tracing.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "cli/complaint.hpp"
+#include "cli/exit_status.hpp"
+#include "qto/automation/error.hpp"
+#include "qto/diagnostics/stream_viewer.hpp"
+#include "qto/diagnostics/trace_outputs.hpp"
+
+namespace qto::cli {
+namespace {
+
+void open_log(const std::string& file) {
+  std::FILE* const opened = std::fopen(file.c_str(), "w");
+  if (!opened)
+    throw Complaint(wrong_usage,
+                    "--trace " + file + ": cannot be written: " + std::strerror(errno));
+  std::fclose(opened);
+  diagnostics::set_trace_log(file, "qto");
+  diagnostics::set_log_output(true);
+}
+
+void open_viewer(const std::string& target) {
+  try {
+    diagnostics::set_trace_viewer(diagnostics::open_stream_viewer(target));
+  } catch (const NumberedFailure& failure) {
+    throw Complaint(wrong_usage, failure.what());
+  }
+  diagnostics::set_viewer_output(true);
+}
+
+}  // namespace
+
+Tracing::Tracing(const Arguments& arguments) {
+  if (!arguments.trace_file.empty()) open_log(arguments.trace_file);
+  if (!arguments.trace_viewer.empty()) open_viewer(arguments.trace_viewer);
+  diagnostics::set_tracing(diagnostics::log_output() || diagnostics::viewer_output());
+}
+
+Tracing::~Tracing() {
+  diagnostics::set_tracing(false);
+  diagnostics::set_log_output(false);
+  diagnostics::set_viewer_output(false);
+  diagnostics::set_trace_viewer(nullptr);
+}
+
+}  // namespace qto::cli
