@@ -26,7 +26,7 @@ class Application : public HostObject {
   /// Null when no workbook is open.
   virtual Ref<Workbook> ActiveWorkbook() = 0;
   virtual Ref<Sheet> ActiveSheet() = 0;
-  /// The selected range or series; null when nothing is.
+  /// The selected range, series or whole embedded chart; null when nothing is.
   virtual Ref<Object> Selection() = 0;
   virtual Ref<Window> ActiveWindow() = 0;
   virtual Ref<Chart> ActiveChart() = 0;

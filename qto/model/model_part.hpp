@@ -36,6 +36,10 @@ class ModelPart : public Object {
 
   /// Raised when the title changes; a handler may assign another title to the second argument.
   Event<const std::string&, std::string&> TitleChanged;
+  /// Raised before hidden rows, columns or sheets are shown: the hidden object (a handler may
+  /// assign another range), its local address, the sheet, and the answers: may it be unhidden
+  /// (False unless a handler says so), and the password of the sheet's protection.
+  Event<Ref<Object>&, const std::string&, Ref<Object>&, bool&, std::string&> AskToUnhide;
   Event<> AfterSetResults;
   Event<const std::string&, const std::string&> FormulaChanged;
   Event<const Variant&, const Variant&> ValueChanged;
@@ -108,6 +112,12 @@ class ModelPart : public Object {
   void ForceResultsRecalc() noexcept;
   /// Reads formula, value and text again and drops what no longer holds.
   void CheckForChanges();
+
+  // Selection
+
+  /// Brings the part into view and selects it: its workbook and sheet become active, a range comes
+  /// to the middle of the window. What AskToUnhide allows is unhidden, and stays so.
+  qtoReasonNotSelect SelectItem();
 
   // Precedents
 
@@ -209,7 +219,6 @@ class ModelPart : public Object {
   void make_unknown(std::string_view unknown_name);
   void place_on_sheet(const Ref<host::Range>& range);
   void check_relative_name();
-  void read_relative_name();
   void check_still_exists();
   bool object_answers() const noexcept;
   bool find_again();
@@ -228,6 +237,11 @@ class ModelPart : public Object {
   bool set_name_results(std::int32_t style);
   bool set_series_results(std::int32_t style);
   Ref<host::Range> range() const;
+
+  qtoReasonNotSelect select_range();
+  qtoReasonNotSelect select_series();
+  bool activate_chart(const Ref<host::Sheet>& sheet);
+  void ask_to_unhide(const Ref<host::Sheet>& sheet, bool& allowed, std::string& password);
 
   Ref<SheetRecord> sheet_;  // set for a part of one cell; its position is pos_
   CellPos pos_;

@@ -1,49 +1,29 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/host/insist.hpp"
 #include "qto/links/main.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
+#include "qto/model/selection_keeper.hpp"
 
 namespace qto {
 namespace {
 
-/// Remembers what is active and selected, and puts it back however the work in between ends.
-class SelectionKeeper {
- public:
-  explicit SelectionKeeper(Ref<host::Application> app)
-      : app_(std::move(app)), selection_(app_->Selection()), sheet_(app_->ActiveSheet()) {
-    switch_settings(false);
-  }
-  SelectionKeeper(const SelectionKeeper&) = delete;
-  SelectionKeeper& operator=(const SelectionKeeper&) = delete;
-  ~SelectionKeeper() {
-    // Unless the sheet is gone: then nothing is left to go back to.
-    host::insist([this] { restore(); });
-    switch_settings(true);
-  }
+bool shows(const host::Sheet& sheet) { return sheet.Visible() == host::xlSheetVisible; }
 
- private:
-  void restore() {
-    if (!sheet_) return;
-    sheet_->Workbook()->Activate();
-    sheet_->Activate();
-    if (const auto range = ref_cast<host::Range>(selection_))
-      range->Select();
-    else if (const auto series = ref_cast<host::Series>(selection_))
-      series->Select();
-  }
-  void switch_settings(bool on) noexcept {
-    // A host without one of these settings works all the same.
-    host::insist([&] { app_->put_ScreenUpdating(on); });
-    host::insist([&] { app_->put_EnableEvents(on); });
-    host::insist([&] { app_->put_DisplayAlerts(on); });
-  }
+/// The first worksheet, or when that is hidden, and so cannot be activated, the first that shows.
+Ref<host::Worksheet> sheet_to_stand_on(const host::Workbook& book) {
+  for (int i = 1; i <= book.WorksheetsCount(); ++i)
+    if (auto sheet = book.Worksheets(i); shows(*sheet)) return sheet;
+  return book.Worksheets(1);
+}
 
-  Ref<host::Application> app_;
-  Ref<Object> selection_;
-  Ref<host::Sheet> sheet_;
-};
+/// On a hidden sheet no cell can be active; the cell at the same place of a sheet that shows sees
+/// what a relative name refers to just as well.
+Ref<host::Range> cell_to_stand_on(const Ref<host::Range>& parent) {
+  const auto sheet = parent->Worksheet();
+  if (shows(*sheet)) return parent;
+  return sheet_to_stand_on(*sheet->Workbook())->Block(parent->block());
+}
 
 }  // namespace
 
@@ -55,30 +35,19 @@ void ModelPart::check_relative_name() {
     const auto& app = Main::shared_application();
     if (!app) return;
     const auto name = ref_cast<host::DefinedName>(rare().underlying);
-    const SelectionKeeper keeper(app);
-    const auto sheet = app->ActiveWorkbook()->Worksheets(1);
-    sheet->Activate();
-    sheet->Range("a1")->Select();
+    SelectionKeeper selection(app);
+    const auto sheet = sheet_to_stand_on(*app->ActiveWorkbook());
+    selection.go_to(sheet->Range("a1"));
     const std::string first = name->RefersTo();
-    sheet->Range("b2")->Select();
+    selection.go_to(sheet->Range("b2"));
     const bool differs = name->RefersTo() != first;
     set(relative_name, differs);
-    if (differs) read_relative_name();
+    if (!differs) return;
+    if (const auto& parent = rare().parent_range) selection.go_to(cell_to_stand_on(parent));
+    formula_.assign(name->RefersTo());
+    rare().formula_local =
+        app->ReferenceStyle() == host::xlA1 ? name->RefersToLocal() : name->RefersToR1C1Local();
   });
-}
-
-void ModelPart::read_relative_name() {
-  const auto& app = Main::shared_application();
-  const auto name = ref_cast<host::DefinedName>(rare().underlying);
-  if (const auto& parent = rare().parent_range) {
-    const auto sheet = parent->Worksheet();
-    sheet->Workbook()->Activate();
-    sheet->Activate();
-    parent->Select();
-  }
-  formula_.assign(name->RefersTo());
-  rare().formula_local =
-      app->ReferenceStyle() == host::xlA1 ? name->RefersToLocal() : name->RefersToR1C1Local();
 }
 
 }  // namespace qto

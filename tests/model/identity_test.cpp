@@ -105,6 +105,90 @@ TEST_F(Identity, RelativeNamesAreKeyedByTheCellThatUsesThem) {
   EXPECT_TRUE(books_.app->ScreenUpdating());
 }
 
+/// The name Next of Plan.xls, that fails in one of its readings.
+class FlakyName final : public host::DefinedName {
+ public:
+  FlakyName(Ref<host::DefinedName> real, int fails_at)
+      : real_(std::move(real)), countdown_(fails_at) {}
+  Ref<host::HostObject> Parent() const override { return real_->Parent(); }
+  bool exists() const noexcept override { return true; }
+  std::string Name() const override { return real_->Name(); }
+  std::string NameLocal() const override { return real_->NameLocal(); }
+  int Index() const override { return real_->Index(); }
+  bool Visible() const override { return true; }
+  std::string RefersTo() const override { return read(&host::DefinedName::RefersTo); }
+  std::string RefersToLocal() const override { return read(&host::DefinedName::RefersToLocal); }
+  std::string RefersToR1C1Local() const override { return real_->RefersToR1C1Local(); }
+  bool failed() const noexcept { return countdown_ <= 0; }
+
+ private:
+  Ref<host::Application> application() const override { return real_->Application(); }
+  std::string read(std::string (host::DefinedName::*member)() const) const {
+    if (--countdown_ == 0) throw host::HostFailure(host::general_failure, "the host is busy");
+    return (real_.get()->*member)();
+  }
+  Ref<host::DefinedName> real_;
+  mutable int countdown_;
+};
+
+TEST_F(Identity, ReadingARelativeNameLeavesNoTraceEvenWhenTheHostFails) {
+  open("A1=1; Other!B2=2; Third!C3=3; name Next=Sheet1!B1");
+  const auto book = books_.opened[0];
+  const auto selected = [&] {
+    std::string out = books_.app->ActiveWorkbook()->Name();
+    out += " " + books_.app->ActiveSheet()->Name();
+    for (const auto& sheet : books_.models[0]->sheets())
+      out += " " + sheet->name + "!" + qto::address_of(sheet->selection);
+    return out;
+  };
+  for (const char* address : {"Other!B2", "Third!C3"}) {
+    books_.range(address)->Worksheet()->Activate();
+    books_.range(address)->Select();
+  }
+  const auto far = books_.add("A1=1", "Far.xls");
+  int failures = 0;
+  for (int n = 1;; ++n) {
+    for (const auto& active : {far, book}) {
+      active->Activate();
+      const std::string before = selected();
+      const Reports reports;
+      const auto name = make_ref<FlakyName>(book->Names("Next"), n);
+      const auto made = make_ref<ModelPart>();
+      made->putref_ParentRange(books_.range("Other!D5"));
+      made->Create(name, "Name");
+      EXPECT_EQ(selected(), before) << n;
+      EXPECT_TRUE(books_.app->ScreenUpdating() && books_.app->EnableEvents() &&
+                  books_.app->DisplayAlerts());
+      EXPECT_EQ(reports.text(), name->failed() ? " !1004" : "");
+      if (name->failed()) {
+        ++failures;
+        continue;
+      }
+      EXPECT_EQ(made->Formula(), "=Sheet1!E5");
+      EXPECT_EQ(selected(), before);
+    }
+    if (failures < 2 * n) break;
+  }
+  EXPECT_EQ(failures, 8);  // two readings, the one from the parent, and the local one
+}
+
+TEST_F(Identity, RelativeNamesAreReadFromHiddenSheetsToo) {
+  open("A1=1; Calc!B2=2; name Next=Sheet1!B1");
+  books_.opened[0]->Sheets("Calc")->put_Visible(host::xlSheetVeryHidden);
+  const Reports reports;
+  auto made = make_ref<ModelPart>();
+  made->putref_ParentRange(books_.range("Calc!D5"));
+  made->Create(books_.opened[0]->Names("Next"), "Name");
+  EXPECT_EQ(made->Formula(), "=Sheet1!E5");
+  books_.opened[0]->Sheets("Calc")->put_Visible(host::xlSheetVisible);
+  books_.opened[0]->Sheets("Sheet1")->put_Visible(host::xlSheetHidden);
+  made = make_ref<ModelPart>();
+  made->putref_ParentRange(books_.range("Calc!D5"));
+  made->Create(books_.opened[0]->Names("Next"), "Name");
+  EXPECT_EQ(made->Formula(), "=Sheet1!E5");
+  EXPECT_EQ(reports.text(), "");
+}
+
 TEST_F(Identity, ARelativeNameWithoutAParentIsReported) {
   open("A1=1; name Next=Sheet1!B1");
   const Reports reports;

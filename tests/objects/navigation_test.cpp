@@ -130,5 +130,80 @@ TEST(View, VisibleRangePassesOverHiddenLines) {
   EXPECT_FAILS(window->put_ScrollColumn(16'385));
 }
 
+TEST(View, TallRowsAndWideColumnsLeaveRoomForFewer) {
+  Desk desk;
+  desk.app.set_window_size(10, 5);
+  embedded::SheetLayout& layout = sheet_of(desk.sheet).layout;
+  const auto pane = desk.app->ActiveWindow()->ActivePane();
+  layout.set_row({2, 100, false});
+  layout.set_columns(2, 3, {20, false});
+  EXPECT_EQ(pane->VisibleRange()->Address(), "$A$1:$C$5");  // the last ones in part
+  layout.set_row({2, 400, false});
+  EXPECT_EQ(pane->VisibleRange()->Address(), "$A$1:$C$2");
+  layout.default_height = 30;
+  desk.app->ActiveWindow()->put_ScrollRow(10);
+  EXPECT_EQ(pane->VisibleRange()->Address(), "$A$10:$C$14");
+}
+
+TEST(View, FrozenPanesStayAndTheRestScrolls) {
+  Desk desk;
+  desk.app.set_window_size(10, 5);
+  embedded::Sheet& sheet = sheet_of(desk.sheet);
+  sheet.frozen = {{1, 1}, 3, 1};
+  sheet.scroll = {4, 2};
+  const auto window = desk.app->ActiveWindow();
+  const auto pane = window->ActivePane();
+  const auto in_view = [&] { return pane->VisibleRange()->Address(false, false); };
+  EXPECT_EQ(in_view(), "A1:A3");  // the pane of A1, which is selected
+  desk.app->Goto(desk.at("J100"), true);
+  EXPECT_EQ(in_view(), "J100:M106");
+  desk.app->Goto(desk.at("J2"), true);
+  EXPECT_EQ(in_view(), "J1:M3");
+  EXPECT_EQ(window->ScrollRow(), 100);
+  desk.app->Goto(desk.at("A50"), true);
+  EXPECT_EQ(in_view(), "A50:A56");
+  window->put_ScrollRow(1);
+  window->put_ScrollColumn(1);
+  EXPECT_EQ(window->ScrollRow(), 4);
+  EXPECT_EQ(window->ScrollColumn(), 2);
+  pane->SmallScroll(5, 5);
+  EXPECT_EQ(window->ScrollRow(), 4);
+  sheet.frozen = {{1, 1}, 200, 0};  // higher than the window: one line scrolls all the same
+  desk.app->Goto(desk.at("B300"), true);
+  EXPECT_EQ(in_view(), "B300:F300");
+}
+
+TEST(View, AMillionRowsAreHiddenAndShownAtOnce) {
+  Desk desk;
+  embedded::SheetLayout& layout = sheet_of(desk.sheet).layout;
+  for (int row = 500'001; row <= 600'000; ++row) layout.set_row({row, 20, false});
+  const auto all = desk.at("C:C")->EntireRow();
+  all->put_Hidden(true);
+  EXPECT_EQ(all->Hidden(), true);
+  EXPECT_EQ(all->EntireColumn()->Hidden(), false);
+  desk.at("2:500001")->put_Hidden(false);
+  EXPECT_EQ(all->Hidden(), std::nullopt);
+  EXPECT_EQ(desk.at("2:500001")->Hidden(), false);
+  EXPECT_EQ(layout.row(500'001).height, 20);
+  EXPECT_EQ(layout.row_height(500'002), 0);
+  all->put_Hidden(false);
+  EXPECT_EQ(layout.row_height(500'002), 20);
+  EXPECT_EQ(layout.row_height(7), 15);
+}
+
+TEST(View, ABookOpensOnTheSheetThatWasInFront) {
+  Desk desk;
+  for (const auto visibility : {SheetVisibility::visible, SheetVisibility::hidden}) {
+    auto book = std::make_unique<Book>();
+    book->name = visibility == SheetVisibility::visible ? "A.xlsx" : "B.xlsx";
+    book->add_sheet("One");
+    book->add_sheet("Two").visibility = visibility;
+    book->active_sheet = 1;
+    desk.app.adopt(std::move(book));
+    EXPECT_EQ(desk.app->ActiveSheet()->Name(),
+              visibility == SheetVisibility::visible ? "Two" : "One");
+  }
+}
+
 }  // namespace
 }  // namespace qto::embedded

@@ -85,6 +85,52 @@ TEST(Workbook, Names) {
   EXPECT_TRUE(book->names.find("None", nullptr));
 }
 
+TEST(Workbook, FrozenPanes) {
+  const struct {
+    const char* pane;
+    const char* first;
+    int rows, columns;
+    const char* scroll;
+  } rows[] = {
+      {"ySplit='2' state='frozen'", "B2", 2, 0, "B4"},
+      {"xSplit='1' ySplit='2' topLeftCell='F40' state='frozen'", "B2", 2, 1, "F40"},
+      {"xSplit='1' topLeftCell='A1' state='frozenSplit'", "B2", 0, 1, "C2"},
+      {"ySplit='9e99' xSplit='-5' state='frozen'", "B2", 1'048'574, 0, "B1048576"},
+      {"xSplit='1200' ySplit='900' topLeftCell='F40' state='split'", "A1", 0, 0, "B2"},
+      {"ySplit='900' topLeftCell='F40' activePane='bottomLeft'", "A1", 0, 0, "B40"},
+      {"ySplit='900' topLeftCell='F40' activePane='topRight'", "A1", 0, 0, "F2"},
+  };
+  for (const auto& row : rows) {
+    const auto book = BookFile()
+                          .sheet("<sheetViews><sheetView topLeftCell='B2'><pane " +
+                                 std::string(row.pane) + "/></sheetView></sheetViews><sheetData/>")
+                          .open();
+    const Sheet& sheet = sheet_of(*book, "Sheet1");
+    EXPECT_EQ(address_of(sheet.frozen.first), row.first) << row.pane;
+    EXPECT_EQ(sheet.frozen.rows, row.rows) << row.pane;
+    EXPECT_EQ(sheet.frozen.columns, row.columns) << row.pane;
+    EXPECT_EQ(address_of(sheet.scroll), row.scroll) << row.pane;
+  }
+}
+
+TEST(Workbook, LinesOfNoSizeAreHidden) {
+  const auto book =
+      BookFile()
+          .sheet(
+              "<sheetFormatPr zeroHeight='1'/><cols><col min='2' max='2' width='0'/>"
+              "<col min='3' max='3' width='9'/></cols><sheetData><row r='2' ht='0'/>"
+              "<row r='3'/></sheetData><sheetProtection sheet='1' formatColumns='0'/>")
+          .open();
+  const Sheet& sheet = sheet_of(*book, "Sheet1");
+  EXPECT_TRUE(sheet.layout.column_hidden(2));
+  EXPECT_FALSE(sheet.layout.column_hidden(3));
+  EXPECT_TRUE(sheet.layout.row_hidden(1));
+  EXPECT_TRUE(sheet.layout.row_hidden(2));
+  EXPECT_FALSE(sheet.layout.row_hidden(3));  // rows that are written show unless they say otherwise
+  EXPECT_TRUE(sheet.protection.format_columns);
+  EXPECT_FALSE(sheet.protection.format_rows);
+}
+
 TEST(Workbook, SheetSettings) {
   const auto book =
       BookFile()
@@ -103,7 +149,7 @@ TEST(Workbook, SheetSettings) {
           .open();
   const Sheet& sheet = sheet_of(*book, "Sheet1");
   EXPECT_EQ(address_of(sheet.selection), "C8:D9");
-  EXPECT_EQ(address_of(sheet.scroll), "A5");
+  EXPECT_EQ(address_of(sheet.scroll), "B5");
   EXPECT_NEAR(sheet.layout.default_width, 8.43, 0.005);
   EXPECT_NEAR(sheet.layout.column_width(2), 8.43, 0.005);
   EXPECT_FALSE(sheet.layout.column_hidden(3));

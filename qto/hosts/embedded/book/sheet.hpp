@@ -25,6 +25,16 @@ struct SheetProtection {
   std::string hash;       ///< base64, or four hex digits for the legacy hash; "" without password
   std::string salt;       ///< base64
   std::uint32_t spins = 0;
+  /// What the protection leaves to everybody.
+  bool format_columns = false;
+  bool format_rows = false;
+};
+
+/// The rows and columns that stay where they are while the rest of a sheet scrolls.
+struct FrozenPanes {
+  CellPos first;  ///< the top left one
+  std::int32_t rows = 0;
+  std::int32_t columns = 0;
 };
 
 /// One sheet of a book. Cells are read and written through the store; whoever edits a cell outside
@@ -67,7 +77,9 @@ class Sheet {
   std::vector<Rect> merges;
   /// The selected block, as the file or a client left it.
   Rect selection;
+  /// The first cell of what scrolls in the window.
   CellPos scroll;
+  FrozenPanes frozen;
 };
 
 }  // namespace qto::embedded

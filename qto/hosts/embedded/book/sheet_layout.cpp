@@ -1,6 +1,7 @@
 #include "qto/hosts/embedded/book/sheet_layout.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace qto::embedded {
 
@@ -12,6 +13,18 @@ ColumnLayout SheetLayout::column(std::int32_t column) const noexcept {
 double SheetLayout::column_width(std::int32_t column) const noexcept {
   const float own = this->column(column).width;
   return own > 0 ? own : default_width;
+}
+
+double SheetLayout::column_pixels(std::int32_t column) const noexcept {
+  constexpr double digit = 7;
+  constexpr double margins = 5;
+  return column_hidden(column) ? 0 : std::round(column_width(column) * digit + margins);
+}
+
+double SheetLayout::row_height(std::int32_t row) const noexcept {
+  const RowLayout layout = this->row(row);
+  if (layout.hidden) return 0;
+  return layout.height > 0 ? layout.height : default_height;
 }
 
 RowLayout SheetLayout::row(std::int32_t row) const noexcept {
@@ -43,12 +56,23 @@ void SheetLayout::hide_columns(std::int32_t first, std::int32_t last, bool hidde
 }
 
 void SheetLayout::hide_rows(std::int32_t first, std::int32_t last, bool hidden) {
-  for (std::int32_t number = first; number <= last; ++number) {
-    RowLayout layout = row(number);
-    if (layout.hidden == hidden) continue;
-    layout.hidden = hidden;
-    set_row(layout);
+  const auto from = std::ranges::lower_bound(rows_, first, {}, &RowLayout::row);
+  const auto to = std::ranges::upper_bound(rows_, last, {}, &RowLayout::row);
+  // Built anew: inserting a million rows one by one into the middle would take for ever.
+  std::vector<RowLayout> rows(rows_.begin(), from);
+  if (hidden == rows_hidden_by_default) {
+    for (auto row = from; row != to; ++row)
+      if (row->height > 0) rows.push_back({row->row, row->height, hidden});
+  } else {
+    auto stored = from;
+    for (std::int32_t number = first; number <= last; ++number) {
+      const bool own = stored != to && stored->row == number;
+      rows.push_back({number, own ? stored->height : 0, hidden});
+      if (own) ++stored;
+    }
   }
+  rows.insert(rows.end(), to, rows_.end());
+  rows_ = std::move(rows);
 }
 
 }  // namespace qto::embedded

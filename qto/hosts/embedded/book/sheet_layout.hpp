@@ -28,6 +28,10 @@ class SheetLayout {
 
   ColumnLayout column(std::int32_t column) const noexcept;
   double column_width(std::int32_t column) const noexcept;
+  /// Width on a screen of 96 dots to the inch in the common font; 0 for a hidden column.
+  double column_pixels(std::int32_t column) const noexcept;
+  /// In points; 0 for a hidden row.
+  double row_height(std::int32_t row) const noexcept;
   RowLayout row(std::int32_t row) const noexcept;
   void set_columns(std::int32_t first, std::int32_t last, ColumnLayout layout);
   void set_row(RowLayout layout);

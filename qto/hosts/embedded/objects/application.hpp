@@ -38,7 +38,8 @@ class Application {
   std::optional<std::string> find_file(std::string_view full_name) const;
   /// Fixes the moment of calculation (serial number, 1900 system) instead of the clock.
   void set_now(double moment);
-  /// Rows and columns that show in a window; at least 1 each.
+  /// Size of every window in rows and columns of ordinary height (15 points) and width (64 pixels);
+  /// at least 1 each. How many lines show depends on theirs.
   void set_window_size(int rows, int columns);
   /// Called now and then while a file is opened, with the fraction done (0..1); null: not called.
   void set_open_progress(void (*progress)(double fraction, void* data), void* data);

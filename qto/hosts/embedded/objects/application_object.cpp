@@ -14,6 +14,7 @@
 #include "qto/hosts/embedded/objects/range_object.hpp"
 #include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/objects/sheet_operations.hpp"
+#include "qto/hosts/embedded/objects/sheet_view.hpp"
 #include "qto/hosts/embedded/objects/window_object.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
 #include "qto/hosts/embedded/objects/workbooks_object.hpp"
@@ -45,7 +46,8 @@ Ref<host::Sheet> ApplicationObject::ActiveSheet() {
 Ref<Object> ApplicationObject::Selection() {
   if (!active_) return nullptr;
   const auto& chart = active_->chart_selection;
-  if (chart.sheet) return chart.series < 0 ? nullptr : selected_series(*active_);
+  if (chart.sheet && chart.series >= 0) return selected_series(*active_);
+  if (chart.sheet) return active_chart(*active_);
   Sheet& sheet = active_->active_sheet();
   if (!sheet.is_worksheet()) return nullptr;
   std::vector<Rect> blocks{sheet.selection};
@@ -73,10 +75,10 @@ void ApplicationObject::Goto(const Ref<host::Range>& reference, bool scroll) {
   activate_sheet(book, sheet);
   range.Select();
   const CellPos first = range.block().first;
-  if (scroll)
-    sheet.scroll = first;
-  else
-    scroll_into_view(*this, sheet, first);
+  if (!scroll) return scroll_into_view(*this, sheet, first);
+  // A frozen cell shows as it is.
+  if (first.row >= first_scrollable(sheet).row) scroll_to_row(sheet, first.row);
+  if (first.column >= first_scrollable(sheet).column) scroll_to_column(sheet, first.column);
 }
 
 Ref<host::Range> ApplicationObject::Intersect(const Ref<host::Range>& a,

@@ -78,7 +78,7 @@ class ApplicationObject final : public host::Application, private OpenBooks {
   Event<const OpenError&> open_failed;
   /// Raised by Workbook.FollowHyperlink; a handler sets the flag when it has taken the address.
   Event<std::string_view, bool&> hyperlink_followed;
-  /// Size of every window in rows and columns that show.
+  /// Size of every window in rows and columns of an ordinary sheet (15 points, 64 pixels).
   int window_rows = 40;
   int window_columns = 20;
 

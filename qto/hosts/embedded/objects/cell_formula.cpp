@@ -44,7 +44,9 @@ RenderContext context_at(const OpenBook& book, const Sheet& sheet, CellPos at) {
 }
 
 RenderContext context_at_active_cell(const OpenBook& book) {
-  return context_at(book, book.active_sheet(), book.active_cell());
+  // Only one book has the active cell; names of the others are seen from its position, too.
+  const OpenBook* active = book.application().active_book();
+  return context_at(book, book.active_sheet(), (active ? *active : book).active_cell());
 }
 
 void append_formula_text(std::string& out, const OpenBook& book, const Sheet& sheet, CellPos pos,

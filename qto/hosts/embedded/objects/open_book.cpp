@@ -18,6 +18,9 @@ SheetSlot::SheetSlot(OpenBook& owner, Sheet& of) : sheet(&of), book(&owner), sta
 OpenBook::OpenBook(ApplicationObject& application, std::unique_ptr<Book> book)
     : application_(application), book_(std::move(book)), formulas_(*book_) {
   if (book_->sheets().empty()) book_->add_sheet("Sheet1");
+  if (book_->active_sheet >= book_->sheets().size()) return;
+  Sheet& front = *book_->sheets()[book_->active_sheet];
+  if (front.visibility == SheetVisibility::visible) active_sheet_ = &front;
 }
 
 OpenBook::~OpenBook() {

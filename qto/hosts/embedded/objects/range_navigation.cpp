@@ -8,8 +8,8 @@ namespace {
 
 /// Calls visit(hidden) for each row, or for each column of whole columns, until it answers false.
 template <class Visit>
-void for_each_line(const SheetLayout& layout, const Rect& block, Visit&& visit) {
-  if (block.whole_columns()) {
+void for_each_line(const SheetLayout& layout, const Rect& block, bool columns, Visit&& visit) {
+  if (columns) {
     for (std::int32_t column = block.first.column; column <= block.last.column; ++column)
       if (!visit(layout.column_hidden(column))) return;
     return;
@@ -40,7 +40,7 @@ std::optional<bool> RangeObject::Hidden() const {
   bool any_hidden = false;
   bool any_shown = false;
   for (const Rect& block : all)
-    for_each_line(layout, block, [&](bool hidden) {
+    for_each_line(layout, block, are_columns(block), [&](bool hidden) {
       (hidden ? any_hidden : any_shown) = true;
       return !(any_hidden && any_shown);
     });
@@ -52,9 +52,13 @@ void RangeObject::put_Hidden(bool hidden) {
   Sheet& sheet = sheet_->sheet();
   const std::vector<Rect> all = blocks();
   need_entire_lines(all);
-  if (sheet.protection.enabled) fail("Sheet " + sheet.name + " is protected");
+  const SheetProtection& protection = sheet.protection;
   for (const Rect& block : all)
-    if (block.whole_columns())
+    if (protection.enabled &&
+        !(are_columns(block) ? protection.format_columns : protection.format_rows))
+      fail("Sheet " + sheet.name + " is protected");
+  for (const Rect& block : all)
+    if (are_columns(block))
       sheet.layout.hide_columns(block.first.column, block.last.column, hidden);
     else
       sheet.layout.hide_rows(block.first.row, block.last.row, hidden);

@@ -10,8 +10,9 @@ namespace qto::embedded {
 RangeObject::RangeObject(Ref<WorksheetObject> sheet, const Rect& block)
     : sheet_(std::move(sheet)), block_(block) {}
 
-RangeObject::RangeObject(Ref<WorksheetObject> sheet, const std::vector<Rect>& blocks)
-    : sheet_(std::move(sheet)), block_(blocks.front()) {
+RangeObject::RangeObject(Ref<WorksheetObject> sheet, const std::vector<Rect>& blocks,
+                         bool entire_rows)
+    : sheet_(std::move(sheet)), block_(blocks.front()), entire_rows_(entire_rows) {
   if (blocks.size() > 1)
     more_ = std::make_unique<const std::vector<Rect>>(blocks.begin() + 1, blocks.end());
 }
@@ -74,7 +75,7 @@ Ref<host::Range> RangeObject::EntireRow() const {
     block.first.column = 1;
     block.last.column = max_columns;
   }
-  return make_ref<RangeObject>(sheet_, rows);
+  return make_ref<RangeObject>(sheet_, rows, true);
 }
 
 Ref<host::Range> RangeObject::EntireColumn() const {

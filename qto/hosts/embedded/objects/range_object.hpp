@@ -13,7 +13,8 @@ class RangeObject final : public host::Range {
  public:
   RangeObject(Ref<WorksheetObject> sheet, const Rect& block);
   /// Of several blocks; at least one.
-  RangeObject(Ref<WorksheetObject> sheet, const std::vector<Rect>& blocks);
+  RangeObject(Ref<WorksheetObject> sheet, const std::vector<Rect>& blocks,
+              bool entire_rows = false);
 
   Ref<host::HostObject> Parent() const override { return Worksheet(); }
   bool exists() const noexcept override { return sheet_->exists(); }
@@ -58,12 +59,17 @@ class RangeObject final : public host::Range {
  private:
   Ref<host::Application> application() const override;
   Ref<host::Range> at(const Rect& block) const;
+  /// Of entire lines: columns rather than rows.
+  bool are_columns(const Rect& block) const noexcept {
+    return block.whole_columns() && !entire_rows_;
+  }
   /// The one cell of the range; throws for a block.
   CellPos the_cell() const;
 
   Ref<WorksheetObject> sheet_;
   Rect block_;
   std::unique_ptr<const std::vector<Rect>> more_;  // further blocks; usually none
+  bool entire_rows_ = false;  // made as entire rows: the whole sheet could be columns as well
 };
 
 /// The range behind an interface pointer; throws for null, another host's range or a dead one.

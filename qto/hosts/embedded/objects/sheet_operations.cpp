@@ -6,22 +6,6 @@
 #include "qto/hosts/embedded/objects/raise.hpp"
 
 namespace qto::embedded {
-namespace {
-
-/// The last of `wanted` lines that show from `first` on.
-template <class IsHidden>
-std::int32_t last_shown(std::int32_t first, std::int32_t end, int wanted, IsHidden&& hidden) {
-  std::int32_t last = first;
-  for (std::int32_t line = first; line <= end && wanted > 0; ++line)
-    if (!hidden(line)) {
-      last = line;
-      --wanted;
-    }
-  return last;
-}
-
-}  // namespace
-
 bool another_is_visible(const Book& book, const Sheet& sheet) {
   return std::any_of(book.sheets().begin(), book.sheets().end(), [&](const auto& other) {
     return other.get() != &sheet && other->visibility == SheetVisibility::visible;
@@ -67,22 +51,6 @@ void select_sheet(OpenBook& book, Sheet& sheet) {
 
 bool is_active(const OpenBook& book, const Sheet& sheet) {
   return book.application().active_book() == &book && &book.active_sheet() == &sheet;
-}
-
-Rect visible_block(const ApplicationObject& application, const Sheet& sheet) {
-  const SheetLayout& layout = sheet.layout;
-  return {sheet.scroll,
-          {last_shown(sheet.scroll.row, max_rows, application.window_rows,
-                      [&](std::int32_t row) { return layout.row_hidden(row); }),
-           last_shown(sheet.scroll.column, max_columns, application.window_columns,
-                      [&](std::int32_t column) { return layout.column_hidden(column); })}};
-}
-
-void scroll_into_view(const ApplicationObject& application, Sheet& sheet, CellPos pos) {
-  const Rect visible = visible_block(application, sheet);
-  if (pos.row < visible.first.row || pos.row > visible.last.row) sheet.scroll.row = pos.row;
-  if (pos.column < visible.first.column || pos.column > visible.last.column)
-    sheet.scroll.column = pos.column;
 }
 
 }  // namespace qto::embedded

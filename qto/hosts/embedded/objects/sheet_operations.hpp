@@ -20,9 +20,5 @@ void activate_sheet(OpenBook& book, Sheet& sheet);
 void select_sheet(OpenBook& book, Sheet& sheet);
 /// Whether the sheet is the one that the user sees.
 bool is_active(const OpenBook& book, const Sheet& sheet);
-/// Scrolls just as far as needed for the cell to show.
-void scroll_into_view(const ApplicationObject& application, Sheet& sheet, CellPos pos);
-/// The rows and columns that show in a window from the sheet's scroll position on.
-Rect visible_block(const ApplicationObject& application, const Sheet& sheet);
 
 }  // namespace qto::embedded

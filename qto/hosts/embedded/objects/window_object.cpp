@@ -4,15 +4,15 @@
 
 #include "qto/host/range.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
-#include "qto/hosts/embedded/objects/sheet_operations.hpp"
+#include "qto/hosts/embedded/objects/sheet_view.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
 
 namespace qto::embedded {
 namespace {
 
-std::int32_t moved(std::int32_t from, std::int32_t back, std::int32_t size) {
-  const std::int64_t line = std::int64_t{from} - back;
-  return static_cast<std::int32_t>(std::clamp<std::int64_t>(line, 1, size));
+std::int32_t moved(std::int32_t from, std::int32_t back) {
+  return static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(std::int64_t{from} - back, 1, max_rows));
 }
 
 }  // namespace
@@ -33,12 +33,12 @@ std::int32_t WindowObject::ScrollColumn() const { return sheet().scroll.column; 
 
 void WindowObject::put_ScrollRow(std::int32_t row) {
   if (row < 1 || row > max_rows) fail("No row " + std::to_string(row));
-  sheet().scroll.row = row;
+  scroll_to_row(sheet(), row);
 }
 
 void WindowObject::put_ScrollColumn(std::int32_t column) {
   if (column < 1 || column > max_columns) fail("No column " + std::to_string(column));
-  sheet().scroll.column = column;
+  scroll_to_column(sheet(), column);
 }
 
 Ref<host::HostObject> PaneObject::Parent() const {
@@ -54,9 +54,9 @@ Ref<host::Range> PaneObject::VisibleRange() const {
 }
 
 void PaneObject::SmallScroll(std::int32_t up, std::int32_t to_left) {
-  CellPos& scroll = workbook_->open().active_sheet().scroll;
-  scroll.row = moved(scroll.row, up, max_rows);
-  scroll.column = moved(scroll.column, to_left, max_columns);
+  Sheet& sheet = workbook_->open().active_sheet();
+  scroll_to_row(sheet, moved(sheet.scroll.row, up));
+  scroll_to_column(sheet, moved(sheet.scroll.column, to_left));
 }
 
 }  // namespace qto::embedded

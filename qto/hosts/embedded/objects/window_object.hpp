@@ -5,7 +5,8 @@
 
 namespace qto::embedded {
 
-/// The window of a book. It shows the active sheet; each sheet keeps its scroll position.
+/// The window of a book. It shows the active sheet; each sheet keeps its scroll position. Frozen
+/// rows and columns do not scroll and are not counted by it.
 class WindowObject final : public host::Window {
  public:
   explicit WindowObject(Ref<WorkbookObject> workbook) : workbook_(std::move(workbook)) {}
@@ -25,7 +26,7 @@ class WindowObject final : public host::Window {
   Ref<WorkbookObject> workbook_;
 };
 
-/// The one pane of a window.
+/// The active pane of a window: the one that the active cell lies in.
 class PaneObject final : public host::Pane {
  public:
   explicit PaneObject(Ref<WorkbookObject> workbook) : workbook_(std::move(workbook)) {}
@@ -33,7 +34,8 @@ class PaneObject final : public host::Pane {
   Ref<host::HostObject> Parent() const override;
   bool exists() const noexcept override { return workbook_->exists(); }
   Ref<host::Range> VisibleRange() const override;
-  /// Scrolls up and to the left; negative numbers scroll the other way. Stops at the grid's edges.
+  /// Scrolls up and to the left; negative numbers scroll the other way. Stops at the grid's edges
+  /// and at frozen lines.
   void SmallScroll(std::int32_t up, std::int32_t to_left) override;
 
  private:

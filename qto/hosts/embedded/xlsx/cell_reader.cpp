@@ -62,9 +62,12 @@ void CellReader::start_row(const Attributes& attributes) {
   row_ = number >= 1 && number <= max_rows ? static_cast<std::int32_t>(number) : 0;
   if (row_ == 0) return;
   latest_row_ = row_;
-  RowLayout layout{row_, static_cast<float>(attributes.number_or("ht", 0)),
-                   attributes.flag("hidden")};
-  if (layout.hidden || layout.height > 0) rows_.push_back(layout);
+  // A height of 0 is how some applications write a hidden row.
+  const auto height = static_cast<float>(attributes.number_or("ht", -1));
+  RowLayout layout{row_, std::clamp(height, 0.0F, 409.5F),
+                   attributes.flag("hidden") || height == 0};
+  if (layout.hidden || layout.height > 0 || sheet_.layout.rows_hidden_by_default)
+    rows_.push_back(layout);
 }
 
 CellReader::Content CellReader::content_of(std::string_view type) noexcept {

@@ -50,8 +50,9 @@ void SheetSettings::start_column(const Attributes& attributes) {
   const std::int64_t max = std::min<std::int64_t>(attributes.whole_or("max", min), max_columns);
   if (min < 1 || min > max) return;
   ColumnLayout layout;
-  layout.width = static_cast<float>(characters_of(attributes.number_or("width", 0)));
-  layout.hidden = attributes.flag("hidden");
+  const double width = attributes.number_or("width", -1);
+  layout.width = static_cast<float>(characters_of(width));
+  layout.hidden = attributes.flag("hidden") || width == 0;
   // Records must not overlap. Where they do the first one counts, so that any number of them
   // costs no more than the columns there are.
   auto column = static_cast<std::int32_t>(min);
@@ -72,7 +73,26 @@ void SheetSettings::start_view(const Attributes& attributes) {
 void SheetSettings::start_pane(const Attributes& attributes) {
   if (views_ != 1) return;
   if (const char* active = attributes.find("activePane")) active_pane_ = active;
-  if (const auto cell = parse_cell(attributes.text("topLeftCell"))) sheet_.scroll = cell->pos;
+  const auto corner = parse_cell(attributes.text("topLeftCell"));
+  const std::string_view state = attributes.text("state");
+  if (state == "frozen" || state == "frozenSplit") return freeze(attributes, corner);
+  // A window that is merely split shows what its active pane shows.
+  if (corner && active_pane_.starts_with("bottom")) sheet_.scroll.row = corner->pos.row;
+  if (corner && active_pane_.ends_with("Right")) sheet_.scroll.column = corner->pos.column;
+}
+
+void SheetSettings::freeze(const Attributes& attributes, const std::optional<WrittenCell>& corner) {
+  const auto count = [&](const char* split, std::int32_t first, std::int32_t end) {
+    const double lines = attributes.number_or(split, 0);
+    return lines >= 1 ? static_cast<std::int32_t>(std::min<double>(lines, end - first)) : 0;
+  };
+  const CellPos first = sheet_.scroll;
+  sheet_.frozen = {first, count("ySplit", first.row, max_rows),
+                   count("xSplit", first.column, max_columns)};
+  sheet_.scroll = {first.row + sheet_.frozen.rows, first.column + sheet_.frozen.columns};
+  if (!corner) return;
+  sheet_.scroll.row = std::max(sheet_.scroll.row, corner->pos.row);
+  sheet_.scroll.column = std::max(sheet_.scroll.column, corner->pos.column);
 }
 
 void SheetSettings::start_selection(const Attributes& attributes) {
@@ -95,6 +115,9 @@ void SheetSettings::start_protection(const Attributes& attributes) {
   SheetProtection& protection = sheet_.protection;
   // Chart sheets protect their content instead of cells.
   protection.enabled = attributes.flag(sheet_.kind == SheetKind::chart ? "content" : "sheet");
+  // These name what is not allowed.
+  protection.format_columns = !attributes.flag("formatColumns", true);
+  protection.format_rows = !attributes.flag("formatRows", true);
   protection.algorithm = attributes.text("algorithmName");
   protection.hash = attributes.text(protection.algorithm.empty() ? "password" : "hashValue");
   protection.salt = attributes.text("saltValue");

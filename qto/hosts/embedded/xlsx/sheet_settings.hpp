@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bitset>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,7 @@ class SheetSettings {
   void start_column(const Attributes& attributes);
   void start_view(const Attributes& attributes);
   void start_pane(const Attributes& attributes);
+  void freeze(const Attributes& attributes, const std::optional<WrittenCell>& corner);
   void start_selection(const Attributes& attributes);
   void start_protection(const Attributes& attributes);
 
