@@ -7,6 +7,19 @@
 namespace qto::cli {
 namespace {
 
+void write_list(JsonWriter& json, std::string_view name, const Ref<ModelParts>& parts,
+                Progress& progress) {
+  json.key(name);
+  json.begin_array();
+  parts->for_each([&](ModelPart& part) {
+    write_part(json, part);
+    progress.count_one();
+  });
+  json.end_array();
+}
+
+}  // namespace
+
 void write_reports(JsonWriter& json, const Reports& reports) {
   json.key("reports");
   json.begin_array();
@@ -23,19 +36,6 @@ void write_reports(JsonWriter& json, const Reports& reports) {
   }
   json.end_array();
 }
-
-void write_list(JsonWriter& json, std::string_view name, const Ref<ModelParts>& parts,
-                Progress& progress) {
-  json.key(name);
-  json.begin_array();
-  parts->for_each([&](ModelPart& part) {
-    write_part(json, part);
-    progress.count_one();
-  });
-  json.end_array();
-}
-
-}  // namespace
 
 void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& failures,
                  const Reports& reports, Progress& progress) {

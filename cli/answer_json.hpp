@@ -4,11 +4,15 @@
 
 #include "cli/arguments.hpp"
 #include "cli/drill.hpp"
+#include "cli/json_writer.hpp"
 #include "cli/link_states.hpp"
 #include "cli/progress.hpp"
 #include "cli/reports.hpp"
 
 namespace qto::cli {
+
+/// The member "reports" of every answer.
+void write_reports(JsonWriter& json, const Reports& reports);
 
 /// Each prints one JSON object on standard output.
 void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& failures,

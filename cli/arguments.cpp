@@ -273,10 +273,17 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
                     special);
   add_drill_options(add(Operation::errors, "The cells where the error in START originates"),
                     arguments, special);
-  add(Operation::part, "One item: addresses, title, formula, value, text")
+  add(Operation::part,
+      "One item: addresses, title, formula, value, text; without one, what there is")
       .add_option("ITEM", arguments.item, "a cell, a range, a defined name or a chart's series")
+      ->option_text(" ");
+  CLI::App& show = add(Operation::show, "A picture of the cells around ITEM, or of its chart");
+  show.add_option("ITEM", arguments.item, "a cell, a range, a name of cells or a chart's series")
       ->required()
       ->option_text(" ");
+  show.add_flag("--unhide", arguments.unhide,
+                "shows hidden rows, columns and sheets; --password lifts a sheet's protection");
+  show.add_flag("--full", arguments.full, "the formula uncut");
   CLI::App& links =
       add(Operation::links, "The books that BOOK, or every book of a folder, links to");
   add_link_options(links, arguments, "whether they are opened to see if they can be (always)");
@@ -294,7 +301,7 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
 }
 
 const char* name_of(Operation operation) noexcept {
-  static constexpr const char* names[] = {"tree", "inputs", "errors", "part", "links"};
+  static constexpr const char* names[] = {"tree", "inputs", "errors", "part", "links", "show"};
   return names[static_cast<int>(operation)];
 }
 

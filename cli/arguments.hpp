@@ -10,7 +10,7 @@
 
 namespace qto::cli {
 
-enum class Operation { tree, inputs, errors, part, links };
+enum class Operation { tree, inputs, errors, part, links, show };
 enum class OpenPolicy { ask, always, never };
 enum class ReportPolicy { ask, list };
 
@@ -24,7 +24,7 @@ struct Password {
 struct Arguments {
   Operation operation = Operation::tree;
   std::string book;
-  std::string item;
+  std::string item;  ///< "" for the contents of the book
   Ref<DrillOptions> drill = make_ref<DrillOptions>();
   bool ignore_zero_one = false;
   std::int32_t depth = 0;      ///< 0: no bound
@@ -37,6 +37,7 @@ struct Arguments {
   std::string trace_viewer;  ///< "": none; a socket or "fd:N"
   bool json = false;
   bool full = false;
+  bool unhide = false;
 };
 
 /// Reads the command line. A status means that the process ends with it: a text that was asked for

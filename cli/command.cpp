@@ -10,6 +10,7 @@
 #include "cli/answer_json.hpp"
 #include "cli/answer_text.hpp"
 #include "cli/complaint.hpp"
+#include "cli/contents.hpp"
 #include "cli/drill.hpp"
 #include "cli/error_dialog.hpp"
 #include "cli/folder_links.hpp"
@@ -20,6 +21,7 @@
 #include "cli/progress.hpp"
 #include "cli/refusal.hpp"
 #include "cli/reports.hpp"
+#include "cli/show.hpp"
 #include "cli/tracing.hpp"
 #include "qto/automation/error.hpp"
 #include "qto/links/main.hpp"
@@ -40,7 +42,9 @@ class Run {
         return folder_links();
       open();
       if (arguments_.operation == Operation::links) return links();
-      if (arguments_.operation == Operation::part) return part();
+      if (arguments_.operation == Operation::part)
+        return arguments_.item.empty() ? contents() : part();
+      if (arguments_.operation == Operation::show) return show();
       return drill();
     } catch (const ItemError& error) {
       throw Complaint(wrong_usage, error.what());
@@ -73,13 +77,31 @@ class Run {
   }
 
   ExitStatus part() {
-    const Item item = find_item(book_, arguments_.item);
+    Item item = find_item(book_, arguments_.item);
+    if (is_pivot_cell(item)) item.type = "Pivot Table";
     const auto part = make_ref<ModelPart>();
     if (item.seen_from) part->putref_ParentRange(item.seen_from);
     part->Create(item.object, item.type);
     if (!part->CheckedForPrecedents()) parse_only(part);
     progress_.hide();
     arguments_.json ? write_item(part, reports_) : print_item(part);
+    return finish(false);
+  }
+
+  ExitStatus contents() {
+    const Contents contents = contents_of(book_);
+    progress_.hide();
+    arguments_.json ? write_contents(contents, reports_) : print_contents(contents);
+    return finish(false);
+  }
+
+  ExitStatus show() {
+    const Item item = find_shown(book_, arguments_.item);
+    const PictureSize size = picture_size();
+    // A letter of the terminal is about as wide as a digit of a spreadsheet: 9 of them a column.
+    application_.set_window_size(size.rows, static_cast<int>(size.width / 9));
+    progress_.hide();
+    show_item(arguments_, item, size, reports_);
     return finish(false);
   }
 

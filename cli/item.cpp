@@ -4,10 +4,12 @@
 
 #include <vector>
 
+#include "cli/contents.hpp"
 #include "cli/item_text.hpp"
 #include "cli/nearest.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/host/host.hpp"
+#include "qto/links/main.hpp"
 
 namespace qto::cli {
 namespace {
@@ -31,11 +33,10 @@ Ref<host::Worksheet> first_worksheet(const host::Workbook& book) {
 }
 
 Item series_of(const host::Chart& chart, const std::string& place, const std::string& name) {
-  std::vector<std::string> names;
-  for (const auto& series : chart.SeriesCollection()) {
-    names.push_back(series->Name());
-    if (text::equal_fold(names.back(), name)) return {series, "Series", nullptr};
-  }
+  const auto all = chart.SeriesCollection();
+  const auto names = series_items(all);
+  for (std::size_t i = 0; i < all.size(); ++i)
+    if (text::equal_fold(names[i], name)) return {all[i], "Series", nullptr};
   throw ItemError(place + " has no series '" + name + "'" + suggestion(name, names, "series are"));
 }
 
@@ -127,8 +128,13 @@ Ref<host::Range> cells_of_name(const host::DefinedName& name, const host::Range&
 }
 
 /// What a relative name refers to depends on the active cell.
-bool is_relative(const host::DefinedName& name, const host::Range& seen_from) {
-  const auto sheet = seen_from.Worksheet();
+bool is_relative(const host::Workbook& book, const host::DefinedName& name) {
+  int position = 1;  // of a worksheet that shows: no cell of a hidden one can be active
+  while (position < book.WorksheetsCount() &&
+         book.Worksheets(position)->Visible() != host::xlSheetVisible)
+    ++position;
+  const auto sheet = book.Worksheets(position);
+  if (sheet->Visible() != host::xlSheetVisible) return false;
   sheet->Activate();
   sheet->Cells(1, 1)->Select();
   const std::string first = name.RefersTo();
@@ -155,6 +161,26 @@ Item find_item(const Ref<host::Workbook>& book, std::string_view text) {
                   suggestion(item.sheet, sheet_names(*book), "sheets are"));
 }
 
+Item find_shown(const Ref<host::Workbook>& book, std::string_view text) {
+  const Item item = find_item(book, text);
+  if (item.type != "Name") return item;
+  const auto name = ref_cast<host::DefinedName>(item.object);
+  const std::string what = name->Name() + " stands for " + name->RefersTo().substr(1);
+  if (is_relative(*book, *name))
+    throw ItemError(name->Name() +
+                    " is a relative name: which cells it means depends on the cell " +
+                    "that uses it. Show one of these");
+  const auto cells = cells_of_name(*name, *item.seen_from);
+  if (!cells) throw ItemError(what + ", which is no cell that could be shown");
+  return {cells, "Range", nullptr};
+}
+
+bool is_pivot_cell(const Item& item) {
+  const auto cell = ref_cast<host::Range>(item.object);
+  return item.type == "Range" && cell->CellsCount() == 1 && !cell->HasFormula() &&
+         !Main::inpivottable(cell).empty();
+}
+
 Ref<Object> find_start(const Ref<host::Workbook>& book, std::string_view text) {
   const Item item = find_item(book, text);
   if (item.type == "Range") {
@@ -168,7 +194,7 @@ Ref<Object> find_start(const Ref<host::Workbook>& book, std::string_view text) {
   const auto cells = cells_of_name(*name, *item.seen_from);
   const std::string what = name->Name() + " stands for " + name->RefersTo().substr(1);
   if (!cells) throw ItemError(what + ", which is no cell; START is one cell");
-  if (is_relative(*name, *item.seen_from))
+  if (is_relative(*book, *name))
     throw ItemError(name->Name() + " is a relative name: which cell it means depends on the cell " +
                     "that uses it. Start from a cell that does");
   if (cells->CellsCount() != 1)

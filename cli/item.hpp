@@ -29,6 +29,12 @@ struct Item {
 /// Throws ItemError.
 Item find_item(const Ref<host::Workbook>& book, std::string_view text);
 
+/// The item to look at: as find_item, but for a name the cells that it refers to. Throws ItemError.
+Item find_shown(const Ref<host::Workbook>& book, std::string_view text);
+
+/// A cell that a pivot table fills.
+bool is_pivot_cell(const Item& item);
+
 /// The cell to start from: as find_item, but a name must refer to one fixed cell, which is the
 /// start. Throws ItemError.
 Ref<Object> find_start(const Ref<host::Workbook>& book, std::string_view text);

@@ -28,6 +28,7 @@ std::string cut(std::string text, std::size_t limit, bool full) {
 std::string formula_of(ModelPart& shown) {
   if (shown.FormulaHidden()) return "(formula hidden)";
   const std::string formula = shown.Formula();
+  if (shown.ObjectType() == "Pivot Table") return "pivot table of " + formula;
   if (!formula.starts_with('=')) return "";
   // As its author sees it: table references and the like are not yet spelled out.
   const std::string local = shown.FormulaLocal();

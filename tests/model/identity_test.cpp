@@ -2,6 +2,7 @@
 
 #include "qto/hosts/embedded/objects/sheet_edits.hpp"
 #include "qto/links/main.hpp"
+#include "qto/model/series_formula.hpp"
 #include "tests/support/text_book.hpp"
 
 namespace qto::test {
@@ -288,6 +289,46 @@ TEST_F(Identity, SeriesReadTheirValuesReference) {
   drill->FindInputs();
   EXPECT_EQ(drill->InputCells()->Count(), 3);
   EXPECT_EQ(drill->StartModelPart()->Workbook(), books_.opened[0]);
+}
+
+TEST_F(Identity, SeriesArgumentsAreToldApart) {
+  const struct {
+    const char* formula;
+    const char* values;
+  } rows[] = {
+      {"=SERIES(Sheet1!$A$2,Sheet1!$B$1:$D$1,Sheet1!$B$2:$D$2,1)", "Sheet1!$B$2:$D$2"},
+      {"=SERIES(,,Sheet1!$B$2,1,Sheet1!$B$3)", "Sheet1!$B$2"},
+      {"=SERIES(,,(Sheet1!$B$2,Sheet1!$D$2:$D$4),1)", "(Sheet1!$B$2,Sheet1!$D$2:$D$4)"},
+      {"=SERIES(\"a, \"\"b\"\" (c\",{\"x,y\",\"z\"},{1,2},1)", "{1,2}"},
+      {"=SERIES(,,'It''s, (so)'!$A$1,1)", "'It''s, (so)'!$A$1"},
+      {"=SERIES(,,,1)", ""},
+  };
+  for (const auto& row : rows) {
+    const auto arguments = series_arguments(row.formula);
+    ASSERT_GE(arguments.size(), 4u) << row.formula;
+    EXPECT_EQ(arguments[2], row.values);
+  }
+  for (const char* broken :
+       {"", "=SERIES", "=SERIES(a,b", "=SERIES('a,b,c,1)", "=SERIES({a,b,c,1)"})
+    EXPECT_TRUE(series_arguments(broken).empty()) << broken;
+}
+
+TEST_F(Identity, SeriesOfSeveralRangesRestOnAllOfThem) {
+  open("B2=1; D2=2; D3=3; D4=4; Sheet5!A1=7");
+  auto& charts = books_.models[0]->sheets()[0]->charts;
+  charts.push_back({"Chart 1", {}});
+  const auto inputs_of = [&](const char* values) {
+    charts[0].series = {{"\"a, b\"", "a, b", "", values, 1, 51}};
+    const Reports reports;
+    const auto drill = make_ref<DrillDown>();
+    drill->putref_StartUnderlyingObject(embedded_series(0));
+    drill->FindInputs();
+    return drill->StartModelPart()->Formula() + " " + listed(drill->InputCells()) + reports.text();
+  };
+  EXPECT_EQ(inputs_of("(Sheet1!$B$2,Sheet1!$D$2:$D$4)"),
+            "=(Sheet1!$B$2,Sheet1!$D$2:$D$4) [Plan.xls]B2 [Plan.xls]D2 [Plan.xls]D3 [Plan.xls]D4");
+  EXPECT_EQ(inputs_of("Sheet5!$A$1"), "=Sheet5!$A$1 [Plan.xls]Sheet5!A1");
+  EXPECT_EQ(inputs_of("{1,2}"), "={1,2} [Plan.xls]a, b");
 }
 
 TEST_F(Identity, PivotTablesTellTheirSource) {

@@ -37,6 +37,26 @@ TEST(Charts, SeriesFormulas) {
   EXPECT_EQ(desk.sheet->ChartObjects().size(), 1u);
 }
 
+TEST(Charts, NamesAreWhatTheCellsShow) {
+  const ChartDesk desk;
+  const auto name = [&] {
+    return desk.sheet->ChartObjects("Chart 1")->Chart()->SeriesCollection()[0]->Name();
+  };
+  EXPECT_EQ(name(), "Sales");  // as the file remembers, for the cell is empty
+  desk.put("A2", "Turnover");
+  EXPECT_EQ(name(), "Turnover");
+  desk.put("A2", "=2020+5");
+  EXPECT_EQ(name(), "2025");
+  auto& formula = sheet_of(desk.sheet).charts[0].series[0].name_formula;
+  desk.put("A3", "actual");
+  formula = "Sheet1!$A$2:$A$4";
+  EXPECT_EQ(name(), "2025 actual");
+  for (const char* lost : {"#REF!", "Sheet1!$A:$A", "Gone!$A$1", "1+"}) {
+    formula = lost;
+    EXPECT_EQ(name(), "Sales") << lost;
+  }
+}
+
 TEST(Charts, ChartSheetsAreSheetsAndNoWorksheets) {
   const ChartDesk desk;
   EXPECT_EQ(desk.book->SheetsCount(), 2);

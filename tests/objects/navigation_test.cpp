@@ -1,3 +1,4 @@
+#include "qto/hosts/embedded/objects/visible_panes.hpp"
 #include "tests/objects/desk.hpp"
 
 namespace qto::embedded {
@@ -168,6 +169,9 @@ TEST(View, FrozenPanesStayAndTheRestScrolls) {
   EXPECT_EQ(window->ScrollColumn(), 2);
   pane->SmallScroll(5, 5);
   EXPECT_EQ(window->ScrollRow(), 4);
+  std::string all;
+  for (const Rect& block : visible_panes(desk.app)) all += qto::address_of(block) + " ";
+  EXPECT_EQ(all, "A1:A3 B1:E3 A4:A10 B4:E10 ");
   sheet.frozen = {{1, 1}, 200, 0};  // higher than the window: one line scrolls all the same
   desk.app->Goto(desk.at("B300"), true);
   EXPECT_EQ(in_view(), "B300:F300");

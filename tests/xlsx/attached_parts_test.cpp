@@ -117,7 +117,7 @@ TEST(Pivots, RangeHoldsPageFieldsAndSourceIsInR1C1) {
         {"ref='A4:C6' rowPageCount='2' colPageCount='1'", "ref='A1' sheet='My data'", "A1:C6",
          "'My data'!R1C1"},
         {"ref='C9' rowPageCount='1' colPageCount='2'", "name='Sales'", "C7:G9", "Sales"},
-        {"ref='A1' rowPageCount='5' colPageCount='99999999'", "", "A1:XFB1", ""},
+        {"ref='A1' rowPageCount='5' colPageCount='99999999'", "", "A1:XFB1", "unknown source"},
         {"ref='A1:B2'", "ref='A1:B2' sheet='S' r:id='f'", "A1:B2",
          "'D:\\[Far.xlsx]S'!R1C1:R2C2"}}) {
     BookFile file;
@@ -135,6 +135,37 @@ TEST(Pivots, RangeHoldsPageFieldsAndSourceIsInR1C1) {
     EXPECT_EQ(sheet.pivots[0].name, "Pivot");
     EXPECT_EQ(address_of(sheet.pivots[0].table_range), c.range);
     EXPECT_EQ(sheet.pivots[0].source, c.text);
+  }
+}
+
+TEST(Pivots, ExternalAndConsolidatedSources) {
+  const struct {
+    const char* cache;
+    const char* text;
+  } rows[] = {
+      {"<cacheSource type='external' connectionId='2'/>", "Sales_x: SELECT * FROM sales"},
+      {"<cacheSource type='external' connectionId='3'/>", "Model"},
+      {"<cacheSource type='external' connectionId='9'/>", "external"},
+      {"<cacheSource type='external'/>", "external"},
+      {"<cacheSource type='scenario'/>", "scenario"},
+      {"<cacheSource type='worksheet'/>", "unknown source"},
+      {"<cacheSource type='consolidation'><consolidation><rangeSets count='2'>"
+       "<rangeSet ref='A1:B2' sheet='One'/><rangeSet name='Two'/></rangeSets></consolidation>"
+       "</cacheSource>",
+       "One!R1C1:R2C2, Two"},
+  };
+  for (const auto& row : rows) {
+    BookFile file;
+    file.links("xl/sheet1.xml", {{"p", "pivotTable", "pivot1.xml"}})
+        .part("xl/pivot1.xml", root("pivotTableDefinition name='P'", "<location ref='A3:B6'/>"))
+        .links("xl/pivot1.xml", {{"c", "pivotCacheDefinition", "cache1.xml"}})
+        .part("xl/cache1.xml", root("pivotCacheDefinition", row.cache))
+        .part(
+            "xl/connections.xml",
+            root("connections",
+                 "<connection id='2' name='Sales_x'><dbPr connection='secret' "
+                 "command='SELECT * FROM sales'/></connection><connection id='3' name='Model'/>"));
+    EXPECT_EQ(sheet_of(*file.open(), "Sheet1").pivots.at(0).source, row.text) << row.cache;
   }
 }
 
@@ -215,6 +246,85 @@ TEST(Charts, ChartSheetsHoldTheirChartWithoutAName) {
   ASSERT_EQ(sheet.charts.size(), 1u);
   EXPECT_EQ(sheet.charts[0].name, "");
   EXPECT_EQ(sheet.charts[0].series.at(0).chart_type, 86);
+}
+
+TEST(Charts, EveryKindIsReadFromItsElements) {
+  const std::string ser = "<c:ser><c:order val='0'/></c:ser>";
+  const std::string smooth = "<c:ser><c:order val='0'/><c:smooth val='1'/></c:ser>";
+  const std::string plain =
+      "<c:ser><c:order val='0'/><c:marker><c:symbol val='none'/></c:marker></c:ser>";
+  const std::string apart = "<c:ser><c:order val='0'/><c:explosion val='25'/></c:ser>";
+  const auto grouping = [](const std::string& kind) { return "<c:grouping val='" + kind + "'/>"; };
+  const std::string stacked = grouping("stacked");
+  const std::string percent = grouping("percentStacked");
+  const std::string standard = grouping("standard");
+  const std::string bars = "<c:barDir val='bar'/>";
+  const struct {
+    std::string element, content;
+    int type;
+  } rows[] = {
+      {"areaChart", standard + ser, 1},
+      {"areaChart", percent + ser, 77},
+      {"area3DChart", standard + ser, -4098},
+      {"area3DChart", stacked + ser, 78},
+      {"barChart", "<c:barDir val='col'/>" + grouping("clustered") + ser, 51},
+      {"barChart", "<c:barDir val='col'/>" + stacked + ser, 52},
+      {"barChart", bars + grouping("clustered") + ser, 57},
+      {"barChart", bars + percent + ser, 59},
+      {"bar3DChart", bars + stacked + ser + "<c:shape val='box'/>", 61},
+      {"bar3DChart", standard + ser, -4100},
+      {"bar3DChart", grouping("clustered") + ser + "<c:shape val='cylinder'/>", 92},
+      {"bar3DChart", grouping("clustered") + ser + "<c:shape val='pyramid'/>", 106},
+      {"bubbleChart", ser, 15},
+      {"bubbleChart", "<c:ser><c:order val='0'/><c:bubble3D val='1'/></c:ser>", 87},
+      {"doughnutChart", ser, -4120},
+      {"doughnutChart", apart, 80},
+      {"lineChart", standard + ser + "<c:marker val='1'/>", 65},
+      {"lineChart", standard + plain + "<c:marker val='1'/>", 4},
+      {"lineChart", stacked + ser, 63},
+      {"line3DChart", standard + ser, -4101},
+      {"ofPieChart", "<c:ofPieType val='pie'/>" + ser, 68},
+      {"ofPieChart", "<c:ofPieType val='bar'/>" + ser, 71},
+      {"pieChart", ser, 5},
+      {"pieChart", apart, 69},
+      {"pie3DChart", ser, -4102},
+      {"radarChart", "<c:radarStyle val='standard'/>" + ser, -4151},
+      {"radarChart", "<c:radarStyle val='marker'/>" + ser, 81},
+      {"radarChart", "<c:radarStyle val='filled'/>" + ser, 82},
+      {"scatterChart", "<c:scatterStyle val='lineMarker'/>" + ser, 74},
+      {"scatterChart", "<c:scatterStyle val='lineMarker'/>" + plain, 75},
+      {"scatterChart", "<c:scatterStyle val='smoothMarker'/>" + smooth, 72},
+      {"stockChart", ser + ser + ser, 88},
+      {"stockChart", ser + ser + ser + ser, 89},
+      {"surface3DChart", ser, 83},
+      {"surface3DChart", "<c:wireframe val='1'/>" + ser, 84},
+      {"surfaceChart", "<c:wireframe val='0'/>" + ser, 85},
+      {"surfaceChart", "<c:wireframe val='1'/>" + ser, 86},
+  };
+  for (const auto& row : rows) {
+    const auto book =
+        charted("<c:" + row.element + ">" + row.content + "</c:" + row.element + ">").open();
+    const auto& series = sheet_of(*book, "Sheet1").charts.at(0).series;
+    ASSERT_FALSE(series.empty());
+    EXPECT_EQ(series[0].chart_type, row.type) << row.element << row.content;
+  }
+}
+
+TEST(Charts, GroupsOnSeveralAxesComeOneAfterTheOther) {
+  const auto group = [](const char* element, int order, const char* values, const char* axis) {
+    return "<c:" + std::string(element) + "><c:ser><c:order val='" + std::to_string(order) +
+           "'/><c:val><c:numRef><c:f>" + values + "</c:f></c:numRef></c:val></c:ser><c:axId val='" +
+           axis + "'/></c:" + element + ">";
+  };
+  const auto book =
+      charted(group("barChart", 2, "S!$A$1", "1") + group("lineChart", 0, "S!$B$1", "1") +
+              group("lineChart", 1, "S!$C$1", "2") + "<c:valAx/><c:valAx/>")
+          .open();
+  std::string read;
+  for (const ChartSeries& series : sheet_of(*book, "Sheet1").charts.at(0).series)
+    read += series.values_formula + " " + std::to_string(series.order) + " " +
+            std::to_string(series.chart_type) + ";";
+  EXPECT_EQ(read, "S!$A$1 3 51;S!$B$1 1 4;S!$C$1 2 4;");
 }
 
 TEST(Charts, TypesByGroupAndSeries) {

@@ -1,7 +1,9 @@
 #include "qto/hosts/embedded/objects/series_object.hpp"
 
+#include "qto/host/range.hpp"
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
 #include "qto/hosts/embedded/objects/chart_selection.hpp"
+#include "qto/hosts/embedded/objects/evaluation.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -28,13 +30,40 @@ std::string series_formula(const ChartPlace& chart, const ChartSeries& series,
   return out.append(std::to_string(series.order)).append(")");
 }
 
+/// What the cells show that the name is taken from; "" where they cannot tell.
+std::string name_in_cells(const ChartPlace& chart, const std::string& stored) {
+  constexpr std::int64_t most_cells = 1'000;
+  OpenBook& book = chart.open();
+  std::string reference;
+  append_argument(reference, stored, context_at(book, chart.sheet(), {}),
+                  &CompiledFormula::append_formula);
+  const Variant result =
+      book.application().text_evaluator().evaluate(book, chart.sheet(), {}, reference);
+  const auto range = ref_cast<host::Range>(result.object());
+  if (!range || range->CellsCount() > most_cells) return "";
+  std::string name;
+  for (std::int32_t row = 1; row <= range->RowsCount(); ++row)
+    for (std::int32_t column = 1; column <= range->ColumnsCount(); ++column) {
+      const std::string text = range->Cells(row, column)->Text();
+      if (text.starts_with("##")) return "";
+      if (!text.empty()) name += (name.empty() ? "" : " ") + text;
+    }
+  return name;
+}
+
 }  // namespace
 
 const ChartSeries& SeriesObject::model() const { return chart_.model()->series[position_]; }
 
 Ref<host::HostObject> SeriesObject::Parent() const { return chart_at(chart_); }
 
-std::string SeriesObject::Name() const { return model().name; }
+std::string SeriesObject::Name() const {
+  const ChartSeries& series = model();
+  const std::string& formula = series.name_formula;
+  if (formula.empty() || formula.front() == '"') return series.name;
+  std::string live = name_in_cells(chart_, formula);
+  return live.empty() ? series.name : live;
+}
 
 std::string SeriesObject::Formula() const {
   return series_formula(chart_, model(), &CompiledFormula::append_formula);

@@ -62,11 +62,10 @@ Axis columns_of(const Sheet& sheet) noexcept {
 
 }  // namespace
 
-Rect visible_block(const ApplicationObject& application, const Sheet& sheet) {
-  const CellPos active = sheet.selection.first;
-  const Lines rows = rows_of(sheet).pane_of(active.row, application.window_rows * ordinary_height);
+Rect visible_block(const ApplicationObject& application, const Sheet& sheet, CellPos cell) {
+  const Lines rows = rows_of(sheet).pane_of(cell.row, application.window_rows * ordinary_height);
   const Lines columns =
-      columns_of(sheet).pane_of(active.column, application.window_columns * ordinary_width);
+      columns_of(sheet).pane_of(cell.column, application.window_columns * ordinary_width);
   return {{rows.first, columns.first}, {rows.last, columns.last}};
 }
 
@@ -86,7 +85,7 @@ void scroll_to_column(Sheet& sheet, std::int32_t column) noexcept {
 }
 
 void scroll_into_view(const ApplicationObject& application, Sheet& sheet, CellPos pos) {
-  const Rect visible = visible_block(application, sheet);
+  const Rect visible = visible_block(application, sheet, pos);
   if (pos.row < visible.first.row || pos.row > visible.last.row) scroll_to_row(sheet, pos.row);
   if (pos.column < visible.first.column || pos.column > visible.last.column)
     scroll_to_column(sheet, pos.column);

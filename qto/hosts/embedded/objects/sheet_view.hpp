@@ -5,9 +5,9 @@
 /// What of a sheet shows in its window.
 namespace qto::embedded {
 
-/// The cells that show in the pane of the active cell, those at the edge that show in part
+/// The cells that show in the pane that `cell` lies in, those at the edge that show in part
 /// included. Of frozen panes there are up to four: rows above and columns left of what scrolls.
-Rect visible_block(const ApplicationObject& application, const Sheet& sheet);
+Rect visible_block(const ApplicationObject& application, const Sheet& sheet, CellPos cell);
 /// The first cell that can be scrolled to; above and left of it lines are frozen.
 CellPos first_scrollable(const Sheet& sheet) noexcept;
 /// Puts a row or column at the top or left of what scrolls; frozen ones stay where they are.

@@ -50,7 +50,7 @@ Ref<host::Range> PaneObject::VisibleRange() const {
   OpenBook& book = workbook_->open();
   Sheet& sheet = book.active_sheet();
   if (!sheet.is_worksheet()) fail("The active sheet has no cells");
-  return book.worksheet(sheet)->Block(visible_block(book.application(), sheet));
+  return book.worksheet(sheet)->Block(visible_block(book.application(), sheet, book.active_cell()));
 }
 
 void PaneObject::SmallScroll(std::int32_t up, std::int32_t to_left) {

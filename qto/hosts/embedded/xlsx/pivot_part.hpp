@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,10 +19,13 @@ class PivotReader {
 
  private:
   std::string source_of(const Package::Part& pivot_part);
+  const std::string& connection_name(std::int64_t number);
 
   Package& package_;
   std::string base_folder_;
   std::unordered_map<std::string, std::string> sources_;  ///< by part
+  std::unordered_map<std::int64_t, std::string> connections_;
+  bool connections_read_ = false;
 };
 
 }  // namespace qto::embedded
