@@ -57,6 +57,14 @@ TEST(Charts, NamesAreWhatTheCellsShow) {
   }
 }
 
+TEST(Charts, BubblesShowTheirSizes) {
+  const ChartDesk desk;
+  sheet_of(desk.sheet).charts[0].series[0].sizes_formula = "Sheet1!$B$3:$D$3";
+  const auto chart = desk.sheet->ChartObjects("Chart 1")->Chart();
+  EXPECT_EQ(chart->SeriesCollection()[0]->Formula(),
+            "=SERIES(Sheet1!$A$2,Sheet1!$B$1:$D$1,Sheet1!$B$2:$D$2,1,Sheet1!$B$3:$D$3)");
+}
+
 TEST(Charts, ChartSheetsAreSheetsAndNoWorksheets) {
   const ChartDesk desk;
   EXPECT_EQ(desk.book->SheetsCount(), 2);

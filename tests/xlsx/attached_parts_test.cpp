@@ -327,6 +327,17 @@ TEST(Charts, GroupsOnSeveralAxesComeOneAfterTheOther) {
   EXPECT_EQ(read, "S!$A$1 3 51;S!$B$1 1 4;S!$C$1 2 4;");
 }
 
+TEST(Charts, BubblesHaveSizes) {
+  const auto book =
+      charted(
+          "<c:bubbleChart><c:ser><c:order val='0'/><c:xVal><c:numRef><c:f>S!$A$1:$A$3</c:f>"
+          "</c:numRef></c:xVal><c:yVal><c:numRef><c:f>S!$B$1:$B$3</c:f></c:numRef></c:yVal>"
+          "<c:bubbleSize><c:numRef><c:f>S!$C$1:$C$3</c:f></c:numRef></c:bubbleSize></c:ser>"
+          "</c:bubbleChart>")
+          .open();
+  EXPECT_EQ(sheet_of(*book, "Sheet1").charts.at(0).series.at(0).sizes_formula, "S!$C$1:$C$3");
+}
+
 TEST(Charts, TypesByGroupAndSeries) {
   const auto type = [](ChartGroup group, SeriesLook look = {}) {
     return chart_type_of(group, look);

@@ -13,6 +13,7 @@ struct ChartSeries {
   std::string values_formula;    ///< "" if none
   int order = 1;
   int chart_type = 51;  ///< the application's chart type number; 83 to 86 are surface charts
+  std::string sizes_formula{};  ///< of bubbles; "" if none
 };
 
 struct ChartModel {

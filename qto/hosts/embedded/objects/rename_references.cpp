@@ -70,8 +70,8 @@ class Renaming {
   }
 
   void rename_series(ChartSeries& series) {
-    for (std::string* text :
-         {&series.name_formula, &series.category_formula, &series.values_formula})
+    for (std::string* text : {&series.name_formula, &series.category_formula,
+                              &series.values_formula, &series.sizes_formula})
       *text = rename_qualifiers(*text, old_name_, new_name_);
   }
 

@@ -27,7 +27,12 @@ std::string series_formula(const ChartPlace& chart, const ChartSeries& series,
     append_argument(out, *stored, context, append);
     out.push_back(',');
   }
-  return out.append(std::to_string(series.order)).append(")");
+  out += std::to_string(series.order);
+  if (!series.sizes_formula.empty()) {
+    out.push_back(',');
+    append_argument(out, series.sizes_formula, context, append);
+  }
+  return out.append(")");
 }
 
 /// What the cells show that the name is taken from; "" where they cannot tell.

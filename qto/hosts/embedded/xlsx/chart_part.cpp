@@ -67,7 +67,7 @@ class ChartHandler final : public XmlHandler {
   struct Series {
     ChartSeries model;
     SeriesLook look;
-    SeriesArgument name, categories, values;
+    SeriesArgument name, categories, values, sizes;
   };
 
   std::size_t depth() const noexcept { return path_.size(); }
@@ -123,6 +123,7 @@ class ChartHandler final : public XmlHandler {
     if (element == "tx") return &series.name;
     if (element == "cat" || element == "xVal") return &series.categories;
     if (element == "val" || element == "yVal") return &series.values;
+    if (element == "bubbleSize") return &series.sizes;
     return nullptr;
   }
 
@@ -153,8 +154,9 @@ class ChartHandler final : public XmlHandler {
       series.model.name = "Series" + std::to_string(series.model.order);
     series.model.category_formula = formula_of(series.categories);
     series.model.values_formula = formula_of(series.values);
-    series.categories.points.clear();
-    series.values.points.clear();
+    series.model.sizes_formula = formula_of(series.sizes);
+    for (SeriesArgument* argument : {&series.categories, &series.values, &series.sizes})
+      argument->points.clear();
   }
 
   void end_group() {
