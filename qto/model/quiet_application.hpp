@@ -1,6 +1,7 @@
 #pragma once
 
 #include "qto/host/application.hpp"
+#include "qto/host/insist.hpp"
 
 namespace qto {
 
@@ -17,13 +18,9 @@ class QuietApplication {
   void switch_to(bool on) noexcept {
     for (const auto put :
          {&host::Application::put_ScreenUpdating, &host::Application::put_EnableEvents,
-          &host::Application::put_DisplayAlerts}) {
-      try {
-        (app_.get()->*put)(on);
-      } catch (const std::exception&) {
-        // A host that lacks one of the settings works all the same.
-      }
-    }
+          &host::Application::put_DisplayAlerts})
+      // A host that lacks one of the settings works all the same.
+      host::insist([&] { (app_.get()->*put)(on); });
   }
 
   Ref<host::Application> app_;

@@ -1,6 +1,7 @@
 #include "qto/model/selection_keeper.hpp"
 
 #include "qto/host/host.hpp"
+#include "qto/host/insist.hpp"
 
 namespace qto {
 
@@ -26,7 +27,8 @@ void SelectionKeeper::remember() {
 }
 
 void SelectionKeeper::go_back(const Place& place) noexcept {
-  try {
+  // Unless the sheet is gone: then nothing is left to go back to.
+  host::insist([&] {
     place.sheet->Workbook()->Activate();
     place.sheet->Activate();
     if (const auto range = ref_cast<host::Range>(place.selection))
@@ -35,9 +37,7 @@ void SelectionKeeper::go_back(const Place& place) noexcept {
       series->Select();
     else if (const auto chart = ref_cast<host::Chart>(place.selection))
       chart->SelectChartArea();
-  } catch (const std::exception&) {
-    // The sheet is gone: nothing is left to go back to.
-  }
+  });
 }
 
 }  // namespace qto
