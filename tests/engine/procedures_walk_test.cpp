@@ -131,6 +131,7 @@ class EveryProcedure : public testing::Test {
       const auto part = make_ref<ModelPart>();
       part->Create(object, type);
       touch(*part);
+      (void)part->SelectItem();
     }
   }
 

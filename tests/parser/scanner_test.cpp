@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "qto/automation/error.hpp"
 #include "qto/parser/arguments.hpp"
+#include "tests/support/text_book.hpp"
 
 namespace qto {
 namespace {
@@ -118,13 +118,14 @@ struct Call {
 std::string arguments(std::string_view formula) {
   Call call(formula);
   std::size_t position = 3;
+  const test::Reports reports;
   try {
     std::string out;
     for (const Tokens argument : get_args(call.table.tokens, position))
       out += "<" + args_array_to_string(argument) + ">";
     return out + std::to_string(call.table.count() - position);
-  } catch (const NumberedFailure& failure) {
-    return std::to_string(failure.number);
+  } catch (const std::exception&) {
+    return reports.text();
   }
 }
 
@@ -140,9 +141,9 @@ TEST(Arguments, SplitAtCommasOutsideParentheses) {
       {"=F({1,2},A1)", "<{1><2}><A1>0"},
       {"=F(A1, Data!B2,\n Other!C3)", "<A1>< 'Data'!B2><\n 'Other'!C3>0"},
       {"=F(a,b,c,d,e)", "<a><b><c><d><e>0"},
-      {"=F(a,b,c,d,e,f)", "-2147221500"},
-      {"=F(A1", "9"},
-      {"=F(A1,", "9"},
+      {"=F(a,b,c,d,e,f)", " !-2147221500"},
+      {"=F(A1", " !9"},
+      {"=F(A1,", " !9"},
   };
   for (const auto& row : rows) EXPECT_EQ(arguments(row.formula), row.split) << row.formula;
 }

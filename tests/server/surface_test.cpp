@@ -28,7 +28,7 @@ TEST(Surface, DocumentationFollowsTheTables) {
 TEST(Surface, ClassesHaveTheirEventsAndCanBeCreated) {
   const std::pair<const char*, std::size_t> expected[] = {
       {"DrillDown", 9}, {"LinkedBook", 0}, {"LinkedBooks", 0}, {"LinkList", 0},
-      {"ModelPart", 4}, {"ModelParts", 1}, {"DrillOptions", 0}};
+      {"ModelPart", 5}, {"ModelParts", 1}, {"DrillOptions", 0}};
   const auto classes = engine_library().classes;
   ASSERT_EQ(classes.size(), std::size(expected));
   for (std::size_t i = 0; i < classes.size(); ++i) {

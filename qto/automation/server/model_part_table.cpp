@@ -45,6 +45,7 @@ constexpr Member members[] = {
     put<&ModelPart::put_AddressShort>(24, "AddressShort"),
     get<&ModelPart::ObjectType>(25, "ObjectType"),
     get<&ModelPart::UniqueKey>(26, "UniqueKey"),
+    method<&ModelPart::SelectItem>(27, "SelectItem"),
     get<&ModelPart::EmbeddedChartName>(28, "EmbeddedChartName"),
     get<&ModelPart::FormulaContainsConstant>(29, "FormulaContainsConstant"),
     put<&ModelPart::put_FormulaContainsConstant>(29, "FormulaContainsConstant"),
@@ -67,6 +68,8 @@ static_assert(identifiers_fit(members));
 
 constexpr EventMember events[] = {
     event<&ModelPart::TitleChanged>("TitleChanged", "OldTitle, &NewTitle"),
+    event<&ModelPart::AskToUnhide>(
+        "AskToUnhide", "&HiddenObject, LocalAddress, &ContainerSheet, &Unhide, &SheetPassword"),
     event<&ModelPart::AfterSetResults>("AfterSetResults"),
     event<&ModelPart::FormulaChanged>("FormulaChanged", "OldFormula, NewFormula"),
     event<&ModelPart::ValueChanged>("ValueChanged", "OldValue, NewValue"),
