@@ -1,6 +1,8 @@
 #include "qto/engine/part_graph.hpp"
 
 #include <array>
+#include <cstddef>
+#include <new>
 #include <unordered_map>
 #include <vector>
 
@@ -12,7 +14,9 @@ namespace {
 
 /// Never destroyed: what is still watched when the process ends needs no taking down.
 std::vector<Ref<ModelPart>>& watched() {
-  static auto* const parts = new std::vector<Ref<ModelPart>>;
+  using Parts = std::vector<Ref<ModelPart>>;
+  alignas(Parts) static std::byte place[sizeof(Parts)];
+  static auto* const parts = new (place) Parts;
   return *parts;
 }
 
