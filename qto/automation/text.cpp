@@ -9,12 +9,12 @@
 #include <algorithm>
 
 namespace qto::text {
-namespace {
-
 bool is_ascii(std::string_view text) noexcept {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
+
+namespace {
 
 char lower_ascii(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 

@@ -8,6 +8,8 @@
 /// Text operations that the whole system shares. All texts are UTF-8.
 namespace qto::text {
 
+/// True when no byte belongs to a character beyond ASCII.
+bool is_ascii(std::string_view text) noexcept;
 /// Unicode simple case folding; ASCII texts take a fast path. Invalid bytes are kept as they are.
 std::string fold_case(std::string_view text);
 /// Equal when letter case is ignored (Unicode simple case folding).

@@ -28,11 +28,6 @@ constexpr std::array<unsigned char, 128> ascii_weights() {
 }
 constexpr auto weights = ascii_weights();
 
-bool is_ascii(std::string_view text) noexcept {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 128; });
-}
-
 int compare_ascii(std::string_view a, std::string_view b) noexcept {
   const std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
@@ -94,7 +89,7 @@ ValueView blank_as(CellType type) noexcept {
 }  // namespace
 
 int compare_texts(std::string_view a, std::string_view b) {
-  return is_ascii(a) && is_ascii(b) ? compare_ascii(a, b) : compare_unicode(a, b);
+  return text::is_ascii(a) && text::is_ascii(b) ? compare_ascii(a, b) : compare_unicode(a, b);
 }
 
 int compare_values(const ValueView& left, const ValueView& right) {
@@ -110,7 +105,7 @@ int compare_values(const ValueView& left, const ValueView& right) {
 bool equal_values(const ValueView& a, const ValueView& b) {
   if (a.is_text() && b.is_text()) {
     // Texts of different length are equal only where folding changes the number of bytes.
-    if (a.text().size() != b.text().size() && is_ascii(a.text()) && is_ascii(b.text()))
+    if (a.text().size() != b.text().size() && text::is_ascii(a.text()) && text::is_ascii(b.text()))
       return false;
     return text::equal_fold(a.text(), b.text());
   }

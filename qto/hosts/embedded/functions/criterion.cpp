@@ -95,7 +95,7 @@ void Criterion::read_operand(std::string_view text, bool written_operator, Texts
     pattern_ = std::move(pattern);
   } else {
     text_ = text.find('~') == std::string_view::npos ? std::string(text) : pattern.plain();
-    ascii_ = std::ranges::all_of(text_, [](char c) { return static_cast<signed char>(c) >= 0; });
+    ascii_ = text::is_ascii(text_);
   }
 }
 

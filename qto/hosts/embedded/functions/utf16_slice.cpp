@@ -7,9 +7,7 @@
 namespace qto::embedded::functions {
 
 std::string slice(std::string_view text, std::size_t start, std::size_t count) {
-  const bool ascii = std::all_of(text.begin(), text.end(),
-                                 [](char c) { return static_cast<unsigned char>(c) < 128; });
-  if (ascii) return std::string(text.substr(std::min(start, text.size()), count));
+  if (text::is_ascii(text)) return std::string(text.substr(std::min(start, text.size()), count));
   const std::u16string units = text::to_utf16(text);
   return text::from_utf16(std::u16string_view(units).substr(std::min(start, units.size()), count));
 }

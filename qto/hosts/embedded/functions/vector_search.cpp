@@ -40,8 +40,7 @@ std::int64_t Vector::next_stored(std::int64_t position) const noexcept {
 Wanted::Wanted(const ValueView& value, bool wildcards, bool across_types)
     : value_(value.is_empty() ? ValueView(0.0) : value), across_types_(across_types) {
   if (!value_.is_text()) return;
-  ascii_ =
-      std::ranges::all_of(value_.text(), [](char c) { return static_cast<signed char>(c) >= 0; });
+  ascii_ = text::is_ascii(value_.text());
   if (!wildcards) return;
   WildcardPattern pattern(value_.text());
   if (pattern.has_wildcards()) {

@@ -10,11 +10,6 @@ namespace {
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-bool is_ascii(std::string_view text) noexcept {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 128; });
-}
-
 char16_t lower_ascii(char c) noexcept {
   return static_cast<char16_t>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
 }
@@ -70,7 +65,7 @@ bool WildcardPattern::fits(const Char* text, std::size_t size, bool whole, Fold 
 }
 
 bool WildcardPattern::matches(std::string_view text) const {
-  if (is_ascii(text)) return fits(text.data(), text.size(), true, lower_ascii);
+  if (text::is_ascii(text)) return fits(text.data(), text.size(), true, lower_ascii);
   const std::u16string folded = text::to_utf16(text::fold_case(text));
   return fits(folded.data(), folded.size(), true, [](char16_t unit) { return unit; });
 }
