@@ -47,6 +47,8 @@ class Workbook : public HostObject {
   virtual void put_AcceptLabelsInFormulas(bool on) = 0;
   /// Full names of the link sources of a type; empty when there are none.
   virtual std::vector<std::string> LinkSources(std::int32_t type) const = 0;
+  /// Takes the protection of the workbook's structure away. A wrong password fails.
+  virtual void Unprotect(std::string_view password) = 0;
   virtual void Activate() = 0;
   virtual void Close(bool save_changes) = 0;
   /// Hands an address to the system (mail program, browser).

@@ -289,6 +289,9 @@ class FaultyWorkbook : public Wrapper<Workbook> {
   std::vector<std::string> LinkSources(std::int32_t type) const override {
     return call("Workbook.LinkSources").LinkSources(type);
   }
+  void Unprotect(std::string_view password) override {
+    call("Workbook.Unprotect").Unprotect(password);
+  }
   void Activate() override { call("Workbook.Activate").Activate(); }
   void Close(bool save_changes) override { call("Workbook.Close").Close(save_changes); }
   void FollowHyperlink(std::string_view address) override {

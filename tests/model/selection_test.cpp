@@ -184,7 +184,7 @@ TEST_F(Selection, AProtectionMayLeaveLinesToEverybody) {
 
 TEST_F(Selection, AProtectedStructureKeepsItsSheetsHidden) {
   books_.opened[0]->Sheets("Costs")->put_Visible(host::xlSheetHidden);
-  books_.models[0]->structure_locked = true;
+  books_.models[0]->structure.enabled = true;
   EXPECT_EQ(cell("Costs!C3")->SelectItem(), qtoCouldNotUnhide);
   EXPECT_EQ(selected(), "Sheet1!A1");
 }
@@ -276,9 +276,9 @@ TEST_F(Selection, Series) {
   EXPECT_EQ(on_chart->SelectItem(), qtoItemHidden);
   EXPECT_EQ(asked_, "Diagram Diagram Diagram;");
   answer_ = true;
-  books_.models[0]->structure_locked = true;
+  books_.models[0]->structure.enabled = true;
   EXPECT_EQ(on_chart->SelectItem(), qtoCouldNotUnhide);
-  books_.models[0]->structure_locked = false;
+  books_.models[0]->structure.enabled = false;
   EXPECT_EQ(on_chart->SelectItem(), qtoSelectOK);
   EXPECT_EQ(books_.app->ActiveSheet()->Name(), "Diagram");
   EXPECT_EQ(selected(), "Sales");

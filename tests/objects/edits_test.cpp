@@ -74,7 +74,7 @@ TEST(Edits, SheetsAreAddedAndDeleted) {
   EXPECT_FAILS(delete_sheet(desk.sheet));  // the last one
   for (const char* name : {"sheet1", "a/b", "'x", "this name is longer than 31 characters"})
     EXPECT_FAILS(desk.book->AddWorksheet(name)) << name;
-  book_of(desk.book).structure_locked = true;
+  book_of(desk.book).structure.enabled = true;
   EXPECT_FAILS(desk.book->AddWorksheet());
 }
 

@@ -83,9 +83,9 @@ TEST(View, HiddenSheetsCannotBeActivated) {
   EXPECT_FAILS(desk.app->Goto(desk.at("A1"), true));
   EXPECT_FAILS(second->put_Visible(host::xlSheetVeryHidden));  // the last one that shows
   EXPECT_FAILS(second->put_Visible(7));
-  book_of(desk.book).structure_locked = true;
+  book_of(desk.book).structure.enabled = true;
   EXPECT_FAILS(desk.sheet->put_Visible(host::xlSheetVisible));
-  book_of(desk.book).structure_locked = false;
+  book_of(desk.book).structure.enabled = false;
   desk.sheet->put_Visible(host::xlSheetVisible);
   desk.sheet->Activate();
   EXPECT_EQ(desk.app->ActiveSheet()->Name(), "Sheet1");

@@ -57,6 +57,14 @@ TEST(Protection, LegacyPasswords) {
   EXPECT_FAILS(desk.sheet->Unprotect(""));
   desk.sheet->Unprotect("password");
   desk.sheet->Unprotect("anything");  // not protected any more
+  SheetProtection& structure = book_of(desk.book).structure;
+  structure.enabled = true;
+  structure.hash = "CE2A";
+  EXPECT_FAILS(desk.book->AddWorksheet());
+  EXPECT_FAILS(desk.book->Unprotect("1"));
+  EXPECT_FAILS(desk.book->AddWorksheet());
+  desk.book->Unprotect("0");
+  desk.book->AddWorksheet();
   protect(desk, "", "nothex");
   EXPECT_FAILS(desk.sheet->Unprotect("password"));
 }

@@ -40,7 +40,7 @@ TEST(Workbook, SheetsWithKindAndVisibility) {
   EXPECT_EQ(sheet_of(*book, "Macro").kind, SheetKind::macro);
   EXPECT_EQ(sheet_of(*book, "Module").kind, SheetKind::worksheet);
   EXPECT_TRUE(book->date1904);
-  EXPECT_TRUE(book->structure_locked);
+  EXPECT_TRUE(book->structure.enabled);
   EXPECT_EQ(book->active_sheet, 2u);
   EXPECT_EQ(book->name, "book.xlsx");
   EXPECT_FALSE(book->path.empty());
@@ -174,6 +174,28 @@ TEST(Workbook, LegacySheetPassword) {
   EXPECT_TRUE(protection.enabled);
   EXPECT_EQ(protection.hash, "CC1A");
   EXPECT_EQ(protection.algorithm, "");
+}
+
+TEST(Workbook, PasswordsOfItsStructure) {
+  const auto protection_of = [](const std::string& attributes) {
+    BookFile file;
+    file.workbook("<workbookProtection " + attributes +
+                      "/><sheets><sheet name='S' sheetId='1' r:id='r1'/></sheets>",
+                  {"worksheet"});
+    return file.open()->structure;
+  };
+  const SheetProtection legacy = protection_of("lockStructure='1' workbookPassword='CC1A'");
+  EXPECT_TRUE(legacy.enabled);
+  EXPECT_EQ(legacy.hash, "CC1A");
+  const SheetProtection digest = protection_of(
+      "workbookAlgorithmName='SHA-512' workbookHashValue='aGFzaA==' workbookSaltValue='c2FsdA=='"
+      " workbookSpinCount='100000' lockStructure='true'");
+  EXPECT_TRUE(digest.enabled);
+  EXPECT_EQ(digest.algorithm, "SHA-512");
+  EXPECT_EQ(digest.hash, "aGFzaA==");
+  EXPECT_EQ(digest.salt, "c2FsdA==");
+  EXPECT_EQ(digest.spins, 100'000u);
+  EXPECT_FALSE(protection_of("lockWindows='1' workbookPassword='CC1A'").enabled);
 }
 
 TEST(Workbook, ProgressRisesToTheEnd) {

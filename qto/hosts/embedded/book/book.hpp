@@ -36,7 +36,7 @@ class Book {
   std::string path;
   bool date1904 = false;
   bool accept_labels = false;
-  bool structure_locked = false;
+  SheetProtection structure;  ///< against adding, removing, renaming and hiding sheets
   /// Position, from 0, of the sheet that was in front when the file was saved.
   std::size_t active_sheet = 0;
   TextPool texts;

@@ -18,7 +18,8 @@ enum class SheetKind : std::uint8_t { worksheet, chart, dialog, macro };
 /// As Visible gives it: -1 visible, 0 hidden, 2 very hidden.
 enum class SheetVisibility : std::int32_t { visible = -1, hidden = 0, very_hidden = 2 };
 
-/// Sheet protection as a file stores it; a password is known by its hash only.
+/// Protection of a sheet, or of a book's structure, as a file stores it; a password is known by its
+/// hash only.
 struct SheetProtection {
   bool enabled = false;
   std::string algorithm;  ///< "" for the legacy 16-bit hash

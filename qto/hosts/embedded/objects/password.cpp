@@ -1,10 +1,10 @@
 #include "qto/hosts/embedded/objects/password.hpp"
 
 #include <charconv>
-#include <string>
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/encryption/digest.hpp"
+#include "qto/hosts/embedded/objects/raise.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -46,6 +46,12 @@ bool password_matches(const SheetProtection& protection, std::string_view passwo
   const char* end = protection.hash.data() + protection.hash.size();
   const auto [stop, error] = std::from_chars(protection.hash.data(), end, stored, 16);
   return error == std::errc{} && stop == end && stored == legacy_password_hash(password);
+}
+
+void unprotect(SheetProtection& protection, const std::string& of, std::string_view password) {
+  if (!protection.enabled) return;
+  if (!password_matches(protection, password)) fail("The password is not that of " + of);
+  protection = {};
 }
 
 }  // namespace qto::embedded

@@ -15,7 +15,7 @@ OpenBook& book_to_edit(const Ref<host::Sheet>& sheet) {
   const auto workbook = sheet ? ref_cast<WorkbookObject>(sheet->Workbook()) : nullptr;
   if (!workbook) fail("A sheet of this application is needed");
   OpenBook& open = workbook->open();
-  if (open.book().structure_locked) fail("The structure of " + open.book().name + " is protected");
+  if (open.book().structure.enabled) fail("The structure of " + open.book().name + " is protected");
   return open;
 }
 

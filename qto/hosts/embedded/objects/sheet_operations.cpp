@@ -18,7 +18,7 @@ void put_visibility(OpenBook& book, Sheet& sheet, std::int32_t visibility) {
       wanted != SheetVisibility::very_hidden)
     fail("No visibility has the number " + std::to_string(visibility));
   if (wanted == sheet.visibility) return;
-  if (book.book().structure_locked) fail("The structure of " + book.book().name + " is protected");
+  if (book.book().structure.enabled) fail("The structure of " + book.book().name + " is protected");
   if (wanted != SheetVisibility::visible && !another_is_visible(book.book(), sheet))
     fail("A workbook must show one sheet at least");
   const bool was_active = &book.active_sheet() == &sheet;
@@ -32,10 +32,7 @@ void put_visibility(OpenBook& book, Sheet& sheet, std::int32_t visibility) {
 }
 
 void unprotect(Sheet& sheet, std::string_view password) {
-  if (!sheet.protection.enabled) return;
-  if (!password_matches(sheet.protection, password))
-    fail("The password is not that of sheet " + sheet.name);
-  sheet.protection = {};
+  unprotect(sheet.protection, "sheet " + sheet.name, password);
 }
 
 void activate_sheet(OpenBook& book, Sheet& sheet) {

@@ -4,6 +4,7 @@
 
 #include "qto/hosts/embedded/objects/full_name.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
+#include "qto/hosts/embedded/objects/password.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/objects/sheet_names.hpp"
@@ -79,7 +80,7 @@ int WorkbookObject::WorksheetsCount() const {
 
 Ref<host::Worksheet> WorkbookObject::AddWorksheet(std::string_view name) {
   Book& book = open().book();
-  if (book.structure_locked) fail("The structure of " + book.name + " is protected");
+  if (book.structure.enabled) fail("The structure of " + book.name + " is protected");
   const std::string chosen = name.empty() ? free_sheet_name(book) : std::string(name);
   check_sheet_name(book, chosen, nullptr);
   Sheet& added = book.add_sheet(chosen);
@@ -127,6 +128,10 @@ std::vector<std::string> WorkbookObject::LinkSources(std::int32_t type) const {
       sources.push_back(link.application + "|" + link.document);
   }
   return sources;
+}
+
+void WorkbookObject::Unprotect(std::string_view password) {
+  unprotect(open().book().structure, "workbook " + Name(), password);
 }
 
 void WorkbookObject::Activate() { application_->activate(open()); }

@@ -36,6 +36,7 @@ class WorkbookObject final : public host::Workbook {
   bool AcceptLabelsInFormulas() const override;
   void put_AcceptLabelsInFormulas(bool on) override;
   std::vector<std::string> LinkSources(std::int32_t type) const override;
+  void Unprotect(std::string_view password) override;
   void Activate() override;
   void Close(bool save_changes) override;
   void FollowHyperlink(std::string_view address) override;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qto/hosts/embedded/xlsx/protection.hpp"
+
 namespace qto::embedded {
 namespace {
 
@@ -118,11 +120,7 @@ void SheetSettings::start_protection(const Attributes& attributes) {
   // These name what is not allowed.
   protection.format_columns = !attributes.flag("formatColumns", true);
   protection.format_rows = !attributes.flag("formatRows", true);
-  protection.algorithm = attributes.text("algorithmName");
-  protection.hash = attributes.text(protection.algorithm.empty() ? "password" : "hashValue");
-  protection.salt = attributes.text("saltValue");
-  protection.spins = static_cast<std::uint32_t>(
-      std::clamp<std::int64_t>(attributes.whole_or("spinCount", 0), 0, 10'000'000));
+  read_password(attributes, sheet_password, protection);
 }
 
 }  // namespace qto::embedded

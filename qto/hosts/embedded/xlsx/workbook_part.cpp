@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "qto/hosts/embedded/xlsx/limits.hpp"
+#include "qto/hosts/embedded/xlsx/protection.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
@@ -25,7 +26,10 @@ class WorkbookHandler final : public XmlHandler {
     if (space != Space::main) return;
     if (name == "workbook") is_workbook_ = true;
     if (name == "workbookPr") into_.date1904 = attributes.flag("date1904");
-    if (name == "workbookProtection") into_.structure_locked = attributes.flag("lockStructure");
+    if (name == "workbookProtection") {
+      into_.structure.enabled = attributes.flag("lockStructure");
+      read_password(attributes, book_password, into_.structure);
+    }
     if (name == "workbookView" && !std::exchange(seen_view_, true))
       into_.active_sheet = attributes.whole_or("activeTab", 0);
     if (name == "sheet") add_sheet(attributes);

@@ -29,7 +29,7 @@ struct WorkbookPart {
   /// Relationships of the linked books, in the order in which formulas number them.
   std::vector<std::string> externals;
   bool date1904 = false;
-  bool structure_locked = false;
+  SheetProtection structure;
   std::int64_t active_sheet = 0;
 };
 
