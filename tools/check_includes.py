@@ -13,6 +13,7 @@ import sys
 # Folders of one level do not see each other. Of nested folders the longest name counts.
 ENGINE_LEVELS = {
     "qto/automation": 0,
+    "qto/automation/com": 1,
     "qto/diagnostics": 1,
     "qto/host": 1,
     "qto/links": 2,
@@ -36,9 +37,13 @@ EMBEDDED_LEVELS = {
     EMBEDDED + "/recalc": 5,
     EMBEDDED + "/objects": 6,
 }
-# What brings the embedded host to the automation surface sees both sides.
-JOINTS = {"qto/hosts/server"}
 EMBEDDED_ALSO_SEES = ("qto/automation", "qto/host")
+# A host that is driven by name, over any application.
+LATE_BOUND_LEVELS = {"qto/hosts/late_bound": 0}
+LATE_BOUND_ALSO_SEES = ("qto/automation", "qto/automation/com", "qto/host")
+ALL_LEVELS = ENGINE_LEVELS | EMBEDDED_LEVELS | LATE_BOUND_LEVELS
+# What brings a host to the automation surface sees both sides.
+JOINTS = {"qto/hosts/server"}
 
 # Clients of the library: what each sees besides the public headers under qto/.
 CLIENTS = {
@@ -49,6 +54,13 @@ CLIENTS = {
 }
 ROOTS = ("qto",) + tuple(CLIENTS)
 
+# Levels that belong together, and what they see besides.
+HOUSES = (
+    (ENGINE_LEVELS, ()),
+    (EMBEDDED_LEVELS, EMBEDDED_ALSO_SEES),
+    (LATE_BOUND_LEVELS, LATE_BOUND_ALSO_SEES),
+)
+
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^">]+)[">]')
 PRAGMA_ONCE = re.compile(r"^\s*#\s*pragma\s+once\b")
 
@@ -58,7 +70,7 @@ def layer_of(path):
     parts = path.split("/")[:-1]
     for length in range(len(parts), 0, -1):
         folder = "/".join(parts[:length])
-        if folder in ENGINE_LEVELS or folder in EMBEDDED_LEVELS or folder in JOINTS:
+        if folder in ALL_LEVELS or folder in JOINTS:
             return folder
     return None
 
@@ -76,11 +88,11 @@ def refusal(source, target):
         return f"{target} belongs to no layer"
     if above == below or above in JOINTS:
         return None
-    levels = EMBEDDED_LEVELS if above in EMBEDDED_LEVELS else ENGINE_LEVELS
-    if below in levels:
-        return None if levels[below] < levels[above] else f"{above} does not see {below}"
-    if above in EMBEDDED_LEVELS and below in EMBEDDED_ALSO_SEES:
-        return None
+    for levels, also_sees in HOUSES:
+        if above not in levels:
+            continue
+        if levels.get(below, levels[above]) < levels[above] or below in also_sees:
+            return None
     return f"{above} does not see {below}"
 
 

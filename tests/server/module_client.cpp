@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "qto/automation/server/com_values.hpp"
+#include "qto/automation/com/com_values.hpp"
 #include "qto/automation/server/dispatch.hpp"
 #include "qto/automation/text.hpp"
 

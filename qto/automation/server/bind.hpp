@@ -7,10 +7,10 @@
 #include <type_traits>
 #include <utility>
 
+#include "qto/automation/com/errors.hpp"
 #include "qto/automation/enumerations.hpp"
 #include "qto/automation/event.hpp"
 #include "qto/automation/server/enumerator.hpp"
-#include "qto/automation/server/errors.hpp"
 #include "qto/automation/server/table.hpp"
 
 /// Makes table entries from C++ members. Whatever does not fit (a wrong number of argument names, a

@@ -2,10 +2,10 @@
 
 #include <vector>
 
-#include "qto/automation/server/com_values.hpp"
+#include "qto/automation/com/convert.hpp"
 #include "qto/automation/server/connection.hpp"
-#include "qto/automation/server/convert.hpp"
 #include "qto/automation/server/dispatch.hpp"
+#include "qto/automation/server/face.hpp"
 
 namespace qto::server::com {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "qto/automation/server/com.hpp"
+#include "qto/automation/com/com.hpp"
 #include "qto/automation/server/table.hpp"
 
 namespace qto::server::com {

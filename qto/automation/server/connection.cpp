@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "qto/automation/server/convert.hpp"
+#include "qto/automation/com/convert.hpp"
 
 namespace qto::server {
 namespace {

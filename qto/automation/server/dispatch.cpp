@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "qto/automation/server/convert.hpp"
+#include "qto/automation/com/convert.hpp"
 #include "qto/automation/text.hpp"
 
 namespace qto::server {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "qto/automation/server/errors.hpp"
+#include "qto/automation/com/errors.hpp"
 #include "qto/automation/server/table.hpp"
 
 /// Late-bound calls: by name, by identifier, and by place in the function table.

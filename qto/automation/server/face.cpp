@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "qto/automation/server/com_sink.hpp"
-#include "qto/automation/server/com_values.hpp"
 #include "qto/automation/server/connection.hpp"
 #include "qto/automation/server/dispatch.hpp"
 #include "qto/automation/server/enumerator.hpp"
@@ -263,6 +262,16 @@ Ref<Object> object_behind(Unknown& unknown) {
   if (unknown.QueryInterface(iid_native_object, &native) != ok || !native)
     throw CallFailure(CallError::type_mismatch);
   return Ref<Object>(static_cast<Object*>(native));
+}
+
+ObjectDoor& faces_door() {
+  class Faces final : public ObjectDoor {
+   public:
+    Unknown* show(const Ref<Object>& object) override { return face_of(object); }
+    Ref<Object> take(Unknown& unknown) override { return object_behind(unknown); }
+  };
+  static Faces door;
+  return door;
 }
 
 }  // namespace qto::server::com

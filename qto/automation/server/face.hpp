@@ -1,7 +1,7 @@
 #pragma once
 
+#include "qto/automation/com/com_values.hpp"
 #include "qto/automation/object.hpp"
-#include "qto/automation/server/com.hpp"
 
 namespace qto::server::com {
 
@@ -12,5 +12,13 @@ Unknown* face_of(const Ref<Object>& object);
 /// The object behind a client's reference. Throws CallFailure with type_mismatch when it is not one
 /// of this system's.
 Ref<Object> object_behind(Unknown& unknown);
+
+/// The door of a server: objects appear as faces.
+ObjectDoor& faces_door();
+inline ComVariant to_com(const Variant& value) { return to_com(value, faces_door()); }
+inline Variant from_com(const ComVariant& variant) { return from_com(variant, faces_door()); }
+inline void write_back(ComVariant& target, const Variant& value) {
+  write_back(target, value, faces_door());
+}
 
 }  // namespace qto::server::com

@@ -1,8 +1,8 @@
 #include "qto/automation/server/host_lists.hpp"
 
 #include "qto/automation/collection_error.hpp"
-#include "qto/automation/server/convert.hpp"
-#include "qto/automation/server/errors.hpp"
+#include "qto/automation/com/convert.hpp"
+#include "qto/automation/com/errors.hpp"
 
 namespace qto::server {
 

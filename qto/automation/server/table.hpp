@@ -5,22 +5,15 @@
 #include <span>
 #include <string_view>
 
+#include "qto/automation/com/guid.hpp"
+#include "qto/automation/com/type.hpp"
 #include "qto/automation/object.hpp"
-#include "qto/automation/server/guid.hpp"
 #include "qto/automation/variant.hpp"
 
 /// The automation surface as data: what every member of every class is called, takes and answers.
 /// The tables are written once (…_table.cpp); calls, events, the type library and the documentation
 /// all read them.
 namespace qto::server {
-
-enum class Shape : std::uint8_t { none, boolean, number, text, variant, object, enumeration };
-
-/// A type at the boundary. `name` is the class or enumeration; "" for an object of any class.
-struct Type {
-  Shape shape = Shape::none;
-  std::string_view name;
-};
 
 enum class Kind : std::uint8_t { get, put, put_ref, method, enumerator };
 

@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "qto/automation/server/com_values.hpp"
-#include "qto/automation/server/errors.hpp"
+#include "qto/automation/com/com_values.hpp"
+#include "qto/automation/com/errors.hpp"
 #include "qto/automation/server/face.hpp"
 #include "qto/automation/server/module.hpp"
 #include "qto/automation/server/registry.hpp"

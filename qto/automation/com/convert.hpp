@@ -1,6 +1,7 @@
 #pragma once
 
-#include "qto/automation/server/table.hpp"
+#include "qto/automation/com/type.hpp"
+#include "qto/automation/variant.hpp"
 
 namespace qto::server {
 

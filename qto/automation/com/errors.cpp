@@ -1,4 +1,4 @@
-#include "qto/automation/server/errors.hpp"
+#include "qto/automation/com/errors.hpp"
 
 #include <new>
 

@@ -1,4 +1,4 @@
-#include "qto/automation/server/guid.hpp"
+#include "qto/automation/com/guid.hpp"
 
 #include <charconv>
 #include <cstdio>

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "qto/automation/server/guid.hpp"
+#include "qto/automation/com/guid.hpp"
 
 /// The component object model's binary interfaces, laid out as its clients expect them: function
 /// tables in this order, variants of 24 bytes, texts as counted UTF-16.

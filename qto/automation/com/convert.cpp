@@ -1,4 +1,4 @@
-#include "qto/automation/server/convert.hpp"
+#include "qto/automation/com/convert.hpp"
 
 #include <charconv>
 #include <cmath>

@@ -1,12 +1,11 @@
-#include "qto/automation/server/com_values.hpp"
+#include "qto/automation/com/com_values.hpp"
 
 #include <cstdlib>
 #include <cstring>
 #include <new>
 
-#include "qto/automation/server/convert.hpp"
-#include "qto/automation/server/errors.hpp"
-#include "qto/automation/server/face.hpp"
+#include "qto/automation/com/convert.hpp"
+#include "qto/automation/com/errors.hpp"
 #include "qto/automation/text.hpp"
 
 namespace qto::server::com {
@@ -41,7 +40,7 @@ void free_array(Array* array) noexcept {
 }
 
 /// Columns follow each other, as in every array of automation.
-Array* make_array(const VariantArray& values) {
+Array* make_array(const VariantArray& values, ObjectDoor& door) {
   const auto rows = static_cast<std::uint32_t>(values.rows());
   const auto columns = static_cast<std::uint32_t>(values.columns());
   auto* array = static_cast<Array*>(checked(std::calloc(1, sizeof(Array))));
@@ -49,12 +48,9 @@ Array* make_array(const VariantArray& values) {
   *array = {2, 0x880, sizeof(ComVariant), 0, array->data, {{columns, 1}, {rows, 1}}};
   auto* element = static_cast<ComVariant*>(checked(array->data));
   for (int column = 1; column <= values.columns(); ++column)
-    for (int row = 1; row <= values.rows(); ++row) *element++ = to_com(values.at(row, column));
+    for (int row = 1; row <= values.rows(); ++row)
+      *element++ = to_com(values.at(row, column), door);
   return array;
-}
-
-Variant object_value(Unknown* unknown) {
-  return Variant(unknown ? object_behind(*unknown) : Ref<Object>());
 }
 
 Variant error_value(std::uint32_t code) {
@@ -62,15 +58,15 @@ Variant error_value(std::uint32_t code) {
   return Variant(static_cast<ErrorValue>(code - cell_error));
 }
 
-Variant read_value(std::uint16_t type, const void* at) {
+Variant read_value(std::uint16_t type, const void* at, ObjectDoor& door) {
   ComVariant v;
-  if (type == vt_variant) return from_com(*static_cast<const ComVariant*>(at));
+  if (type == vt_variant) return from_com(*static_cast<const ComVariant*>(at), door);
   std::memcpy(v.bits, at,
               type == vt_bool || type == vt_i2                     ? 2
               : type == vt_i4 || type == vt_r4 || type == vt_error ? 4
                                                                    : 8);
   v.type = type;
-  return from_com(v);
+  return from_com(v, door);
 }
 
 }  // namespace
@@ -100,7 +96,7 @@ void clear(ComVariant& variant) noexcept {
   variant = ComVariant();
 }
 
-ComVariant to_com(const Variant& value) {
+ComVariant to_com(const Variant& value, ObjectDoor& door) {
   ComVariant out;
   if (value.is_null()) {
     out.type = vt_null;
@@ -123,17 +119,17 @@ ComVariant to_com(const Variant& value) {
     out.text = make_text(value.text());
     out.type = vt_text;
   } else if (value.is_array()) {
-    out.array = make_array(value.array());
+    out.array = make_array(value.array(), door);
     out.type = vt_array | vt_variant;
   } else if (value.is_object()) {
     const Ref<Object> object = value.object();
-    out.unknown = object ? face_of(object) : nullptr;
+    out.unknown = object ? door.show(object) : nullptr;
     out.type = vt_dispatch;
   }
   return out;
 }
 
-Variant from_com(const ComVariant& v) {
+Variant from_com(const ComVariant& v, ObjectDoor& door) {
   switch (v.type) {
     case vt_empty:
       return Variant();
@@ -159,21 +155,21 @@ Variant from_com(const ComVariant& v) {
       return error_value(static_cast<std::uint32_t>(v.i4));
     case vt_dispatch:
     case vt_unknown:
-      return object_value(v.unknown);
+      return Variant(v.unknown ? door.take(*v.unknown) : Ref<Object>());
     default:
       break;
   }
   if (!(v.type & vt_by_ref) || (v.type & vt_array) || !v.pointer)
     throw CallFailure(CallError::type_mismatch);
-  return read_value(v.type & ~vt_by_ref, v.pointer);
+  return read_value(v.type & ~vt_by_ref, v.pointer, door);
 }
 
-void write_back(ComVariant& target, const Variant& value) {
+void write_back(ComVariant& target, const Variant& value, ObjectDoor& door) {
   if (!(target.type & vt_by_ref) || !target.pointer) return;
   const std::uint16_t type = target.type & ~vt_by_ref;
   if (type == vt_variant) {
     auto& place = *static_cast<ComVariant*>(target.pointer);
-    ComVariant answer = to_com(value);
+    ComVariant answer = to_com(value, door);
     clear(place);
     place = answer;
     return;
@@ -185,7 +181,7 @@ void write_back(ComVariant& target, const Variant& value) {
                                             : Shape::none;
   Variant fitting = value;
   if (shape == Shape::none || convert(fitting, {shape, ""}) != Conversion::done) return;
-  const ComVariant answer = to_com(fitting);
+  const ComVariant answer = to_com(fitting, door);
   ComVariant old;
   old.type = type;
   const std::size_t size = type == vt_bool ? 2 : type == vt_i4 ? 4 : 8;
