@@ -38,7 +38,8 @@ diagnostics::Outcome ask(const std::exception& failure, diagnostics::QualifiedNa
 
 }  // namespace
 
-Procedure::Next Procedure::handle(const char* module, const char* member, Tries& tries, int line) {
+StandardHandling::Next StandardHandling::handle(const char* module, const char* member,
+                                                Tries& tries, int line) {
   const diagnostics::QualifiedName name{module, member};
   diagnostics::Outcome outcome = diagnostics::Outcome::leave;
   try {
@@ -64,6 +65,6 @@ Procedure::Next Procedure::handle(const char* module, const char* member, Tries&
   }
 }
 
-void Procedure::abandon() { throw Abandoned(); }
+void StandardHandling::abandon() { throw Abandoned(); }
 
 }  // namespace qto

@@ -108,6 +108,7 @@ class DrillDown : public Object {
   void drill_to_inputs(const Ref<ModelPart>& start);
   void drill_to_errors(const Ref<ModelPart>& start);
   void find_precedents_if_necessary(Ref<ModelPart>& part);
+  void find_precedents(Ref<ModelPart>& part);
   bool already_seen(Ref<ModelPart>& part, ModelParts& list);
   ModelPart* find_analysed(ModelPart& part) const;
   void collect_input(Ref<ModelPart>& part);

@@ -24,7 +24,7 @@ std::vector<Ref<ModelPart>>& watched() {
 std::array<Ref<ModelParts>, 2> lists_of(ModelPart& part) {
   Ref<ModelParts> all;
   if (part.IntelligentDrillingUsed()) all = part.AllPrecedents();
-  return {part.DirectPrecedents(), all == part.DirectPrecedents() ? nullptr : all};
+  return {part.direct(), all == part.direct() ? nullptr : all};
 }
 
 /// Tells which watched parts somebody outside can still reach.

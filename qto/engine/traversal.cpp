@@ -81,9 +81,8 @@ class DrillDown::Walk {
 
   void pop() {
     const Frame& frame = stack_.back();
-    const auto& list = frame.part->DirectPrecedents();
-    if (drops_empty_lists_ && list && list->Count() == 0)
-      frame.part->putref_DirectPrecedents(nullptr);
+    const auto& list = frame.part->direct();
+    if (drops_empty_lists_ && list && list->size() == 0) frame.part->set_direct(nullptr);
     if (frame.is_parent && drill_.clsParser_->ParentCount() > parents_)
       drill_.clsParser_->RemoveParentRange();
     frame.walked->mark_walk(false);
@@ -124,16 +123,19 @@ ModelPart* DrillDown::find_analysed(ModelPart& part) const {
 }
 
 void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
-  Procedure proc("DrillDown", "find_precedents_if_necessary");
-  if (!part->CheckedForPrecedents()) {
-    bool cancel = false;
-    raise_about(BeforeGetPrecedents, part, cancel);
-    if (cancel)
-      part->put_CheckedForPrecedents(true);
-    else
-      clsParser_->Parse(*part, !BeforeGetPrecedents);
-  }
-  yield();
+  procedure("DrillDown", "find_precedents_if_necessary", [this, &part] {
+    if (!part->CheckedForPrecedents()) find_precedents(part);
+    yield();
+  });
+}
+
+void DrillDown::find_precedents(Ref<ModelPart>& part) {
+  bool cancel = false;
+  raise_about(BeforeGetPrecedents, part, cancel);
+  if (cancel)
+    part->set_checked(true);
+  else
+    clsParser_->Parse(*part, !BeforeGetPrecedents);
 }
 
 void DrillDown::add_to(ModelParts& parts, Ref<ModelPart>& part) {
@@ -143,20 +145,24 @@ void DrillDown::add_to(ModelParts& parts, Ref<ModelPart>& part) {
 }
 
 bool DrillDown::already_seen(Ref<ModelPart>& part, ModelParts& list) {
-  Procedure proc("DrillDown", "already_seen");
-  Ref<ModelPart> canonical(find_analysed(*part));
-  if (!canonical) {
-    add_to(*parts_analysed_, part);
-    check_max_items(parts_analysed_->Count());
-    return false;
-  }
-  if (canonical != part) {
-    list.replace(*part, canonical);
-    canonical->CheckForChanges();
-    part = canonical;
-  }
-  if (part->on_walk()) met_cycle_ = true;
-  return true;
+  return procedure(
+      "DrillDown", "already_seen",
+      [this](Ref<ModelPart>& part, ModelParts& list) QTO_INLINED {
+        Ref<ModelPart> canonical(find_analysed(*part));
+        if (!canonical) {
+          add_to(*parts_analysed_, part);
+          check_max_items(parts_analysed_->size());
+          return false;
+        }
+        if (canonical != part) {
+          list.replace(*part, canonical);
+          canonical->CheckForChanges();
+          part = canonical;
+        }
+        if (part->on_walk()) met_cycle_ = true;
+        return true;
+      },
+      part, list);
 }
 
 void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
@@ -164,19 +170,19 @@ void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
   walk.run(
       start,
       [this](Ref<ModelPart>& part) {
-        if (!find_analysed(*part)) part->put_CheckedForPrecedents(false);
+        if (!find_analysed(*part)) part->set_checked(false);
         find_precedents_if_necessary(part);
-        return part->DirectPrecedents();
+        return part->direct();
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         const bool seen = already_seen(precedent, list);
         if (maximum_depth_ != 0 && current_depth_ >= maximum_depth_) return false;
-        return !exceeded_ && !precedent->IsUnknown() && !seen;
+        return !exceeded_ && !precedent->is_unknown() && !seen;
       });
 }
 
 void DrillDown::collect_input(Ref<ModelPart>& part) {
-  switch (part->FormulaContainsConstant()) {
+  switch (part->constants()) {
     case qtoFormulaContainsConstant:
       add_to(*input_cells_, part);
       break;
@@ -194,7 +200,7 @@ void DrillDown::drill_to_inputs(const Ref<ModelPart>& start) {
       start,
       [this](Ref<ModelPart>& part) {
         find_precedents_if_necessary(part);
-        const Ref<ModelParts> list = part->DirectPrecedents();
+        const Ref<ModelParts> list = part->direct();
         if (list)
           collect_input(part);
         else
@@ -203,7 +209,7 @@ void DrillDown::drill_to_inputs(const Ref<ModelPart>& start) {
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         if (already_seen(precedent, list) || exceeded_) return false;
-        if (!precedent->IsUnknown()) return true;
+        if (!precedent->is_unknown()) return true;
         add_to(*input_cells_, precedent);
         return false;
       });
@@ -215,7 +221,7 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
       start,
       [this](Ref<ModelPart>& part) {
         find_precedents_if_necessary(part);
-        Ref<ModelParts> list = part->DirectPrecedents();
+        Ref<ModelParts> list = part->direct();
         bool any_error = false;
         if (list) any_error = list->any_error(drill_number_);
         if (any_error) return list;
@@ -224,7 +230,7 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         if (already_seen(precedent, list) || exceeded_) return false;
-        if (!precedent->IsUnknown()) return precedent->HasError();
+        if (!precedent->is_unknown()) return precedent->HasError();
         add_to(*error_cells_, precedent);
         return false;
       });

@@ -55,8 +55,7 @@ class ModelPart : public Object {
   /// "Range", "Name", "Pivot Table", "Series", "!LINK", or "" before Create.
   std::string_view ObjectType() const noexcept;
   bool IsUnknown() const noexcept {
-    Procedure proc("ModelPart", "IsUnknown[Get]");
-    return has(unknown);
+    return procedure("ModelPart", "IsUnknown[Get]", [this] { return has(unknown); });
   }
   /// True also makes the part constant.
   void put_IsUnknown(bool value);
@@ -98,8 +97,7 @@ class ModelPart : public Object {
   std::string FormulaLocal() const;
   bool FormulaHidden() const noexcept;
   const Variant& value() const noexcept {
-    Procedure proc("ModelPart", "value[Get]");
-    return value_;
+    return procedure("ModelPart", "value[Get]", [this]() -> const Variant& { return value_; });
   }
   /// The displayed text that belongs to value(); read when first asked for.
   std::string Text();
@@ -123,13 +121,11 @@ class ModelPart : public Object {
 
   bool IsConstant() const noexcept;
   void put_IsConstant(bool value) noexcept {
-    Procedure proc("ModelPart", "IsConstant[Let]");
-    set(constant, value);
+    procedure("ModelPart", "IsConstant[Let]", [this, value] { set(constant, value); });
   }
   bool HasConstant() const noexcept;
   bool HasError() const noexcept {
-    Procedure proc("ModelPart", "HasError[Get]");
-    return has(error);
+    return procedure("ModelPart", "HasError[Get]", [this] { return has(error); });
   }
   /// True once precedents are determined. A part whose formula turns out to be none counts at once.
   bool CheckedForPrecedents();
@@ -137,13 +133,13 @@ class ModelPart : public Object {
   qtoContainsConstant FormulaContainsConstant() const noexcept;
   void put_FormulaContainsConstant(qtoContainsConstant value);  ///< 80040004 outside 0 to 2
   bool IntelligentDrillingUsed() const noexcept {
-    Procedure proc("ModelPart", "IntelligentDrillingUsed[Get]");
-    return has(intelligent);
+    return procedure("ModelPart", "IntelligentDrillingUsed[Get]",
+                     [this] { return has(intelligent); });
   }
   void put_IntelligentDrillingUsed(bool value) noexcept;
   const Ref<ModelParts>& DirectPrecedents() const noexcept {
-    Procedure proc("ModelPart", "DirectPrecedents[Get]");
-    return direct_precedents_;
+    return procedure("ModelPart", "DirectPrecedents[Get]",
+                     [this]() -> const Ref<ModelParts>& { return direct_precedents_; });
   }
   void putref_DirectPrecedents(Ref<ModelParts> list);
   /// The direct precedents, unless a special function was drilled intelligently.
@@ -159,6 +155,21 @@ class ModelPart : public Object {
   void put_HasError(bool value) noexcept;
   /// Gives up both precedent lists.
   void clear_precedents();
+
+  // A drill reads and sets these for every part. The properties above do the same, each as a
+  // procedure of its own.
+
+  const Ref<ModelParts>& direct() const noexcept { return direct_precedents_; }
+  void set_direct(Ref<ModelParts> list);
+  void set_all(Ref<ModelParts> list);
+  void set_checked(bool value);
+  bool is_unknown() const noexcept { return has(unknown); }
+  bool drilled_intelligently() const noexcept { return has(intelligent); }
+  qtoContainsConstant constants() const noexcept { return formula_contains_constant_; }
+  const Ref<host::Workbook>& workbook() const noexcept {
+    return sheet_ ? sheet_->workbook : rare().workbook;
+  }
+
   bool is_range() const noexcept { return type_ == Type::range; }
   bool is_name() const noexcept { return type_ == Type::name; }
   /// The record of the sheet that a cell part lies on, or nothing.

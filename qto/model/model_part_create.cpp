@@ -18,8 +18,7 @@ ModelPart::Type ModelPart::type_of(std::string_view likely_type) noexcept {
 }
 
 ModelPart::ModelPart() : formula_contains_constant_(qtoNoConstantInFormula) {
-  Procedure proc("ModelPart", "Class_Initialize");
-  flags_ = exists | unknown;
+  procedure("ModelPart", "Class_Initialize", [this] { flags_ = exists | unknown; });
 }
 
 void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
@@ -93,15 +92,19 @@ void ModelPart::create_afresh() {
 }
 
 void ModelPart::create_cell(const Ref<SheetRecord>& sheet, CellPos pos) {
-  Procedure proc("ModelPart", "Create");
-  sheet_ = sheet;
-  pos_ = pos;
-  type_ = Type::range;
-  set(checked_for_precedents, false);
-  set(text_read, false);
-  if (!proc.step([&] { value_ = get_value(); })) return;
-  set(unknown, false);
-  set(local_file, sheet->local_file);
+  procedure(
+      "ModelPart", "Create",
+      [this, pos](StandardHandling& proc, const Ref<SheetRecord>& sheet) QTO_INLINED {
+        sheet_ = sheet;
+        pos_ = pos;
+        type_ = Type::range;
+        set(checked_for_precedents, false);
+        set(text_read, false);
+        if (!proc.step([&] { value_ = get_value(); })) return;
+        set(unknown, false);
+        set(local_file, sheet->local_file);
+      },
+      sheet);
 }
 
 void ModelPart::make_unknown(std::string_view unknown_name) {

@@ -59,8 +59,7 @@ void ModelPart::put_IsUnknown(bool value) {
 }
 
 Ref<host::Workbook> ModelPart::Workbook() const {
-  Procedure proc("ModelPart", "Workbook[Get]");
-  return sheet_ ? sheet_->workbook : rare().workbook;
+  return procedure("ModelPart", "Workbook[Get]", [this] { return workbook(); });
 }
 
 Ref<host::Application> ModelPart::ExcelApplication() const {
@@ -176,10 +175,11 @@ bool ModelPart::object_answers() const noexcept {
 }
 
 void ModelPart::check_still_exists() {
-  Procedure proc("ModelPart", "check_still_exists");
-  if (object_answers()) return;
-  if (type_ == Type::range && find_again()) return;
-  lose_object();
+  procedure("ModelPart", "check_still_exists", [this] {
+    if (object_answers()) return;
+    if (type_ == Type::range && find_again()) return;
+    lose_object();
+  });
 }
 
 /// A range whose handle went dead while its workbook still has a sheet of that name.

@@ -13,25 +13,30 @@ ModelPart::~ModelPart() {
 }
 
 bool ModelPart::HasConstant() const noexcept {
-  Procedure proc("ModelPart", "HasConstant[Get]");
-  return formula_contains_constant_ != qtoNoConstantInFormula || has(constant);
+  return procedure("ModelPart", "HasConstant[Get]", [this] {
+    return formula_contains_constant_ != qtoNoConstantInFormula || has(constant);
+  });
 }
 
 bool ModelPart::CheckedForPrecedents() {
-  Procedure proc("ModelPart", "CheckedForPrecedents[Get]");
-  if (has(checked_for_precedents)) return true;
-  std::string_view formula;
-  if (!proc.step([&] { formula = read_formula_again(); })) return has(checked_for_precedents);
-  if (formula.empty() || formula.front() != '=') {
-    set(checked_for_precedents, true);
-    set(constant, true);
-    clear_precedents();
-  }
-  return has(checked_for_precedents);
+  return procedure("ModelPart", "CheckedForPrecedents[Get]", [this](StandardHandling& proc) {
+    if (has(checked_for_precedents)) return true;
+    std::string_view formula;
+    if (!proc.step([&] { formula = read_formula_again(); })) return has(checked_for_precedents);
+    if (formula.empty() || formula.front() != '=') {
+      set(checked_for_precedents, true);
+      set(constant, true);
+      clear_precedents();
+    }
+    return has(checked_for_precedents);
+  });
 }
 
 void ModelPart::put_CheckedForPrecedents(bool value) {
-  Procedure proc("ModelPart", "CheckedForPrecedents[Let]");
+  procedure("ModelPart", "CheckedForPrecedents[Let]", [this, value] { set_checked(value); });
+}
+
+void ModelPart::set_checked(bool value) {
   set(checked_for_precedents, value);
   if (value) return;
   clear_precedents();
@@ -39,8 +44,7 @@ void ModelPart::put_CheckedForPrecedents(bool value) {
 }
 
 qtoContainsConstant ModelPart::FormulaContainsConstant() const noexcept {
-  Procedure proc("ModelPart", "FormulaContainsConstant[Get]");
-  return formula_contains_constant_;
+  return procedure("ModelPart", "FormulaContainsConstant[Get]", [this] { return constants(); });
 }
 
 void ModelPart::put_FormulaContainsConstant(qtoContainsConstant value) {
@@ -51,26 +55,32 @@ void ModelPart::put_FormulaContainsConstant(qtoContainsConstant value) {
 }
 
 void ModelPart::putref_DirectPrecedents(Ref<ModelParts> list) {
-  Procedure proc("ModelPart", "DirectPrecedents[Set]");
-  direct_precedents_ = std::move(list);
+  procedure("ModelPart", "DirectPrecedents[Set]", [this, &list] { set_direct(std::move(list)); });
 }
 
 Ref<ModelParts> ModelPart::AllPrecedents() {
-  Procedure proc("ModelPart", "AllPrecedents[Get]");
-  if (IntelligentDrillingUsed()) return rare().all_precedents;
-  if (rare_) rare_->all_precedents = nullptr;
-  return direct_precedents_;
+  return procedure("ModelPart", "AllPrecedents[Get]", [this] {
+    if (IntelligentDrillingUsed()) return rare().all_precedents;
+    if (rare_) rare_->all_precedents = nullptr;
+    return direct_precedents_;
+  });
 }
 
 void ModelPart::putref_AllPrecedents(Ref<ModelParts> list) {
-  Procedure proc("ModelPart", "AllPrecedents[Set]");
+  procedure("ModelPart", "AllPrecedents[Set]", [this, &list] { set_all(std::move(list)); });
+}
+
+void ModelPart::set_direct(Ref<ModelParts> list) { direct_precedents_ = std::move(list); }
+
+void ModelPart::set_all(Ref<ModelParts> list) {
   if (list || rare_) rare().all_precedents = std::move(list);
 }
 
 void ModelPart::clear_precedents() {
-  Procedure proc("ModelPart", "clear_precedents");
-  direct_precedents_ = nullptr;
-  putref_AllPrecedents(nullptr);
+  procedure("ModelPart", "clear_precedents", [this] {
+    set_direct(nullptr);
+    set_all(nullptr);
+  });
 }
 
 }  // namespace qto

@@ -12,35 +12,36 @@ namespace qto {
 std::string ModelPart::Formula() { return std::string(read_formula_again()); }
 
 std::string_view ModelPart::read_formula_again() {
-  Procedure proc("ModelPart", "Formula[Get]");
-  check_still_exists();
-  const bool read_before = has(formula_read);
-  // Reused: a drill reads a million formulas. A relative name's field changes while it is read.
-  thread_local std::string held, fresh;
-  held = formula_.view();
-  fresh.clear();
-  if (!read_formula_into(fresh)) fresh.clear();
-  if (!read_before || fresh == held) {
-    formula_.assign(fresh);
-    // A name's value is that of its formula, which was not known when the part was made; left as it
-    // is, the next check for changes would take the name for changed and drop its precedents.
-    if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
+  return procedure("ModelPart", "Formula[Get]", [this](StandardHandling& proc) QTO_INLINED {
+    check_still_exists();
+    const bool read_before = has(formula_read);
+    // Reused: a drill reads a million formulas. A relative name's field changes while it is read.
+    thread_local std::string held, fresh;
+    held = formula_.view();
+    fresh.clear();
+    if (!read_formula_into(fresh)) fresh.clear();
+    if (!read_before || fresh == held) {
+      formula_.assign(fresh);
+      // A name's value is that of its formula, which was not known when the part was made; left as
+      // it is, the next check for changes would take the name for changed and drop its precedents.
+      if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
+      return formula_.view();
+    }
+    const std::string before = held;
+    const std::string after = fresh;
+    formula_.assign(after);
+    set(checked_for_precedents, false);
+    clear_precedents();
+    set(results_set, false);
+    if (!after.empty()) {
+      set(unknown, false);
+      set(exists, true);
+      set(constant, false);
+      if (!proc.step([&] { value_ = get_value(); })) return formula_.view();
+    }
+    FormulaChanged(before, after);
     return formula_.view();
-  }
-  const std::string before = held;
-  const std::string after = fresh;
-  formula_.assign(after);
-  set(checked_for_precedents, false);
-  clear_precedents();
-  set(results_set, false);
-  if (!after.empty()) {
-    set(unknown, false);
-    set(exists, true);
-    set(constant, false);
-    if (!proc.step([&] { value_ = get_value(); })) return formula_.view();
-  }
-  FormulaChanged(before, after);
-  return formula_.view();
+  });
 }
 
 std::string ModelPart::read_formula() {
@@ -51,62 +52,64 @@ std::string ModelPart::read_formula() {
 
 /// False when the host refused (a hidden formula on a protected sheet).
 bool ModelPart::read_formula_into(std::string& out) {
-  Procedure proc("ModelPart", "read_formula");
-  set(formula_read, true);
-  if (!has_object()) return true;
-  try {
-    switch (type_) {
-      case Type::range:
-        if (sheet_)
-          sheet_->sheet->append_cell_formula(pos_, out);
-        else
-          out = range()->Formula();
-        return true;
-      case Type::pivot_table:
-        out = Main::inpivottable(range());
-        return true;
-      case Type::name:
-        if (has(relative_name)) {
-          check_relative_name();
-          out = formula_.view();
-        } else {
-          out = ref_cast<host::DefinedName>(rare().underlying)->RefersTo();
-        }
-        return true;
-      case Type::series:
-        out = series_values_formula(*ref_cast<host::Series>(rare().underlying));
-        return true;
-      default:
-        throw AutomationError(ErrorNumber::wrong_object);
+  return procedure("ModelPart", "read_formula", [this, &out]() QTO_INLINED {
+    set(formula_read, true);
+    if (!has_object()) return true;
+    try {
+      switch (type_) {
+        case Type::range:
+          if (sheet_)
+            sheet_->sheet->append_cell_formula(pos_, out);
+          else
+            out = range()->Formula();
+          return true;
+        case Type::pivot_table:
+          out = Main::inpivottable(range());
+          return true;
+        case Type::name:
+          if (has(relative_name)) {
+            check_relative_name();
+            out = formula_.view();
+          } else {
+            out = ref_cast<host::DefinedName>(rare().underlying)->RefersTo();
+          }
+          return true;
+        case Type::series:
+          out = series_values_formula(*ref_cast<host::Series>(rare().underlying));
+          return true;
+        default:
+          throw AutomationError(ErrorNumber::wrong_object);
+      }
+    } catch (const AutomationError&) {
+      throw;
+    } catch (const std::exception&) {
+      set(formula_hidden, true);
+      return false;
     }
-  } catch (const AutomationError&) {
-    throw;
-  } catch (const std::exception&) {
-    set(formula_hidden, true);
-    return false;
-  }
+  });
 }
 
 Variant ModelPart::get_value() {
-  Procedure proc("ModelPart", "get_value");
-  if (!has_object()) return "";
-  Variant result;
-  switch (type_) {
-    case Type::range:
-    case Type::pivot_table:
-      result = sheet_ ? sheet_->sheet->cell_value(pos_) : range()->value();
-      break;
-    case Type::name:
-      result = name_value();
-      break;
-    case Type::series:
-      result = Null{};
-      break;
-    default:
-      throw AutomationError(ErrorNumber::wrong_object);
-  }
-  set(error, result.is_error());
-  return result;
+  return procedure("ModelPart", "get_value", [this]() QTO_INLINED -> Variant {
+    if (!has_object()) return "";
+    Variant result;
+    switch (type_) {
+      case Type::range:
+      case Type::pivot_table:
+        result = sheet_ ? sheet_->sheet->cell_value(pos_) : range()->value();
+        break;
+      case Type::name:
+        result = name_value();
+        break;
+      case Type::series:
+        result = Null{};
+        break;
+      default:
+        throw AutomationError(ErrorNumber::wrong_object);
+    }
+    set(error, result.is_error());
+    return result;
+  });
 }
 
 Variant ModelPart::name_value() {

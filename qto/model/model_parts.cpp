@@ -8,7 +8,10 @@
 namespace qto {
 
 void ModelParts::AddExisting(Ref<ModelPart>& part) {
-  Procedure proc("ModelParts", "AddExisting");
+  procedure("ModelParts", "AddExisting", [this, &part] { add(part); });
+}
+
+void ModelParts::add(Ref<ModelPart>& part) {
   BeforeItemAdded(part);
   if (!part || in_some_block(*part)) return;
   try {
@@ -19,7 +22,10 @@ void ModelParts::AddExisting(Ref<ModelPart>& part) {
 }
 
 std::int32_t ModelParts::Count() const noexcept {
-  Procedure proc("ModelParts", "Count[Get]");
+  return procedure("ModelParts", "Count[Get]", [this] { return size(); });
+}
+
+std::int32_t ModelParts::size() const noexcept {
   auto count = static_cast<std::int64_t>(parts_.count());
   if (blocks_)
     for (const Entry& entry : *blocks_) count += entry.block->count();
@@ -137,7 +143,7 @@ bool ModelParts::in_some_block(const ModelPart& part) const noexcept {
 bool ModelParts::any_unknown() {
   Pass pass = NewEnum();
   while (const ModelPart* part = pass.next_single())
-    if (part->IsUnknown()) return true;
+    if (part->is_unknown()) return true;
   return false;
 }
 

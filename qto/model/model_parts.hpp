@@ -68,6 +68,8 @@ class ModelParts : public Object {
   /// Appends the cells of a large range; false, and nothing is added, when some of them are in the
   /// list already or might be.
   bool add_block(const Ref<RangeBlock>& block);
+  /// As Count().
+  std::int32_t size() const noexcept;
   /// Probe: the part under a key, or null.
   ModelPart* find(const PartKey& key) const;
   bool remove(const PartKey& key);
@@ -88,6 +90,7 @@ class ModelParts : public Object {
   };
   using Entries = std::vector<Entry>;
 
+  void add(Ref<ModelPart>& part);
   bool in_some_block(const ModelPart& part) const noexcept;
   bool meets_a_single(const RangeBlock& block);
   bool has_gaps() const noexcept;

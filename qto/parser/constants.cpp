@@ -15,8 +15,7 @@ void Parser::flag_contains_constant(std::string_view text) {
 
 void Parser::raise_contains_constant(qtoContainsConstant found) {
   if (found == qtoFormulaContainsConstant ||
-      (found != qtoNoConstantInFormula &&
-       part_->FormulaContainsConstant() == qtoNoConstantInFormula))
+      (found != qtoNoConstantInFormula && part_->constants() == qtoNoConstantInFormula))
     part_->put_FormulaContainsConstant(found);
 }
 
@@ -33,28 +32,29 @@ bool is_zero(const Variant& value) noexcept {
 
 }  // namespace
 
-bool leaves_something_out(const DrillOptions& options) {
-  return !options.ShowZeros() || !options.ShowBlanks() || !options.ShowDates();
+bool leaves_something_out(const DrillOptions::Settings& options) {
+  return !options.show_zeros || !options.show_blanks || !options.show_dates;
 }
 
 void Parser::parse_zeros_blanks_dates_intelligently() {
-  Procedure proc("Parser", "parse_zeros_blanks_dates_intelligently");
-  const bool zeros = options().ShowZeros();
-  const bool blanks = options().ShowBlanks();
-  const bool dates = options().ShowDates();
-  if (zeros && blanks && dates) return;
-  ModelParts::Pass pass(found_);
-  while (ModelPart* found = pass.next()) {
-    const Variant& value = found->value();
-    if (found->IsUnknown() || value.is_error()) continue;
-    if (!found->is_range() && !found->is_name()) continue;
-    const bool marked =
-        (!zeros && is_zero(value)) || (!blanks && value.is_empty()) || (!dates && value.is_date());
-    if (!marked) continue;
-    const PartKey key = found->Key();
-    found_->remove(key);
-    part_->put_IntelligentDrillingUsed(true);
-  }
+  procedure("Parser", "parse_zeros_blanks_dates_intelligently", [this]() QTO_INLINED {
+    const bool zeros = options().show_zeros;
+    const bool blanks = options().show_blanks;
+    const bool dates = options().show_dates;
+    if (zeros && blanks && dates) return;
+    ModelParts::Pass pass(found_);
+    while (ModelPart* found = pass.next()) {
+      const Variant& value = found->value();
+      if (found->is_unknown() || value.is_error()) continue;
+      if (!found->is_range() && !found->is_name()) continue;
+      const bool marked = (!zeros && is_zero(value)) || (!blanks && value.is_empty()) ||
+                          (!dates && value.is_date());
+      if (!marked) continue;
+      const PartKey key = found->Key();
+      found_->remove(key);
+      part_->put_IntelligentDrillingUsed(true);
+    }
+  });
 }
 
 }  // namespace qto

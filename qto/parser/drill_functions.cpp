@@ -193,7 +193,7 @@ DrillVerdict Parser::parse_if(Tokens tokens, std::size_t& position) {
   }
   bool second_pass = true;
   do_parse(branches[*chosen ? 0 : 1], second_pass);
-  if (options().ParseIf() == qtodrillconditionandused) {
+  if (options().parse_if == qtodrillconditionandused) {
     second_pass = true;
     do_parse(condition, second_pass);
   }

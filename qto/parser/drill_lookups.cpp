@@ -88,7 +88,7 @@ DrillVerdict Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
     const auto along = static_cast<std::int32_t>(*place);
     add_cell_part(by_column ? table->Cells(along, index) : table->Cells(index, along));
   }
-  if (options().ParseLookup() == qtodrillconditionandused) {
+  if (options().parse_lookup == qtodrillconditionandused) {
     bool second_pass = true;
     do_parse(args[0], second_pass);
   }
@@ -116,7 +116,7 @@ DrillVerdict Parser::parse_lookup(Tokens tokens, std::size_t& position) {
     const auto along = static_cast<std::int32_t>(*place);
     add_cell_part(vector->RowsCount() == 1 ? result->Cells(1, along) : result->Cells(along, 1));
   }
-  if (options().ParseLookup() == qtodrillconditionandused) {
+  if (options().parse_lookup == qtodrillconditionandused) {
     bool second_pass = true;
     do_parse(args[0], second_pass);
   }
@@ -154,7 +154,7 @@ DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
       add_cell_part(sums ? sums->Cells(row, column) : cell);
     }
   }
-  if (options().ParseSumif() == qtodrillconditionandused) {
+  if (options().parse_sumif == qtodrillconditionandused) {
     bool second_pass = true;
     do_parse(args[1], second_pass);
   }

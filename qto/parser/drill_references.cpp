@@ -47,7 +47,7 @@ DrillVerdict Parser::parse_offset(Tokens tokens, std::size_t& position) {
     return DrillVerdict::no_reference;
   }
   walk_text("=" + range->Address(), false);
-  if (options().ParseOffset() == qtodrillindirectboth) {
+  if (options().parse_offset == qtodrillindirectboth) {
     bool second_pass = true;
     do_parse(args[0], second_pass);
   }
@@ -63,7 +63,7 @@ DrillVerdict Parser::parse_indirect(Tokens tokens, std::size_t& position) {
     target = Main::shared_application()->ConvertFormula(
         target, host::xlR1C1, host::xlA1, ref_cast<host::Range>(part_->UnderlyingObject()));
   const DrillVerdict verdict = parse_indirect_real(target);
-  if (options().ParseIndirect() != qtodrillindirectboth) return verdict;
+  if (options().parse_indirect != qtodrillindirectboth) return verdict;
   for (const Tokens argument : args) {
     bool second_pass = true;
     do_parse(argument, second_pass);

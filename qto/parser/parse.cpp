@@ -16,21 +16,21 @@ void Parser::putref_ParseOptions(Ref<DrillOptions> options) {
   options_ = std::move(options);
 }
 
-const DrillOptions& Parser::options() {
+const DrillOptions::Settings& Parser::options() {
   if (!options_) options_ = make_ref<DrillOptions>();
-  return *options_;
+  return options_->settings();
 }
 
 void Parser::AddParentRange(ModelPart& part) {
-  Procedure proc("Parser", "AddParentRange");
-  parents_.emplace_back(&part);
+  procedure("Parser", "AddParentRange", [this, &part] { parents_.emplace_back(&part); });
 }
 
 void Parser::RemoveParentRange() {
-  Procedure proc("Parser", "RemoveParentRange");
-  (void)proc.step([&] {
-    if (parents_.empty()) throw NumberedFailure(9, "no parent part to remove");
-    parents_.pop_back();
+  procedure("Parser", "RemoveParentRange", [this](StandardHandling& proc) {
+    (void)proc.step([&] {
+      if (parents_.empty()) throw NumberedFailure(9, "no parent part to remove");
+      parents_.pop_back();
+    });
   });
 }
 
@@ -42,7 +42,7 @@ ModelPart& Parser::most_recent_parent() {
 
 void Parser::enter_part(ModelPart& part) {
   part_ = Ref<ModelPart>(&part);
-  const auto workbook = part.Workbook();
+  const auto& workbook = part.workbook();
   const bool same_place = workbook == own_workbook_ && part.sheet_record() &&
                           part.sheet_record() == last_record_ && own_worksheet_ &&
                           own_worksheet_->IdentityStamp() == last_record_->stamp &&
@@ -86,11 +86,11 @@ std::string place_of(const void* subject) {
 }  // namespace
 
 std::uint32_t Parser::options_signature() {
-  const DrillOptions& chosen = options();
+  const DrillOptions::Settings& chosen = options();
   std::uint32_t signature = 1;
   for (const qtoDrillType type :
-       {chosen.ParseIf(), chosen.ParseLookup(), chosen.ParseSumif(), chosen.ParseIndex(),
-        chosen.ParseMatch(), chosen.ParseIndirect(), chosen.ParseOffset()})
+       {chosen.parse_if, chosen.parse_lookup, chosen.parse_sumif, chosen.parse_index,
+        chosen.parse_match, chosen.parse_indirect, chosen.parse_offset})
     signature = signature * 8 + static_cast<std::uint32_t>(type);
   return signature;
 }
@@ -120,49 +120,56 @@ void Parser::remember(const host::FormulaPattern& pattern, qtoContainsConstant b
   if (pattern.id == 0 || before != qtoNoConstantInFormula) return;
   if (memory_.find(last_record_->stamp, pattern.id)) return;
   auto formula = remembered(table_.tokens, part_->cell(), pattern.references);
-  if (formula) formula->constants = part_->FormulaContainsConstant();
+  if (formula) formula->constants = part_->constants();
   memory_.keep(last_record_->stamp, pattern.id, std::move(formula));
 }
 
 void Parser::Parse(ModelPart& part, bool just_read) {
-  Procedure proc("Parser", "Parse");
-  const diagnostics::Subject subject(&part, place_of);
-  part.put_CheckedForPrecedents(false);
-  if (part.IsUnknown()) {
-    part.putref_DirectPrecedents(nullptr);
-    part.putref_AllPrecedents(nullptr);
-    part.put_CheckedForPrecedents(true);
-    return;
-  }
-  const std::string_view formula = just_read ? part.held_formula() : part.read_formula_again();
-  if (!formula.starts_with('=')) {
-    part.put_IsConstant(true);
-    part.putref_DirectPrecedents(nullptr);
-    part.putref_AllPrecedents(nullptr);
-    part.put_CheckedForPrecedents(true);
-    return;
-  }
-  found_ = make_ref<ModelParts>();
-  if (!proc.step([&] { enter_part(part); })) return;
-  bool drill_intelligently = false;
-  const host::FormulaPattern pattern = pattern_of(part);
-  if (!follow_remembered(pattern)) {
-    const qtoContainsConstant constants = part.FormulaContainsConstant();
-    split_formula(formula, table_);
-    do_parse(table_.tokens, drill_intelligently);
-    if (!drill_intelligently) remember(pattern, constants);
-    if (!proc.step([&] { check_for_unknown_precedents(); })) return;
-  }
-  // A part that was drilled intelligently before shows its own list, not that of another part.
-  if (drill_intelligently || leaves_something_out(options()) || part.IntelligentDrillingUsed())
-    keep_all_precedents();
-  if (drill_intelligently) parse_functions_intelligently();
-  part.putref_DirectPrecedents(found_);
-  part.put_CheckedForPrecedents(true);
-  part.put_IsConstant(found_->Count() == 0);
-  if (found_->Count() > 0) parse_zeros_blanks_dates_intelligently();
-  part.putref_AllPrecedents(part.IntelligentDrillingUsed() ? all_ : nullptr);
-  if (found_->Count() == 0) found_ = nullptr;
+  procedure(
+      "Parser", "Parse",
+      [this, just_read](StandardHandling& proc, ModelPart& part) QTO_INLINED {
+        const diagnostics::Subject subject(&part, place_of);
+        part.set_checked(false);
+        if (part.is_unknown()) {
+          part.set_direct(nullptr);
+          part.set_all(nullptr);
+          part.set_checked(true);
+          return;
+        }
+        const std::string_view formula =
+            just_read ? part.held_formula() : part.read_formula_again();
+        if (!formula.starts_with('=')) {
+          part.put_IsConstant(true);
+          part.set_direct(nullptr);
+          part.set_all(nullptr);
+          part.set_checked(true);
+          return;
+        }
+        found_ = make_ref<ModelParts>();
+        if (!proc.step([&] { enter_part(part); })) return;
+        bool drill_intelligently = false;
+        const host::FormulaPattern pattern = pattern_of(part);
+        if (!follow_remembered(pattern)) {
+          const qtoContainsConstant constants = part.constants();
+          split_formula(formula, table_);
+          do_parse(table_.tokens, drill_intelligently);
+          if (!drill_intelligently) remember(pattern, constants);
+          if (!proc.step([&] { check_for_unknown_precedents(); })) return;
+        }
+        // A part that was drilled intelligently before shows its own list, not that of another
+        // part.
+        if (drill_intelligently || leaves_something_out(options()) || part.drilled_intelligently())
+          keep_all_precedents();
+        if (drill_intelligently) parse_functions_intelligently();
+        part.set_direct(found_);
+        part.set_checked(true);
+        const bool any = found_->size() > 0;
+        part.put_IsConstant(!any);
+        if (any) parse_zeros_blanks_dates_intelligently();
+        part.set_all(part.drilled_intelligently() ? all_ : nullptr);
+        if (found_->size() == 0) found_ = nullptr;
+      },
+      part);
 }
 
 /// What the first walk found; only a part that drops some of it keeps this list.

@@ -22,7 +22,7 @@
 namespace qto {
 
 /// True when some precedents are to be left out for what they hold.
-bool leaves_something_out(const DrillOptions& options);
+bool leaves_something_out(const DrillOptions::Settings& options);
 
 /// Finds the direct precedents of one part at a time: reads its formula, cuts it into tokens,
 /// resolves every reference through the host and stores the results in the part. Private to the
@@ -99,7 +99,7 @@ class Parser {
   void remember(const host::FormulaPattern& pattern, qtoContainsConstant before);
   void raise_contains_constant(qtoContainsConstant found);
   std::uint32_t options_signature();
-  const DrillOptions& options();
+  const DrillOptions::Settings& options();
 
   // Intelligent drilling: the second walk, which follows only what feeds the result
   void parse_functions_intelligently();

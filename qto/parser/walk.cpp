@@ -87,22 +87,22 @@ bool Parser::walk_token(Tokens tokens, std::size_t& i, Qualifiers& at, LinkText&
 }
 
 bool Parser::wants_intelligent_drilling(TokenType type) {
-  const DrillOptions& chosen = options();
+  const DrillOptions::Settings& chosen = options();
   switch (type) {
     case TokenType::indirect:
-      return chosen.ParseIndirect() != qtoDrillIndirectApparent;
+      return chosen.parse_indirect != qtoDrillIndirectApparent;
     case TokenType::offset:
-      return chosen.ParseOffset() != qtoDrillIndirectApparent;
+      return chosen.parse_offset != qtoDrillIndirectApparent;
     case TokenType::match:
-      return chosen.ParseMatch() != qtoDrillAll;
+      return chosen.parse_match != qtoDrillAll;
     case TokenType::index:
-      return chosen.ParseIndex() != qtoDrillAll;
+      return chosen.parse_index != qtoDrillAll;
     case TokenType::if_function:
-      return chosen.ParseIf() != qtoDrillAll;
+      return chosen.parse_if != qtoDrillAll;
     case TokenType::sumif:
-      return chosen.ParseSumif() != qtoDrillAll;
+      return chosen.parse_sumif != qtoDrillAll;
     default:
-      return chosen.ParseLookup() != qtoDrillAll;
+      return chosen.parse_lookup != qtoDrillAll;
   }
 }
 

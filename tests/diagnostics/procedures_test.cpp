@@ -10,8 +10,7 @@
 #include <sstream>
 #include <string>
 
-/// The list of procedures against the sources: what they register, and what the public classes
-/// offer.
+/// The list of procedures against what the sources register.
 namespace qto::diagnostics {
 namespace {
 
@@ -31,9 +30,11 @@ std::string source(const std::filesystem::path& file) {
 }
 
 /// Every `Procedure proc("Module", …"member"…)` of a text, where a choice between two members
-/// registers both, and every walk with its own stack, whose frames register one by one.
+/// registers both, every `procedure("Module", "member", …`, and every walk with its own stack,
+/// whose frames register one by one.
 void collect(const std::string& text, Names& names) {
   static const std::regex frame(R"re(Procedure\s+\w+\(\s*"(\w+)",([^;]*)\);)re");
+  static const std::regex body(R"re(\bprocedure\(\s*"(\w+)",\s*"([^"]+)")re");
   static const std::regex walk(R"re(Walk \w+\(\*this, "(\w+)",)re");
   static const std::regex literal(R"re("([^"]+)")re");
   for (std::sregex_iterator at(text.begin(), text.end(), frame), end; at != end; ++at) {
@@ -42,6 +43,8 @@ void collect(const std::string& text, Names& names) {
     for (std::sregex_iterator one(members.begin(), members.end(), literal); one != end; ++one)
       names.insert(module + "." + (*one)[1].str());
   }
+  for (std::sregex_iterator at(text.begin(), text.end(), body), end; at != end; ++at)
+    names.insert((*at)[1].str() + "." + (*at)[2].str());
   for (std::sregex_iterator at(text.begin(), text.end(), walk), end; at != end; ++at)
     names.insert("DrillDown." + (*at)[1].str());
 }
@@ -55,53 +58,6 @@ TEST(Procedures, OfTheSourcesAreThoseOfTheList) {
     if (extension == ".cpp" || extension == ".hpp") collect(source(entry.path()), registered);
   }
   EXPECT_THAT(registered, testing::ContainerEq(listed()));
-}
-
-/// Public members of a class as its header declares them: "Count()", "put_Title(" and so on.
-/// Published names begin with a capital letter, all but one.
-Names public_members(const std::string& name, const std::string& header) {
-  const std::string text = source(std::string(QTO_SOURCE_DIR "/qto/") + header);
-  const std::size_t begin = text.find("class " + name + " : public Object {");
-  const std::size_t end = text.find(" private:", begin);
-  EXPECT_NE(begin, std::string::npos) << name;
-  const std::string body =
-      std::regex_replace(text.substr(begin, end - begin), std::regex("//[^\n]*"), "");
-  static const std::regex declared(R"re([\w>&] ((?:put_|putref_)?[A-Z]\w+|value)\()re");
-  Names members;
-  for (std::sregex_iterator at(body.begin(), body.end(), declared), stop; at != stop; ++at)
-    members.insert((*at)[1]);
-  members.erase("TypeName");  // of every object
-  members.erase("Key");       // of the engine's own collections
-  members.erase("Pass");
-  return members;
-}
-
-std::string accessor(const std::string& member) {
-  if (member.starts_with("put_")) return member.substr(4) + "[Let]";
-  if (member.starts_with("putref_")) return member.substr(7) + "[Set]";
-  return member;
-}
-
-TEST(Procedures, HoldEveryPublicMember) {
-  const struct {
-    const char* name;
-    const char* header;
-  } classes[] = {{"DrillDown", "engine/drill_down.hpp"},
-                 {"DrillOptions", "engine/options/drill_options.hpp"},
-                 {"LinkList", "links/link_list.hpp"},
-                 {"LinkedBook", "links/linked_book.hpp"},
-                 {"LinkedBooks", "links/linked_books.hpp"},
-                 {"ModelPart", "model/model_part.hpp"},
-                 {"ModelParts", "model/model_parts.hpp"}};
-  const Names names = listed();
-  for (const auto& [name, header] : classes) {
-    const Names members = public_members(name, header);
-    EXPECT_GE(members.size(), 4u) << name;
-    for (const std::string& member : members) {
-      const std::string qualified = std::string(name) + "." + accessor(member);
-      EXPECT_TRUE(names.contains(qualified) || names.contains(qualified + "[Get]")) << qualified;
-    }
-  }
 }
 
 }  // namespace

@@ -84,7 +84,9 @@ class EveryProcedure : public testing::Test {
     (void)part.AddressLong(qtoaddressPath), (void)part.AddressLongLocal(qtoaddressBook);
     (void)part.FormulaLocal(), (void)part.FormulaHidden(), (void)part.EmbeddedChartName();
     (void)part.ExcelApplication(), (void)part.Sheet(), (void)part.ObjectType();
-    (void)part.AllPrecedents(), (void)part.WorkBookFullName(), (void)part.value();
+    part.putref_DirectPrecedents(Ref<ModelParts>(part.DirectPrecedents()));
+    part.putref_AllPrecedents(part.AllPrecedents());
+    (void)part.WorkBookFullName(), (void)part.value();
     part.put_IsUnknown(part.IsUnknown());
     const auto unknown = make_ref<ModelPart>();
     unknown->Create(nullptr, "Range", "A1");

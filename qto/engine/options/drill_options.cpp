@@ -24,125 +24,138 @@ DrillOptions::DrillOptions() {
 
 void DrillOptions::ShowNormal() {
   Procedure proc("DrillOptions", "ShowNormal");
-  parse_if_ = parse_lookup_ = parse_match_ = parse_index_ = parse_sumif_ = qtoDrillAll;
-  parse_indirect_ = parse_offset_ = qtoDrillIndirectApparent;
-  show_blanks_ = show_zeros_ = show_dates_ = true;
+  settings_ = {.parse_if = qtoDrillAll,
+               .parse_indirect = qtoDrillIndirectApparent,
+               .parse_offset = qtoDrillIndirectApparent,
+               .parse_lookup = qtoDrillAll,
+               .parse_match = qtoDrillAll,
+               .parse_index = qtoDrillAll,
+               .parse_sumif = qtoDrillAll,
+               .show_blanks = true,
+               .show_zeros = true,
+               .show_dates = true};
 }
 
 void DrillOptions::ShowAll() {
   Procedure proc("DrillOptions", "ShowAll");
   ShowNormal();
-  parse_indirect_ = parse_offset_ = qtodrillindirectboth;
+  settings_.parse_indirect = settings_.parse_offset = qtodrillindirectboth;
 }
 
 void DrillOptions::ShowMinimal() {
   Procedure proc("DrillOptions", "ShowMinimal");
-  parse_if_ = parse_lookup_ = parse_index_ = parse_sumif_ = qtodrillusedsection;
-  parse_match_ = qtoDrillMatchCondition;
-  parse_indirect_ = parse_offset_ = qtoDrillIndirectReal;
-  show_blanks_ = show_zeros_ = show_dates_ = false;
+  settings_ = {.parse_if = qtodrillusedsection,
+               .parse_indirect = qtoDrillIndirectReal,
+               .parse_offset = qtoDrillIndirectReal,
+               .parse_lookup = qtodrillusedsection,
+               .parse_match = qtoDrillMatchCondition,
+               .parse_index = qtodrillusedsection,
+               .parse_sumif = qtodrillusedsection,
+               .show_blanks = false,
+               .show_zeros = false,
+               .show_dates = false};
 }
 
 bool DrillOptions::ShowBlanks() const {
   Procedure proc("DrillOptions", "ShowBlanks[Get]");
-  return show_blanks_;
+  return settings_.show_blanks;
 }
 
 void DrillOptions::put_ShowBlanks(bool show) {
   Procedure proc("DrillOptions", "ShowBlanks[Let]");
-  show_blanks_ = show;
+  settings_.show_blanks = show;
 }
 
 bool DrillOptions::ShowZeros() const {
   Procedure proc("DrillOptions", "ShowZeros[Get]");
-  return show_zeros_;
+  return settings_.show_zeros;
 }
 
 void DrillOptions::put_ShowZeros(bool show) {
   Procedure proc("DrillOptions", "ShowZeros[Let]");
-  show_zeros_ = show;
+  settings_.show_zeros = show;
 }
 
 bool DrillOptions::ShowDates() const {
   Procedure proc("DrillOptions", "ShowDates[Get]");
-  return show_dates_;
+  return settings_.show_dates;
 }
 
 void DrillOptions::put_ShowDates(bool show) {
   Procedure proc("DrillOptions", "ShowDates[Let]");
-  show_dates_ = show;
+  settings_.show_dates = show;
 }
 
 qtoDrillType DrillOptions::ParseIf() const {
   Procedure proc("DrillOptions", "ParseIf[Get]");
-  return parse_if_;
+  return settings_.parse_if;
 }
 
 void DrillOptions::put_ParseIf(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseIf[Let]");
-  store(parse_if_, type, {qtoDrillAll, qtodrillusedsection, qtodrillconditionandused});
+  store(settings_.parse_if, type, {qtoDrillAll, qtodrillusedsection, qtodrillconditionandused});
 }
 
 qtoDrillType DrillOptions::ParseLookup() const {
   Procedure proc("DrillOptions", "ParseLookup[Get]");
-  return parse_lookup_;
+  return settings_.parse_lookup;
 }
 
 void DrillOptions::put_ParseLookup(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseLookup[Let]");
-  store(parse_lookup_, type, {qtoDrillAll, qtodrillusedsection, qtodrillconditionandused});
+  store(settings_.parse_lookup, type, {qtoDrillAll, qtodrillusedsection, qtodrillconditionandused});
 }
 
 qtoDrillType DrillOptions::ParseSumif() const {
   Procedure proc("DrillOptions", "ParseSumif[Get]");
-  return parse_sumif_;
+  return settings_.parse_sumif;
 }
 
 void DrillOptions::put_ParseSumif(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseSumif[Let]");
-  store(parse_sumif_, type, {qtoDrillAll, qtodrillusedsection, qtodrillconditionandused});
+  store(settings_.parse_sumif, type, {qtoDrillAll, qtodrillusedsection, qtodrillconditionandused});
 }
 
 qtoDrillType DrillOptions::ParseIndirect() const {
   Procedure proc("DrillOptions", "ParseIndirect[Get]");
-  return parse_indirect_;
+  return settings_.parse_indirect;
 }
 
 void DrillOptions::put_ParseIndirect(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseIndirect[Let]");
-  store(parse_indirect_, type,
+  store(settings_.parse_indirect, type,
         {qtoDrillIndirectReal, qtoDrillIndirectApparent, qtodrillindirectboth});
 }
 
 qtoDrillType DrillOptions::ParseOffset() const {
   Procedure proc("DrillOptions", "ParseOffset[Get]");
-  return parse_offset_;
+  return settings_.parse_offset;
 }
 
 void DrillOptions::put_ParseOffset(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseOffset[Let]");
-  store(parse_offset_, type,
+  store(settings_.parse_offset, type,
         {qtoDrillIndirectReal, qtoDrillIndirectApparent, qtodrillindirectboth});
 }
 
 qtoDrillType DrillOptions::ParseIndex() const {
   Procedure proc("DrillOptions", "ParseIndex[Get]");
-  return parse_index_;
+  return settings_.parse_index;
 }
 
 void DrillOptions::put_ParseIndex(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseIndex[Let]");
-  store(parse_index_, type, {qtoDrillAll, qtodrillusedsection});
+  store(settings_.parse_index, type, {qtoDrillAll, qtodrillusedsection});
 }
 
 qtoDrillType DrillOptions::ParseMatch() const {
   Procedure proc("DrillOptions", "ParseMatch[Get]");
-  return parse_match_;
+  return settings_.parse_match;
 }
 
 void DrillOptions::put_ParseMatch(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseMatch[Let]");
-  store(parse_match_, type, {qtoDrillAll, qtoDrillMatchCondition});
+  store(settings_.parse_match, type, {qtoDrillAll, qtoDrillMatchCondition});
 }
 
 }  // namespace qto

@@ -47,10 +47,18 @@ class DrillOptions : public Object {
   qtoDrillType ParseMatch() const;
   void put_ParseMatch(qtoDrillType type);  ///< 0, 6
 
+  // Inside the engine only
+
+  /// Everything at once; a parse reads it several times.
+  struct Settings {
+    qtoDrillType parse_if, parse_indirect, parse_offset, parse_lookup, parse_match, parse_index,
+        parse_sumif;
+    bool show_blanks, show_zeros, show_dates;
+  };
+  const Settings& settings() const noexcept { return settings_; }
+
  private:
-  qtoDrillType parse_if_, parse_indirect_, parse_offset_, parse_lookup_, parse_match_, parse_index_,
-      parse_sumif_;
-  bool show_blanks_, show_zeros_, show_dates_;
+  Settings settings_;
 };
 
 }  // namespace qto
