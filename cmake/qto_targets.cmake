@@ -21,6 +21,12 @@ install(TARGETS qto_flags EXPORT qto-targets)
 # looks down on are part of its interface, so a client links one name.
 function(qto_layer target folder)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  # What differs between systems stands in files that say so.
+  if(WIN32)
+    list(FILTER sources EXCLUDE REGEX "_posix\\.cpp$")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_windows\\.cpp$")
+  endif()
   file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.hpp)
   if(sources)
     add_library(${target} STATIC ${sources})

@@ -137,14 +137,5 @@ TEST(LateBound, ByReferenceArgumentsAreAnswered) {
   parts->BeforeItemAdded.remove(token);
 }
 
-TEST(LateBound, EveryPlaceOfTheFunctionTableCanBeCalled) {
-  const LateBound drill("DrillDown");
-  Variant depth[] = {Variant(3)};
-  invoke_entry(*drill.table, *drill.object, 7, depth);
-  EXPECT_EQ(invoke_entry(*drill.table, *drill.object, 6, {}), Variant(3));
-  EXPECT_EQ(error_of([&] { invoke_entry(*drill.table, *drill.object, 6, depth); }), "8002000E");
-  EXPECT_EQ(error_of([&] { invoke_entry(*drill.table, *drill.object, 20, {}); }), "80020003");
-}
-
 }  // namespace
 }  // namespace qto::server

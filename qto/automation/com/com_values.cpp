@@ -1,8 +1,6 @@
 #include "qto/automation/com/com_values.hpp"
 
-#include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "qto/automation/com/convert.hpp"
 #include "qto/automation/com/errors.hpp"
@@ -11,46 +9,24 @@
 namespace qto::server::com {
 namespace {
 
-constexpr std::size_t header = 8;  // keeps the text aligned; the count takes the last four bytes
 constexpr std::uint32_t cell_error = 0x800A0000;
-
-void* checked(void* memory) {
-  if (!memory) throw std::bad_alloc();
-  return memory;
-}
-
-std::uint32_t text_bytes(const char16_t* text) {
-  std::uint32_t bytes = 0;
-  if (text) std::memcpy(&bytes, reinterpret_cast<const char*>(text) - 4, sizeof bytes);
-  return bytes;
-}
-
-std::size_t element_count(const Array& array) {
-  std::size_t count = 1;
-  for (int i = 0; i < array.dimensions; ++i) count *= array.bounds[i].count;
-  return count;
-}
-
-void free_array(Array* array) noexcept {
-  if (!array) return;
-  auto* elements = static_cast<ComVariant*>(array->data);
-  for (std::size_t i = 0; i < element_count(*array); ++i) clear(elements[i]);
-  std::free(elements);
-  std::free(array);
-}
 
 /// Columns follow each other, as in every array of automation.
 Array* make_array(const VariantArray& values, ObjectDoor& door) {
-  const auto rows = static_cast<std::uint32_t>(values.rows());
-  const auto columns = static_cast<std::uint32_t>(values.columns());
-  auto* array = static_cast<Array*>(checked(std::calloc(1, sizeof(Array))));
-  array->data = std::calloc(values.items().size() + 1, sizeof(ComVariant));
-  *array = {2, 0x880, sizeof(ComVariant), 0, array->data, {{columns, 1}, {rows, 1}}};
-  auto* element = static_cast<ComVariant*>(checked(array->data));
-  for (int column = 1; column <= values.columns(); ++column)
-    for (int row = 1; row <= values.rows(); ++row)
-      *element++ = to_com(values.at(row, column), door);
-  return array;
+  ComVariant owner;
+  owner.array = allocate_array(static_cast<std::uint32_t>(values.rows()),
+                               static_cast<std::uint32_t>(values.columns()));
+  owner.type = vt_array | vt_variant;
+  auto* element = static_cast<ComVariant*>(owner.array->data);
+  try {
+    for (int column = 1; column <= values.columns(); ++column)
+      for (int row = 1; row <= values.rows(); ++row)
+        *element++ = to_com(values.at(row, column), door);
+  } catch (...) {
+    clear(owner);
+    throw;
+  }
+  return owner.array;
 }
 
 Variant error_value(std::uint32_t code) {
@@ -60,41 +36,60 @@ Variant error_value(std::uint32_t code) {
 
 Variant read_value(std::uint16_t type, const void* at, ObjectDoor& door) {
   ComVariant v;
-  if (type == vt_variant) return from_com(*static_cast<const ComVariant*>(at), door);
-  std::memcpy(v.bits, at,
-              type == vt_bool || type == vt_i2                     ? 2
-              : type == vt_i4 || type == vt_r4 || type == vt_error ? 4
-                                                                   : 8);
+  if (type == vt_variant) {
+    const auto& held = *static_cast<const ComVariant*>(at);
+    // A reference to a reference to a variant could go round in a circle.
+    if (held.type == (vt_by_ref | vt_variant)) throw CallFailure(CallError::type_mismatch);
+    return from_com(held, door);
+  }
+  std::memcpy(&v.bits, at, size_of_value(type));
   v.type = type;
   return from_com(v, door);
 }
 
+/// Whole numbers that are no Long cross as Doubles.
+Variant whole_number(std::int64_t number) {
+  if (number == static_cast<std::int32_t>(number))
+    return Variant(static_cast<std::int32_t>(number));
+  return Variant(static_cast<double>(number));
+}
+
 }  // namespace
 
-Text make_text(std::string_view utf8) {
-  const std::u16string wide = text::to_utf16(utf8);
-  const auto bytes = static_cast<std::uint32_t>(wide.size() * sizeof(char16_t));
-  auto* memory = static_cast<char*>(checked(std::malloc(header + bytes + sizeof(char16_t))));
-  std::memcpy(memory + header - 4, &bytes, sizeof bytes);
-  std::memcpy(memory + header, wide.c_str(), bytes + sizeof(char16_t));
-  return reinterpret_cast<Text>(memory + header);
+std::size_t size_of_value(std::uint16_t type) {
+  switch (type) {
+    case vt_i1:
+    case vt_u1:
+      return 1;
+    case vt_i2:
+    case vt_u2:
+    case vt_bool:
+      return 2;
+    case vt_i4:
+    case vt_u4:
+    case vt_int:
+    case vt_uint:
+    case vt_r4:
+    case vt_error:
+      return 4;
+    case vt_text:
+    case vt_dispatch:
+    case vt_unknown:
+      return sizeof(void*);
+    case vt_i8:
+    case vt_u8:
+    case vt_r8:
+    case vt_date:
+    case vt_currency:
+      return 8;
+    default:
+      throw CallFailure(CallError::type_mismatch);
+  }
 }
 
-std::string read_text(const char16_t* text) {
-  return text::from_utf16({text, text_bytes(text) / sizeof(char16_t)});
-}
+Text make_text(std::string_view utf8) { return allocate_text(text::to_utf16(utf8)); }
 
-void free_text(Text text) noexcept {
-  if (text) std::free(reinterpret_cast<char*>(text) - header);
-}
-
-void clear(ComVariant& variant) noexcept {
-  if (variant.type == vt_text) free_text(variant.text);
-  if (variant.type == (vt_array | vt_variant)) free_array(variant.array);
-  if ((variant.type == vt_dispatch || variant.type == vt_unknown) && variant.unknown)
-    variant.unknown->Release();
-  variant = ComVariant();
-}
+std::string read_text(const char16_t* text) { return text::from_utf16({text, text_length(text)}); }
 
 ComVariant to_com(const Variant& value, ObjectDoor& door) {
   ComVariant out;
@@ -138,9 +133,23 @@ Variant from_com(const ComVariant& v, ObjectDoor& door) {
     case vt_i2:
       return Variant(std::int32_t{v.i2});
     case vt_i4:
+    case vt_int:
       return Variant(v.i4);
+    case vt_i1:
+      return whole_number(static_cast<std::int8_t>(v.bits));
+    case vt_u1:
+      return whole_number(static_cast<std::uint8_t>(v.bits));
+    case vt_u2:
+      return whole_number(static_cast<std::uint16_t>(v.bits));
+    case vt_u4:
+    case vt_uint:
+      return whole_number(static_cast<std::uint32_t>(v.bits));
     case vt_i8:
-      return Variant(static_cast<double>(v.i8));
+      return whole_number(v.i8);
+    case vt_u8:
+      return Variant(static_cast<double>(v.bits));
+    case vt_currency:
+      return Variant(static_cast<double>(v.i8) / 10000);
     case vt_r4:
       return Variant(static_cast<double>(v.r4));
     case vt_r8:
@@ -184,9 +193,8 @@ void write_back(ComVariant& target, const Variant& value, ObjectDoor& door) {
   const ComVariant answer = to_com(fitting, door);
   ComVariant old;
   old.type = type;
-  const std::size_t size = type == vt_bool ? 2 : type == vt_i4 ? 4 : 8;
-  std::memcpy(old.bits, target.pointer, size);
-  std::memcpy(target.pointer, answer.bits, size);
+  std::memcpy(&old.bits, target.pointer, size_of_value(type));
+  std::memcpy(target.pointer, &answer.bits, size_of_value(type));
   clear(old);
 }
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "qto/automation/com/com.hpp"
+#include "qto/automation/com/memory.hpp"
 #include "qto/automation/variant.hpp"
 
 namespace qto::server::com {
@@ -22,12 +22,11 @@ class ObjectDoor {
 /// A counted text with memory of its own; free_text gives it back. Null is an empty text.
 Text make_text(std::string_view utf8);
 std::string read_text(const char16_t* text);
-void free_text(Text text) noexcept;
 
-/// Releases what the variant owns and makes it empty. By-reference variants own nothing.
-void clear(ComVariant& variant) noexcept;
 /// A variant that owns its text, array or reference.
 ComVariant to_com(const Variant& value, ObjectDoor& door);
+/// The bytes that a value of a plain type takes. Throws CallFailure for a type that cannot cross.
+std::size_t size_of_value(std::uint16_t type);
 /// The value that a client passes, what references point to included. Throws CallFailure with
 /// type_mismatch for a type that cannot cross.
 Variant from_com(const ComVariant& variant, ObjectDoor& door);

@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "qto/automation/com/errors.hpp"
 #include "qto/automation/text.hpp"
 
 namespace qto::server {
@@ -89,6 +90,17 @@ Conversion convert(Variant& value, const Type& type) {
       break;
   }
   return Conversion::done;
+}
+
+void convert_or_throw(Variant& value, const Type& type, std::uint32_t position) {
+  switch (convert(value, type)) {
+    case Conversion::done:
+      return;
+    case Conversion::mismatch:
+      throw CallFailure(CallError::type_mismatch, position);
+    case Conversion::overflow:
+      throw CallFailure(CallError::overflow, position);
+  }
 }
 
 }  // namespace qto::server

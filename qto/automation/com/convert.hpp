@@ -11,5 +11,7 @@ enum class Conversion : std::uint8_t { done, mismatch, overflow };
 /// texts into each other where they read as such, whole numbers by rounding to even, Empty into 0,
 /// False, "" or nothing. Never an error value, Null (but for no object) or an array.
 Conversion convert(Variant& value, const Type& type);
+/// The same for the argument at a position; throws CallFailure when it does not fit.
+void convert_or_throw(Variant& value, const Type& type, std::uint32_t position);
 
 }  // namespace qto::server

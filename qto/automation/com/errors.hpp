@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "qto/automation/error.hpp"
 
@@ -30,5 +31,17 @@ class CallFailure : public AutomationError {
 /// automation error, 800Axxxx for the numbered failures of the host and of collections, 8007000E
 /// without memory, and 80004005 for anything else. Only inside a catch block.
 std::int32_t current_error_number() noexcept;
+/// What the exception being handled says, in one sentence; "" when it says nothing.
+std::string current_error_text();
+
+/// Runs what answers a result; an exception becomes its number.
+template <class Run>
+std::int32_t guarded(Run&& run) noexcept {
+  try {
+    return run();
+  } catch (...) {
+    return current_error_number();
+  }
+}
 
 }  // namespace qto::server

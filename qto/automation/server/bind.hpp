@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -11,6 +12,7 @@
 #include "qto/automation/enumerations.hpp"
 #include "qto/automation/event.hpp"
 #include "qto/automation/server/enumerator.hpp"
+#include "qto/automation/server/function_table.hpp"
 #include "qto/automation/server/table.hpp"
 
 /// Makes table entries from C++ members. Whatever does not fit (a wrong number of argument names, a
@@ -142,6 +144,69 @@ Variant call_with(Function&& function, [[maybe_unused]] std::span<Variant> value
   return result;
 }
 
+template <class>
+inline constexpr bool is_optional = false;
+template <class T>
+inline constexpr bool is_optional<std::optional<T>> = true;
+
+/// What a function at a place takes of an argument. A value that may be left out is a variant there
+/// (a text: null or empty).
+template <class A>
+inline constexpr Shape raw_shape =
+    is_optional<std::remove_cvref_t<A>>&& CrossingOf<A>::type.shape != Shape::text
+        ? Shape::variant
+        : CrossingOf<A>::type.shape;
+template <class A>
+using RawOf = typename com::RawShape<raw_shape<A>>::Raw;
+template <class A, bool by_reference>
+using RawArgument = std::conditional_t<by_reference, RawOf<A>*, RawOf<A>>;
+
+template <class A, bool by_reference>
+com::ComVariant raw_variant(RawArgument<A, by_reference> raw) {
+  constexpr com::VariantType type = com::RawShape<raw_shape<A>>::variant;
+  if constexpr (!by_reference && type == com::vt_variant) {
+    return raw;
+  } else {
+    com::ComVariant out;
+    out.type = by_reference ? type | com::vt_by_ref : type;
+    std::memcpy(&out.bits, &raw, sizeof raw);
+    return out;
+  }
+}
+
+/// The function at a member's place in the table. `call` is the member's late-bound form.
+template <auto call, bool first_by_reference, class R, class Indexes, class... A>
+struct Place;
+template <auto call, bool first_by_reference, class R, std::size_t... I, class... A>
+struct Place<call, first_by_reference, R, std::index_sequence<I...>, A...> {
+  template <std::size_t i, class T>
+  static constexpr bool by_reference = is_answer<T> || (first_by_reference && i == 0);
+  static constexpr std::uint32_t optional =
+      ((std::uint32_t{is_optional<std::remove_cvref_t<A>>} << I) | ... | 0u);
+  static constexpr std::uint32_t answered = ((std::uint32_t{is_answer<A>} << I) | ... | 0u);
+
+  static com::Result run(com::Dual* self, com::VariantType result_type, void* result,
+                         RawArgument<A, by_reference<I, A>>... raw) {
+    std::array<com::ComVariant, sizeof...(A)> given{raw_variant<A, by_reference<I, A>>(raw)...};
+    return com::call_place(*self, {call, types_of<A...>, optional, answered}, given, result_type,
+                           result);
+  }
+  static com::Result QTO_CALL without_result(com::Dual* self,
+                                             RawArgument<A, by_reference<I, A>>... raw) {
+    return run(self, com::vt_empty, nullptr, raw...);
+  }
+  static com::Result QTO_CALL with_result(com::Dual* self,
+                                          RawArgument<A, by_reference<I, A>>... raw, void* result) {
+    return run(self, com::RawShape<raw_shape<R>>::variant, result, raw...);
+  }
+  static const void* address() {
+    if constexpr (std::is_void_v<R>)
+      return reinterpret_cast<const void*>(&without_result);
+    else
+      return reinterpret_cast<const void*>(&with_result);
+  }
+};
+
 /// The pieces of a C++ member function, or of a free function whose first argument is the object.
 template <class Class, class R, class... A>
 struct Signature {
@@ -159,6 +224,28 @@ struct Signature {
   static constexpr bool marks_fit([[maybe_unused]] std::string_view names) {
     [[maybe_unused]] std::size_t i = 0;
     return ((argument_at(names, i++).by_reference || !is_answer<A>)&&...);
+  }
+  /// The first argument alone can be by reference without being answered.
+  static constexpr bool first_by_reference(std::string_view names) {
+    constexpr std::array<bool, arity> answers{is_answer<A>...};
+    for (std::size_t i = 1; i < arity; ++i)
+      if (argument_at(names, i).by_reference != answers[i])
+        throw "only the first argument can be by reference without an answer";
+    return arity > 0 && argument_at(names, 0).by_reference;
+  }
+  /// At a place, what may be left out must be a variant or a text.
+  static constexpr bool optionals_fit([[maybe_unused]] std::string_view names) {
+    [[maybe_unused]] std::size_t i = 0;
+    return ((!argument_at(names, i++).optional || raw_shape<A> == Shape::variant ||
+             raw_shape<A> == Shape::text) &&
+            ...);
+  }
+  template <auto F>
+  static constexpr auto place(bool by_reference) {
+    using Indexes = std::index_sequence_for<A...>;
+    return by_reference
+               ? &Place<&Signature::template call<F>, (arity > 0), R, Indexes, A...>::address
+               : &Place<&Signature::template call<F>, false, R, Indexes, A...>::address;
   }
 };
 template <class F>
@@ -187,7 +274,16 @@ consteval Member entry(std::int32_t id, std::string_view name, std::string_view 
   using S = SignatureOf<decltype(F)>;
   if (count_arguments(arguments) != S::arity) throw "the names do not fit the arguments";
   if (!S::marks_fit(arguments)) throw "an answered argument is not marked with &";
-  return {K, id, name, arguments, result_type<typename S::Result>(), S::types, S::template call<F>};
+  if (!S::optionals_fit(arguments))
+    throw "an optional argument needs std::optional, text or Variant";
+  return {K,
+          id,
+          name,
+          arguments,
+          result_type<typename S::Result>(),
+          S::types,
+          S::template call<F>,
+          S::template place<F>(S::first_by_reference(arguments))};
 }
 template <auto F>
 consteval Member get(std::int32_t id, std::string_view name, std::string_view arguments = "") {

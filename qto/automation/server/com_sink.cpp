@@ -37,7 +37,7 @@ class ClientSink final : public EventSink {
   static void refer_to(ComVariant& reference, ComVariant& held) {
     reference = ComVariant();
     reference.type = held.type | vt_by_ref;
-    reference.pointer = held.bits;
+    reference.pointer = &held.bits;
   }
   static void read(const ComVariant& held, Variant& answer) {
     try {

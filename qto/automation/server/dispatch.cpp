@@ -73,17 +73,6 @@ std::vector<std::uint32_t> assign_places(const Member& member, const CallArgumen
   return places;
 }
 
-void convert_or_throw(Variant& value, const Type& type, std::uint32_t index) {
-  switch (convert(value, type)) {
-    case Conversion::done:
-      return;
-    case Conversion::mismatch:
-      throw CallFailure(CallError::type_mismatch, index);
-    case Conversion::overflow:
-      throw CallFailure(CallError::overflow, index);
-  }
-}
-
 Variant absent_value(const Member& member, std::uint32_t place, bool omitted_openly) {
   if (!argument_at(member.arguments, place).optional)
     throw CallFailure(
@@ -147,15 +136,6 @@ Variant invoke(const ClassTable& table, Object& object, std::string_view name, s
   const auto id = member_id(table, name);
   if (!id) throw CallFailure(CallError::unknown_name);
   return invoke(table, object, *id, flags, arguments);
-}
-
-Variant invoke_entry(const ClassTable& table, Object& object, std::size_t place,
-                     std::span<Variant> values) {
-  if (place >= table.members.size()) throw CallFailure(CallError::member_not_found);
-  const Member& member = table.members[place];
-  if (values.size() != member.types.size()) throw CallFailure(CallError::bad_parameter_count);
-  for (std::uint32_t i = 0; i < values.size(); ++i) convert_or_throw(values[i], member.types[i], i);
-  return member.call(object, values);
 }
 
 }  // namespace qto::server

@@ -9,7 +9,7 @@
 #include "qto/automation/com/errors.hpp"
 #include "qto/automation/server/table.hpp"
 
-/// Late-bound calls: by name, by identifier, and by place in the function table.
+/// Late-bound calls: by name and by identifier.
 namespace qto::server {
 
 /// What a call wants to do with a member; a client may allow several at once.
@@ -42,8 +42,5 @@ Variant invoke(const ClassTable& table, Object& object, std::int32_t id, std::ui
 /// The same by name.
 Variant invoke(const ClassTable& table, Object& object, std::string_view name, std::uint16_t flags,
                CallArguments& arguments);
-/// Calls the entry at a place of the function table (from 0) with a value for every argument.
-Variant invoke_entry(const ClassTable& table, Object& object, std::size_t place,
-                     std::span<Variant> values);
 
 }  // namespace qto::server

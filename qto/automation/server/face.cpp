@@ -1,258 +1,192 @@
 #include "qto/automation/server/face.hpp"
 
-#include <map>
+#include <deque>
+#include <memory>
+#include <typeinfo>
 #include <unordered_map>
 #include <utility>
 
-#include "qto/automation/server/com_sink.hpp"
-#include "qto/automation/server/connection.hpp"
-#include "qto/automation/server/dispatch.hpp"
-#include "qto/automation/server/enumerator.hpp"
+#include "qto/automation/com/errors.hpp"
+#include "qto/automation/server/arguments.hpp"
+#include "qto/automation/server/enumerator_face.hpp"
+#include "qto/automation/server/face_class.hpp"
 #include "qto/automation/server/module.hpp"
-#include "qto/automation/text.hpp"
+#include "qto/automation/server/names.hpp"
+#include "qto/automation/server/type_info.hpp"
 
 namespace qto::server::com {
 namespace {
 
-class Face;
-std::unordered_map<const Object*, Face*>& faces() {
-  static std::unordered_map<const Object*, Face*> all;
+std::unordered_map<const Object*, std::unique_ptr<Face>>& faces() {
+  static std::unordered_map<const Object*, std::unique_ptr<Face>> all;
   return all;
 }
 
-/// The connection point of a face's event interface; it lives inside the face.
-class EventPoint final : public ConnectionPoint {
- public:
-  EventPoint(Unknown& owner, Ref<Object> source, const ClassTable& table)
-      : owner_(owner), source_(std::move(source)), table_(table) {}
+/// Keeps the last faces that were released, so that a client that uses one once too often meets an
+/// error and not memory of somebody else.
+void keep_for_late_calls(std::unique_ptr<Face> face) {
+  constexpr std::size_t most = 1024;
+  static std::deque<std::unique_ptr<Face>> released;
+  released.push_back(std::move(face));
+  if (released.size() > most) released.pop_front();
+}
 
-  Result QueryInterface(const Guid& id, void** out) override {
-    if (id != iid_connection_point) return owner_.QueryInterface(id, out);
-    *out = static_cast<ConnectionPoint*>(this);
-    AddRef();
-    return ok;
-  }
-  std::uint32_t AddRef() override { return owner_.AddRef(); }
-  std::uint32_t Release() override { return owner_.Release(); }
-  Result GetConnectionInterface(Guid* id) override {
-    if (!id) return null_pointer;
-    *id = table_.event_interface_id;
-    return ok;
-  }
-  Result GetConnectionPointContainer(Unknown** out) override {
-    return owner_.QueryInterface(iid_connection_point_container, reinterpret_cast<void**>(out));
-  }
-  Result Advise(Unknown* sink, std::uint32_t* cookie) override {
-    if (!sink || !cookie) return null_pointer;
-    void* dispatch = nullptr;
-    if (sink->QueryInterface(table_.event_interface_id, &dispatch) != ok &&
-        sink->QueryInterface(iid_dispatch, &dispatch) != ok)
-      return failure(0x80040202);
-    connections_.try_emplace(++last_cookie_, table_, source_,
-                             sink_of(table_, static_cast<Dispatch*>(dispatch)));
-    *cookie = last_cookie_;
-    return ok;
-  }
-  Result Unadvise(std::uint32_t cookie) override {
-    return connections_.erase(cookie) ? ok : no_connection;
-  }
-  Result EnumConnections(Unknown**) override { return not_implemented; }
+void describe(ExceptionInfo& exception, Result number) {
+  exception = ExceptionInfo();
+  exception.number = number;
+  const std::string text = current_error_text();
+  exception.source = make_text(this_module().library->name);
+  if (!text.empty()) exception.description = make_text(text);
+}
 
- private:
-  Unknown& owner_;
-  Ref<Object> source_;
-  const ClassTable& table_;
-  std::map<std::uint32_t, Connection> connections_;
-  std::uint32_t last_cookie_ = 0;
-};
-
-class Face final : public Dispatch, public ConnectionPointContainer {
- public:
-  Face(Ref<Object> object, const ClassTable& table)
-      : object_(std::move(object)),
-        table_(table),
-        point_(*static_cast<Dispatch*>(this), object_, table) {
-    faces()[object_.get()] = this;
-    module_add_use();
-  }
-
-  Result QueryInterface(const Guid& id, void** out) override {
-    if (!out) return null_pointer;
-    *out = nullptr;
-    if (id == iid_native_object) {
-      *out = object_.get();
-      return ok;
-    }
-    if (id == iid_unknown || id == iid_dispatch || id == table_.interface_id)
-      *out = static_cast<Dispatch*>(this);
-    else if (id == iid_connection_point_container && !table_.events.empty())
-      *out = static_cast<ConnectionPointContainer*>(this);
-    else
-      return no_interface;
-    AddRef();
-    return ok;
-  }
-  std::uint32_t AddRef() override { return ++count_; }
-  std::uint32_t Release() override {
-    const std::uint32_t left = --count_;
-    if (left == 0) {
-      faces().erase(object_.get());
-      delete this;
-      module_release_use();
-    }
-    return left;
-  }
-
-  Result GetTypeInfoCount(std::uint32_t* count) override {
-    if (!count) return null_pointer;
-    *count = 0;
-    return ok;
-  }
-  Result GetTypeInfo(std::uint32_t, std::uint32_t, Unknown**) override { return not_implemented; }
-
-  Result GetIDsOfNames(const Guid&, const char16_t* const* names, std::uint32_t count,
-                       std::uint32_t, std::int32_t* ids) override {
-    if (!names || !ids || count == 0) return null_pointer;
-    const auto id = member_id(table_, text::from_utf16(names[0]));
-    bool all = id.has_value();
-    ids[0] = id.value_or(id_unknown);
-    for (std::uint32_t i = 1; i < count; ++i) {
-      const auto position =
-          id ? argument_position(table_, *id, text::from_utf16(names[i])) : std::nullopt;
-      ids[i] = position ? static_cast<std::int32_t>(*position) : id_unknown;
-      all = all && position;
-    }
-    return all ? ok : static_cast<Result>(CallError::unknown_name);
-  }
-
-  Result Invoke(std::int32_t id, const Guid&, std::uint32_t, std::uint16_t flags,
-                CallParameters* parameters, ComVariant* result, void*,
-                std::uint32_t* bad_argument) override {
-    const Ref<Object> keep = object_;  // a handler may release the last face meanwhile
-    try {
-      CallParameters none{};
-      CallParameters& given = parameters ? *parameters : none;
-      CallArguments arguments = read_arguments(given);
-      const Variant answer = invoke(table_, *keep, id, flags, arguments);
-      for (std::uint32_t i = 0; i < given.count; ++i)
-        write_back(given.values[given.count - 1 - i], arguments.values[i]);
-      if (result) *result = to_com(answer);
-      return ok;
-    } catch (const CallFailure& failed) {
-      // Clients count the arguments as they lie in the array: the last one first.
-      if (bad_argument && failed.argument && parameters && *failed.argument < parameters->count)
-        *bad_argument = parameters->count - 1 - *failed.argument;
-      return failed.number;
-    } catch (...) {
-      return current_error_number();
-    }
-  }
-
-  Result EnumConnectionPoints(Unknown**) override { return not_implemented; }
-  Result FindConnectionPoint(const Guid& id, ConnectionPoint** out) override {
-    if (!out) return null_pointer;
-    *out = nullptr;
-    if (table_.events.empty() || id != table_.event_interface_id) return no_connection;
-    *out = &point_;
-    AddRef();
-    return ok;
-  }
-
- private:
-  static CallArguments read_arguments(const CallParameters& given) {
-    CallArguments arguments;
-    constexpr std::int32_t left_out = static_cast<std::int32_t>(CallError::parameter_not_found);
-    for (std::uint32_t i = 0; i < given.count; ++i) {
-      const ComVariant& value = given.values[given.count - 1 - i];
-      if (value.type == vt_error && value.i4 == left_out) {
-        arguments.omitted.push_back(i);
-        arguments.values.emplace_back();
-        continue;
-      }
-      try {
-        arguments.values.push_back(from_com(value));
-      } catch (const CallFailure&) {
-        throw CallFailure(CallError::type_mismatch, i);
-      }
-    }
-    for (std::uint32_t i = 0; i < given.named_count; ++i)
-      if (given.named[i] != id_assigned_value)
-        arguments.named.push_back(
-            {static_cast<std::uint32_t>(given.named[i]), given.count - 1 - i});
-    return arguments;
-  }
-
-  Ref<Object> object_;
-  const ClassTable& table_;
-  EventPoint point_;
-  std::uint32_t count_ = 0;
-};
-
-class EnumeratorFace final : public EnumVariant {
- public:
-  explicit EnumeratorFace(Ref<Enumerator> walk) : walk_(std::move(walk)) { module_add_use(); }
-  Result QueryInterface(const Guid& id, void** out) override {
-    if (!out) return null_pointer;
-    *out = id == iid_unknown || id == iid_enum_variant ? this : nullptr;
-    if (!*out) return no_interface;
-    AddRef();
-    return ok;
-  }
-  std::uint32_t AddRef() override { return ++count_; }
-  std::uint32_t Release() override {
-    const std::uint32_t left = --count_;
-    if (left == 0) {
-      delete this;
-      module_release_use();
-    }
-    return left;
-  }
-  Result Next(std::uint32_t count, ComVariant* out, std::uint32_t* fetched) override {
-    if (!out && count) return null_pointer;
-    std::uint32_t done = 0;
-    try {
-      Variant item;
-      for (; done < count && walk_->next(item); ++done) out[done] = to_com(item);
-    } catch (...) {
-      return current_error_number();
-    }
-    if (fetched) *fetched = done;
-    return done == count ? ok : no_more;
-  }
-  Result Skip(std::uint32_t count) override {
-    Variant item;
-    while (count > 0 && walk_->next(item)) --count;
-    return count == 0 ? ok : no_more;
-  }
-  Result Reset() override {
-    walk_->reset();
-    return ok;
-  }
-  Result Clone(EnumVariant** out) override {
-    if (!out) return null_pointer;
-    *out = new EnumeratorFace(walk_->clone());
-    (*out)->AddRef();
-    return ok;
-  }
-
- private:
-  Ref<Enumerator> walk_;
-  std::uint32_t count_ = 0;
-};
+// The seven functions that every function table begins with.
+Result QTO_CALL query_interface(Dual* self, const Guid& id, void** out) {
+  return self->face->query(id, out);
+}
+std::uint32_t QTO_CALL add_reference(Dual* self) { return self->face->add_ref(); }
+std::uint32_t QTO_CALL release_reference(Dual* self) { return self->face->release(); }
+Result QTO_CALL get_type_info_count(Dual*, std::uint32_t* count) {
+  if (!count) return null_pointer;
+  *count = 1;
+  return ok;
+}
+Result QTO_CALL get_type_info(Dual* self, std::uint32_t index, std::uint32_t, TypeInfo** out) {
+  if (!out) return null_pointer;
+  *out = nullptr;
+  if (index != 0) return bad_index;
+  return type_info_of(self->face->table(), TypePart::default_interface, out);
+}
+Result QTO_CALL get_ids_of_names(Dual* self, const Guid&, const char16_t* const* names,
+                                 std::uint32_t count, std::uint32_t, std::int32_t* ids) {
+  return ids_of_names(self->face->table(), names, count, ids);
+}
+Result QTO_CALL invoke_member(Dual* self, std::int32_t id, const Guid&, std::uint32_t,
+                              std::uint16_t flags, CallParameters* parameters, ComVariant* result,
+                              ExceptionInfo* exception, std::uint32_t* bad_argument) {
+  return self->face->invoke(id, flags, parameters, result, exception, bad_argument);
+}
 
 }  // namespace
 
-Unknown* face_of(const Ref<Object>& object) {
-  Unknown* face = nullptr;
-  if (const auto walk = ref_cast<Enumerator>(object)) {
-    face = new EnumeratorFace(walk);
-  } else if (const auto found = faces().find(object.get()); found != faces().end()) {
-    face = static_cast<Dispatch*>(found->second);
-  } else {
+std::vector<const void*> Face::dispatch_functions() {
+  // Before the first function lies what the compiler puts there in tables of its own: the offset of
+  // the whole object and its type, by which run-time checks know it.
+  return {nullptr,
+          &typeid(Dispatch),
+          reinterpret_cast<const void*>(&query_interface),
+          reinterpret_cast<const void*>(&add_reference),
+          reinterpret_cast<const void*>(&release_reference),
+          reinterpret_cast<const void*>(&get_type_info_count),
+          reinterpret_cast<const void*>(&get_type_info),
+          reinterpret_cast<const void*>(&get_ids_of_names),
+          reinterpret_cast<const void*>(&invoke_member)};
+}
+
+Face::Face(Ref<Object> object, const ClassTable& table)
+    : dual_{function_table(table), this},
+      object_(std::move(object)),
+      table_(table),
+      class_info_(*dispatch(), table),
+      events_(*this, *dispatch(), table) {
+  module_add_use();
+}
+
+Face& Face::of(const Ref<Object>& object) {
+  auto& face = faces()[object.get()];
+  if (!face) {
     const ClassTable* table = table_of(*object);
-    if (!table) throw CallFailure(CallError::type_mismatch);
-    face = static_cast<Dispatch*>(new Face(object, *table));
+    if (table) face = std::make_unique<Face>(object, *table);
   }
+  if (face) return *face;
+  faces().erase(object.get());
+  throw CallFailure(CallError::type_mismatch);
+}
+
+Result Face::query(const Guid& id, void** out) noexcept {
+  if (!out) return null_pointer;
+  *out = nullptr;
+  if (!object_) return disconnected;
+  if (id == iid_native_object) {
+    *out = object_.get();
+    return ok;
+  }
+  if (id == iid_unknown || id == iid_dispatch || id == table_.interface_id)
+    *out = dispatch();
+  else if (id == iid_provide_class_info || id == iid_provide_class_info_2)
+    *out = static_cast<ProvideClassInfo2*>(&class_info_);
+  else if (id == iid_connection_point_container && !table_.events.empty())
+    *out = &events_.container();
+  else
+    return no_interface;
+  add_ref();
+  return ok;
+}
+
+std::uint32_t Face::add_ref() noexcept { return object_ ? ++count_ : 0; }
+
+std::uint32_t Face::release() noexcept {
+  if (!object_) return 0;
+  const std::uint32_t left = --count_;
+  if (left == 0) retire();
+  return left;
+}
+
+void Face::retire() noexcept {
+  auto entry = faces().extract(object_.get());
+  events_.disconnect();
+  // Destructors that run from here on may release other faces.
+  const Ref<Object> last = std::move(object_);
+  keep_for_late_calls(std::move(entry.mapped()));
+  module_release_use();
+}
+
+Result Face::invoke(std::int32_t id, std::uint16_t flags, CallParameters* parameters,
+                    ComVariant* result, ExceptionInfo* exception,
+                    std::uint32_t* bad_argument) noexcept {
+  const Ref<Object> keep = object_;  // a handler may release the last reference meanwhile
+  if (!keep) return disconnected;
+  CallParameters none{};
+  CallParameters& given = parameters ? *parameters : none;
+  try {
+    CallArguments arguments = read_arguments(given);
+    const Variant answer = server::invoke(table_, *keep, id, flags, arguments);
+    answer_arguments(given, arguments);
+    if (result) *result = to_com(answer);
+    return ok;
+  } catch (const CallFailure& failed) {
+    // Clients count the arguments as they lie in the array: the last one first.
+    if (bad_argument && failed.argument && *failed.argument < given.count)
+      *bad_argument = given.count - 1 - *failed.argument;
+    return failed.number;
+  } catch (...) {
+    const Result number = current_error_number();
+    if (!exception) return number;
+    return guarded([&] {
+      try {
+        throw;
+      } catch (...) {
+        describe(*exception, number);
+      }
+      return see_exception;
+    });
+  }
+}
+
+Result QTO_CALL Face::ClassInfo::GetClassInfo(TypeInfo** out) {
+  return type_info_of(table_, TypePart::whole_class, out);
+}
+
+Result QTO_CALL Face::ClassInfo::GetGUID(std::uint32_t kind, Guid* out) {
+  if (!out) return null_pointer;
+  *out = Guid();
+  if (kind != default_event_interface || table_.events.empty()) return invalid_argument;
+  *out = table_.event_interface_id;
+  return ok;
+}
+
+Unknown* face_of(const Ref<Object>& object) {
+  if (auto walk = ref_cast<Enumerator>(object)) return enumerator_face(std::move(walk));
+  Dispatch* face = Face::of(object).dispatch();
   face->AddRef();
   return face;
 }
@@ -272,6 +206,12 @@ ObjectDoor& faces_door() {
   };
   static Faces door;
   return door;
+}
+
+ComVariant to_com(const Variant& value) {
+  ComVariant out = to_com(value, faces_door());
+  if (out.type == vt_dispatch && ref_cast<Enumerator>(value.object())) out.type = vt_unknown;
+  return out;
 }
 
 }  // namespace qto::server::com

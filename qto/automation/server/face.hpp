@@ -15,7 +15,8 @@ Ref<Object> object_behind(Unknown& unknown);
 
 /// The door of a server: objects appear as faces.
 ObjectDoor& faces_door();
-inline ComVariant to_com(const Variant& value) { return to_com(value, faces_door()); }
+/// As a client gets it: enumerators are no dispatch interfaces.
+ComVariant to_com(const Variant& value);
 inline Variant from_com(const ComVariant& variant) { return from_com(variant, faces_door()); }
 inline void write_back(ComVariant& target, const Variant& value) {
   write_back(target, value, faces_door());

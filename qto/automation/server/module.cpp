@@ -1,9 +1,7 @@
 #include "qto/automation/server/module.hpp"
 
-#include <dlfcn.h>
-
 #include <atomic>
-#include <filesystem>
+#include <cstdint>
 
 namespace qto::server {
 namespace {
@@ -23,14 +21,6 @@ const ClassTable* table_of(const Object& object) {
     for (const ClassTable* table : library->classes)
       if (table->name == name) return table;
   return nullptr;
-}
-
-std::string module_path() {
-  Dl_info info{};
-  if (!dladdr(reinterpret_cast<const void*>(&uses), &info) || !info.dli_fname) return "";
-  std::error_code failed;
-  const auto path = std::filesystem::canonical(info.dli_fname, failed);
-  return failed ? "" : path.string();
 }
 
 }  // namespace qto::server

@@ -28,6 +28,7 @@ struct Member {
   std::span<const Type> types;  ///< of the arguments
   /// Calls the C++ member. Arguments have their final types, and answers are written back.
   Variant (*call)(Object&, std::span<Variant>);
+  const void* (*function)();  ///< the function at this place of the interface's table
 };
 
 /// Receives the events of one object.

@@ -1,105 +1,83 @@
 /// The four standard exports of a shared library that serves classes.
-#include <cstdlib>
-#include <string_view>
-
-#include "qto/automation/com/com_values.hpp"
 #include "qto/automation/com/errors.hpp"
+#include "qto/automation/com/holder.hpp"
+#include "qto/automation/server/counted.hpp"
 #include "qto/automation/server/face.hpp"
 #include "qto/automation/server/module.hpp"
-#include "qto/automation/server/registry.hpp"
+#include "qto/automation/server/registration.hpp"
+#include "qto/automation/server/type_info.hpp"
 
 namespace qto::server {
 namespace {
 
 using namespace com;
 
-class Factory final : public ClassFactory {
+class Factory final : public Counted<ClassFactory> {
  public:
-  explicit Factory(const ClassTable& table) : table_(table) { module_add_use(); }
-  Result QueryInterface(const Guid& id, void** out) override {
-    if (!out) return null_pointer;
-    *out = id == iid_unknown || id == iid_class_factory ? this : nullptr;
-    if (!*out) return no_interface;
-    AddRef();
-    return ok;
-  }
-  std::uint32_t AddRef() override { return ++count_; }
-  std::uint32_t Release() override {
-    const std::uint32_t left = --count_;
-    if (left == 0) {
-      delete this;
-      module_release_use();
-    }
-    return left;
-  }
-  Result CreateInstance(Unknown* outer, const Guid& id, void** out) override {
+  explicit Factory(const ClassTable& table) : Counted(iid_class_factory), table_(table) {}
+  Result QTO_CALL CreateInstance(Unknown* outer, const Guid& id, void** out) override {
     if (!out) return null_pointer;
     *out = nullptr;
     if (outer) return no_aggregation;
-    try {
-      Unknown* face = face_of(table_.create());
-      const Result asked = face->QueryInterface(id, out);
-      face->Release();
-      return asked;
-    } catch (...) {
-      return current_error_number();
-    }
+    return guarded([&] {
+      const Holder<Unknown> face(face_of(table_.create()));
+      return face->QueryInterface(id, out);
+    });
   }
-  Result LockServer(std::int32_t lock) override {
+  Result QTO_CALL LockServer(std::int32_t lock) override {
     lock ? module_add_use() : module_release_use();
     return ok;
   }
 
  private:
   const ClassTable& table_;
-  std::uint32_t count_ = 0;
 };
-
-/// Registration goes to the user's file; QTO_REGISTER=system asks for the system's.
-Result change_registry(const std::string& path) {
-  const char* scope = std::getenv("QTO_REGISTER");
-  const auto file =
-      scope && std::string_view(scope) == "system" ? system_registry() : user_registry();
-  const bool done = file && update_registry(*file, *this_module().library, path);
-  return done ? ok : registration_failed;
-}
 
 }  // namespace
 }  // namespace qto::server
 
+#ifdef _WIN32
+#define QTO_EXPORT extern "C"  // named in exports.def
+#else
 #define QTO_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
 
-/// Enters the library's classes into the registry file.
-QTO_EXPORT std::int32_t DllRegisterServer() {
-  const std::string path = qto::server::module_path();
-  if (path.empty()) return qto::server::com::registration_failed;
-  return qto::server::change_registry(path);
+/// Enters the library's classes where clients look for them.
+QTO_EXPORT std::int32_t QTO_CALL DllRegisterServer() {
+  return qto::server::guarded([] {
+    const std::string path = qto::server::module_path();
+    return path.empty() ? qto::server::com::registration_failed
+                        : qto::server::register_library(*qto::server::this_module().library, path);
+  });
 }
 
 /// Takes them out again.
-QTO_EXPORT std::int32_t DllUnregisterServer() { return qto::server::change_registry(""); }
+QTO_EXPORT std::int32_t QTO_CALL DllUnregisterServer() {
+  return qto::server::guarded(
+      [] { return qto::server::unregister_library(*qto::server::this_module().library); });
+}
 
 /// The class object for a class identifier.
-QTO_EXPORT std::int32_t DllGetClassObject(const qto::server::Guid* class_id,
-                                          const qto::server::Guid* id, void** out) {
+QTO_EXPORT std::int32_t QTO_CALL DllGetClassObject(const qto::server::Guid* class_id,
+                                                   const qto::server::Guid* id, void** out) {
   using namespace qto::server;
   if (!class_id || !id || !out) return com::null_pointer;
   *out = nullptr;
-  for (const ClassTable* table : this_module().library->classes) {
-    if (table->class_id != *class_id || !table->create) continue;
-    auto* factory = new Factory(*table);
-    factory->AddRef();
-    const com::Result asked = factory->QueryInterface(*id, out);
-    factory->Release();
-    return asked;
-  }
-  return com::class_not_available;
+  return guarded([&] {
+    for (const ClassTable* table : this_module().library->classes) {
+      if (table->class_id != *class_id || !table->create) continue;
+      const com::Holder<Factory> factory(new Factory(*table));
+      return factory->QueryInterface(*id, out);
+    }
+    return com::class_not_available;
+  });
 }
 
 /// 0 when neither an object nor a lock is left, 1 otherwise.
-QTO_EXPORT std::int32_t DllCanUnloadNow() {
+QTO_EXPORT std::int32_t QTO_CALL DllCanUnloadNow() {
   using namespace qto::server;
   if (module_in_use()) return com::no_more;
+  com::release_type_library();
   if (this_module().let_go) this_module().let_go();
   return com::ok;
 }
