@@ -12,7 +12,7 @@
 namespace qto::diagnostics {
 namespace {
 
-struct State {
+struct ReportingState {
   std::shared_ptr<ErrorDialog> dialog;
   std::function<void()> end;
   Event<const ErrorReport&> reported;
@@ -22,19 +22,19 @@ struct State {
   bool reporting = false;
 };
 
-State& state() {
-  static State instance;
+ReportingState& reporting_state() {
+  static ReportingState instance;
   return instance;
 }
 
 /// Set while a report is being made.
 class Reporting {
  public:
-  Reporting() : outermost_(!std::exchange(state().reporting, true)) {}
+  Reporting() : outermost_(!std::exchange(reporting_state().reporting, true)) {}
   Reporting(const Reporting&) = delete;
   Reporting& operator=(const Reporting&) = delete;
   ~Reporting() {
-    if (outermost_) state().reporting = false;
+    if (outermost_) reporting_state().reporting = false;
   }
   bool outermost() const noexcept { return outermost_; }
 
@@ -48,12 +48,13 @@ std::string line_of(std::string_view label, std::string_view value) {
 
 void save(const Failure& failure) {
   const int system_error = errno;
-  state().error = {failure.number,
-                   failure.description,
-                   failure.host_call.empty() ? std::string(project_name) : failure.host_call,
-                   "",
-                   0,
-                   system_error};
+  reporting_state().error = {
+      failure.number,
+      failure.description,
+      failure.host_call.empty() ? std::string(project_name) : failure.host_call,
+      "",
+      0,
+      system_error};
 }
 
 ErrorReport compose(const Failure& failure, QualifiedName procedure, int line) {
@@ -100,15 +101,16 @@ DialogContent content_of(const ErrorReport& report, bool sent) {
 }
 
 Outcome show_dialog(bool sent) {
-  const auto dialog = state().dialog;
+  const auto dialog = reporting_state().dialog;
   if (!dialog) return Outcome::leave;
-  const auto pressed = dialog->show(content_of(state().report, sent));
-  state().last_action = pressed.value_or(static_cast<std::int32_t>(Outcome::next_statement));
-  return static_cast<Outcome>(state().last_action);
+  const auto pressed = dialog->show(content_of(reporting_state().report, sent));
+  reporting_state().last_action =
+      pressed.value_or(static_cast<std::int32_t>(Outcome::next_statement));
+  return static_cast<Outcome>(reporting_state().last_action);
 }
 
 Outcome send_and_thank() {
-  if (const auto dialog = state().dialog) send_report(state().report, *dialog);
+  if (const auto dialog = reporting_state().dialog) send_report(reporting_state().report, *dialog);
   return show_dialog(true);
 }
 
@@ -134,31 +136,33 @@ Outcome report_error(const Failure& failure, QualifiedName procedure, int line) 
   save(failure);
   ErrorReport report = compose(failure, procedure, line);
   if (!reporting.outermost()) {
-    state().reported(report);
+    reporting_state().reported(report);
     return Outcome::leave;
   }
-  state().report = std::move(report);
-  state().reported(state().report);
+  reporting_state().report = std::move(report);
+  reporting_state().reported(reporting_state().report);
   return show_dialog(false);
 }
 
-const SavedError& saved_error() { return state().error; }
+const SavedError& saved_error() { return reporting_state().error; }
 
-const ErrorReport& saved_report() { return state().report; }
+const ErrorReport& saved_report() { return reporting_state().report; }
 
-std::int32_t last_action() noexcept { return state().last_action; }
+std::int32_t last_action() noexcept { return reporting_state().last_action; }
 
-Event<const ErrorReport&>& error_reported() { return state().reported; }
+Event<const ErrorReport&>& error_reported() { return reporting_state().reported; }
 
-void set_error_dialog(std::shared_ptr<ErrorDialog> dialog) { state().dialog = std::move(dialog); }
+void set_error_dialog(std::shared_ptr<ErrorDialog> dialog) {
+  reporting_state().dialog = std::move(dialog);
+}
 
-const std::shared_ptr<ErrorDialog>& error_dialog() { return state().dialog; }
+const std::shared_ptr<ErrorDialog>& error_dialog() { return reporting_state().dialog; }
 
-void set_end_program(std::function<void()> end) { state().end = std::move(end); }
+void set_end_program(std::function<void()> end) { reporting_state().end = std::move(end); }
 
 void end_program() {
-  if (state().end)
-    state().end();
+  if (reporting_state().end)
+    reporting_state().end();
   else
     std::exit(3);
 }

@@ -7,13 +7,13 @@
 namespace qto::diagnostics {
 namespace {
 
-struct State {
+struct MailState {
   Support support;
   FollowHyperlink follow = nullptr;
 };
 
-State& state() {
-  static State instance;
+MailState& mail_state() {
+  static MailState instance;
   return instance;
 }
 
@@ -53,8 +53,8 @@ bool follow(const std::string& address) {
   Procedure proc("Diagnostics", "follow_hyperlink");
   bool followed = false;
   (void)proc.step([&] {
-    if (!state().follow) return;
-    state().follow(address);
+    if (!mail_state().follow) return;
+    mail_state().follow(address);
     followed = true;
   });
   return followed;
@@ -71,11 +71,11 @@ std::string apology(const ErrorReport& report) {
 
 }  // namespace
 
-void set_support(Support support) { state().support = std::move(support); }
+void set_support(Support support) { mail_state().support = std::move(support); }
 
-const Support& support() { return state().support; }
+const Support& support() { return mail_state().support; }
 
-void set_follow_hyperlink(FollowHyperlink follow) { state().follow = follow; }
+void set_follow_hyperlink(FollowHyperlink follow) { mail_state().follow = follow; }
 
 std::string mail_address(const Support& support, const ErrorReport& report) {
   std::string address = address_with(support, report);

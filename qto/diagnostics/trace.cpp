@@ -7,7 +7,7 @@
 namespace qto::diagnostics {
 namespace {
 
-struct State {
+struct Calls {
   std::vector<QualifiedName> stack;
   std::int32_t depth = 0;
   std::int32_t count = 0;
@@ -15,15 +15,15 @@ struct State {
   TracedCall session = 0;
 };
 
-State state;
+Calls calls;
 
 }  // namespace
 
 void set_tracing(bool on) {
   if (on && !detail::tracing_on) {
-    state.depth = state.count = 0;
-    state.stack.clear();
-    if (++state.session == 0) state.session = 1;
+    calls.depth = calls.count = 0;
+    calls.stack.clear();
+    if (++calls.session == 0) calls.session = 1;
   }
   detail::tracing_on = on;
 }
@@ -31,30 +31,30 @@ void set_tracing(bool on) {
 TracedCall trace_in(const char* module, const char* member) noexcept {
   const QualifiedName name{module, member};
   try {
-    state.stack.resize(static_cast<std::size_t>(state.count));
-    state.stack.push_back(name);
+    calls.stack.resize(static_cast<std::size_t>(calls.count));
+    calls.stack.push_back(name);
   } catch (...) {
     return 0;  // no memory for the stack: this call is left out of it
   }
-  ++state.depth;
-  ++state.count;
-  detail::write_trace(name, state.depth, TraceMarker::entering);
-  return state.session;
+  ++calls.depth;
+  ++calls.count;
+  detail::write_trace(name, calls.depth, TraceMarker::entering);
+  return calls.session;
 }
 
 void trace_out(const char* module, const char* member, TracedCall call) noexcept {
-  if (call != state.session) return;
-  const std::int32_t depth = state.depth;
-  if (state.depth > 0) --state.depth;
-  if (state.count > 0) --state.count;
+  if (call != calls.session) return;
+  const std::int32_t depth = calls.depth;
+  if (calls.depth > 0) --calls.depth;
+  if (calls.count > 0) --calls.count;
   // Where tracing was switched off meanwhile the stack is put right, and nothing is written.
   if (detail::tracing_on) detail::write_trace({module, member}, depth, TraceMarker::leaving);
 }
 
-std::int32_t trace_depth() noexcept { return state.depth; }
+std::int32_t trace_depth() noexcept { return calls.depth; }
 
-std::int32_t call_count() noexcept { return state.count; }
+std::int32_t call_count() noexcept { return calls.count; }
 
-std::span<const QualifiedName> call_stack() noexcept { return state.stack; }
+std::span<const QualifiedName> call_stack() noexcept { return calls.stack; }
 
 }  // namespace qto::diagnostics

@@ -5,13 +5,13 @@
 namespace qto::test {
 namespace {
 
-struct Row {
+struct Drilled {
   const char* formula;
   const char* found;
 };
 
-void check(Books& books, const Options& options, std::initializer_list<Row> rows) {
-  for (const Row& row : rows) {
+void check(Books& books, const Options& options, std::initializer_list<Drilled> rows) {
+  for (const Drilled& row : rows) {
     books.enter(std::string("Z9=") + row.formula);
     EXPECT_EQ(precedents(books, "Z9", options), row.found) << row.formula;
   }
@@ -19,7 +19,7 @@ void check(Books& books, const Options& options, std::initializer_list<Row> rows
 
 TEST(IfDrilling, FollowsTheBranchThatItsConditionSelects) {
   Books books("A1=5; A2=-5; A3=1; A4=-1; A5=TRUE; A6=TRUE text; B1=1; C1=2; My Sheet!A1=7");
-  const Row all[] = {{"=IF(A1>0,B1,C1)", "A1 B1 C1"}};
+  const Drilled all[] = {{"=IF(A1>0,B1,C1)", "A1 B1 C1"}};
   check(books, {}, {all[0]});
   check(books, {.ParseIf = 1},
         {

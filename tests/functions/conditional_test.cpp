@@ -3,54 +3,54 @@
 namespace qto::embedded {
 namespace {
 
-constexpr const char* cells =
+constexpr const char* counted_cells =
     "A1=1; A2=2; A3=\"2\"; A4=two; A5=Twofold; A6=TRUE; A7=#N/A; A8=\"\"; B1=10; B2=20; B3=30; "
     "B4=40;"
     "B5=50; B6=60; B7=70; B8=80; B9=90; C1=x*; C2=xa; C3=yes; D1=2";
 
 TEST(Criteria, FitValuesByTypeAndText) {
-  expect_results(cells, {{"=COUNTIF(A1:A9,2)", "2"},
-                         {"=COUNTIF(A1:A9,\"2\")", "2"},
-                         {"=COUNTIF(A1:A9,D1)", "2"},
-                         {"=COUNTIF(A1:A9,\"<>2\")", "8"},
-                         {"=COUNTIF(A1:A9,\">1\")", "1"},
-                         {"=COUNTIF(A1:A9,\"TWO\")", "1"},
-                         {"=COUNTIF(A1:A9,\"two*\")", "2"},
-                         {"=COUNTIF(A1:A9,\"=two*\")", "2"},
-                         {"=COUNTIF(A1:A9,\"<>two*\")", "7"},
-                         {"=COUNTIF(A1:A9,TRUE)", "1"},
-                         {"=COUNTIF(A1:A9,#N/A)", "1"},
-                         {"=COUNTIF(A1:A9,\"#N/A\")", "1"},
-                         {"=COUNTIF(A1:A9,\"\")", "2"},
-                         {"=COUNTIF(A1:A9,\"=\")", "1"},
-                         {"=COUNTIF(A1:A9,\"<>\")", "8"},
-                         {"=COUNTIF(C1:C3,\"x~*\")", "1"},
-                         {"=COUNTIF(C1:C3,\"x?\")", "2"},
-                         {"=COUNTIF(C1:C3,\">xa\")", "1"},
-                         {"=COUNTIF(C1:C3,Z9)", "0"}});
+  expect_results(counted_cells, {{"=COUNTIF(A1:A9,2)", "2"},
+                                 {"=COUNTIF(A1:A9,\"2\")", "2"},
+                                 {"=COUNTIF(A1:A9,D1)", "2"},
+                                 {"=COUNTIF(A1:A9,\"<>2\")", "8"},
+                                 {"=COUNTIF(A1:A9,\">1\")", "1"},
+                                 {"=COUNTIF(A1:A9,\"TWO\")", "1"},
+                                 {"=COUNTIF(A1:A9,\"two*\")", "2"},
+                                 {"=COUNTIF(A1:A9,\"=two*\")", "2"},
+                                 {"=COUNTIF(A1:A9,\"<>two*\")", "7"},
+                                 {"=COUNTIF(A1:A9,TRUE)", "1"},
+                                 {"=COUNTIF(A1:A9,#N/A)", "1"},
+                                 {"=COUNTIF(A1:A9,\"#N/A\")", "1"},
+                                 {"=COUNTIF(A1:A9,\"\")", "2"},
+                                 {"=COUNTIF(A1:A9,\"=\")", "1"},
+                                 {"=COUNTIF(A1:A9,\"<>\")", "8"},
+                                 {"=COUNTIF(C1:C3,\"x~*\")", "1"},
+                                 {"=COUNTIF(C1:C3,\"x?\")", "2"},
+                                 {"=COUNTIF(C1:C3,\">xa\")", "1"},
+                                 {"=COUNTIF(C1:C3,Z9)", "0"}});
 }
 
 TEST(Criteria, SumWhereTheyFit) {
-  expect_results(cells, {{"=SUMIF(A1:A9,2,B1)", "50"},
-                         {"=SUMIF(A1:A2,\">0\",B2:B9)", "50"},
-                         {"=SUMIF(B1:B9,\">70\")", "170"},
-                         {"=SUMIF(A1:A9,\"\",B1:B9)", "170"},
-                         {"=SUMIFS(B1:B9,A1:A9,\"<>\",B1:B9,\"<40\")", "60"},
-                         {"=COUNTIFS(A1:A9,2,B1:B9,\">20\")", "1"},
-                         {"=COUNTIFS(A1:A9,2,B1:B8,\">20\")", "#VALUE!"},
-                         {"=AVERAGEIF(A1:A9,2,B1:B9)", "25"},
-                         {"=AVERAGEIF(A1:A9,99,B1:B9)", "#DIV/0!"},
-                         {"=MAXIFS(B1:B9,A1:A9,\"two*\")", "50"},
-                         {"=MINIFS(B1:B9,A1:A9,\"two*\")", "40"},
-                         {"=SUM(SUMIF(A1:A9,{1,2},B1:B9))", "60"},
-                         {"=COUNTIF({1,2},1)", "#VALUE!"}});
+  expect_results(counted_cells, {{"=SUMIF(A1:A9,2,B1)", "50"},
+                                 {"=SUMIF(A1:A2,\">0\",B2:B9)", "50"},
+                                 {"=SUMIF(B1:B9,\">70\")", "170"},
+                                 {"=SUMIF(A1:A9,\"\",B1:B9)", "170"},
+                                 {"=SUMIFS(B1:B9,A1:A9,\"<>\",B1:B9,\"<40\")", "60"},
+                                 {"=COUNTIFS(A1:A9,2,B1:B9,\">20\")", "1"},
+                                 {"=COUNTIFS(A1:A9,2,B1:B8,\">20\")", "#VALUE!"},
+                                 {"=AVERAGEIF(A1:A9,2,B1:B9)", "25"},
+                                 {"=AVERAGEIF(A1:A9,99,B1:B9)", "#DIV/0!"},
+                                 {"=MAXIFS(B1:B9,A1:A9,\"two*\")", "50"},
+                                 {"=MINIFS(B1:B9,A1:A9,\"two*\")", "40"},
+                                 {"=SUM(SUMIF(A1:A9,{1,2},B1:B9))", "60"},
+                                 {"=COUNTIF({1,2},1)", "#VALUE!"}});
 }
 
 TEST(Criteria, CountBlanksOfWholeColumnsByArithmetic) {
-  expect_results(cells, {{"=COUNTIF(A:A,\"\")", "1048569"},
-                         {"=COUNTIF(A:A,\"<>\")", "8"},
-                         {"=COUNTIFS(A:A,\"\",B:B,\"\")", "1048567"},
-                         {"=COUNTBLANK(A:A)", "1048569"}});
+  expect_results(counted_cells, {{"=COUNTIF(A:A,\"\")", "1048569"},
+                                 {"=COUNTIF(A:A,\"<>\")", "8"},
+                                 {"=COUNTIFS(A:A,\"\",B:B,\"\")", "1048567"},
+                                 {"=COUNTBLANK(A:A)", "1048569"}});
 }
 
 TEST(Subtotals, PassOverEachOtherAndHiddenRows) {

@@ -3,58 +3,59 @@
 namespace qto::embedded {
 namespace {
 
-constexpr const char* cells =
+constexpr const char* lookup_cells =
     "A1=apple; A2=Banana; A3=cherry; B1=10; B2=20; B3=30; C1=1; C2=3; C3=5; C4=text; C5=7; C6=9;"
     "D1=5; D2=4; D3=2; D4=1; E1=100; F1=200; G1=300; E2=x; F2=y; G2=z";
 
 TEST(Lookup, FindsEqualValues) {
-  expect_results(cells, {{"=VLOOKUP(\"BANANA\",A1:B3,2,FALSE)", "20"},
-                         {"=VLOOKUP(\"b*\",A1:B3,2,FALSE)", "20"},
-                         {"=VLOOKUP(\"?pple\",A:B,2,FALSE)", "10"},
-                         {"=VLOOKUP(\"plum\",A1:B3,2,FALSE)", "#N/A"},
-                         {"=VLOOKUP(\"apple\",A1:B3,3,FALSE)", "#REF!"},
-                         {"=VLOOKUP(\"apple\",A1:B3,0,FALSE)", "#VALUE!"},
-                         {"=VLOOKUP(#REF!,A1:B3,2,FALSE)", "#REF!"},
-                         {"=VLOOKUP(\"10\",B1:B3,1,FALSE)", "#N/A"},
-                         {"=HLOOKUP(200,E1:G2,2,FALSE)", "y"},
-                         {"=MATCH(\"cherry\",A1:A3,0)", "3"},
-                         {"=MATCH(\"~*\",A1:A3,0)", "#N/A"},
-                         {"=MATCH(20,A1:B3,0)", "#N/A"}});
+  expect_results(lookup_cells, {{"=VLOOKUP(\"BANANA\",A1:B3,2,FALSE)", "20"},
+                                {"=VLOOKUP(\"b*\",A1:B3,2,FALSE)", "20"},
+                                {"=VLOOKUP(\"?pple\",A:B,2,FALSE)", "10"},
+                                {"=VLOOKUP(\"plum\",A1:B3,2,FALSE)", "#N/A"},
+                                {"=VLOOKUP(\"apple\",A1:B3,3,FALSE)", "#REF!"},
+                                {"=VLOOKUP(\"apple\",A1:B3,0,FALSE)", "#VALUE!"},
+                                {"=VLOOKUP(#REF!,A1:B3,2,FALSE)", "#REF!"},
+                                {"=VLOOKUP(\"10\",B1:B3,1,FALSE)", "#N/A"},
+                                {"=HLOOKUP(200,E1:G2,2,FALSE)", "y"},
+                                {"=MATCH(\"cherry\",A1:A3,0)", "3"},
+                                {"=MATCH(\"~*\",A1:A3,0)", "#N/A"},
+                                {"=MATCH(20,A1:B3,0)", "#N/A"}});
 }
 
 TEST(Lookup, SearchesSortedValues) {
-  expect_results(cells, {{"=VLOOKUP(25,B1:B3,1)", "20"},
-                         {"=VLOOKUP(5,B1:B3,1)", "#N/A"},
-                         {"=MATCH(4,C1:C6)", "2"},
-                         {"=MATCH(8,C1:C6)", "5"},  // the text in between is passed over
-                         {"=MATCH(3,D1:D4,-1)", "2"},
-                         {"=MATCH(9,D1:D4,-1)", "#N/A"},
-                         {"=MATCH(2,{1,2,2,2,3})", "4"},
-                         {"=LOOKUP(4,C:C,C:C)", "3"},
-                         {"=LOOKUP(\"zzz\",A1:A3)", "cherry"},
-                         {"=LOOKUP(2,1/(A1:A3<>\"cherry\"),B1:B3)", "20"},
-                         {"=LOOKUP(250,E1:G2)", "y"}});
+  expect_results(lookup_cells, {{"=VLOOKUP(25,B1:B3,1)", "20"},
+                                {"=VLOOKUP(5,B1:B3,1)", "#N/A"},
+                                {"=MATCH(4,C1:C6)", "2"},
+                                {"=MATCH(8,C1:C6)", "5"},  // the text in between is passed over
+                                {"=MATCH(3,D1:D4,-1)", "2"},
+                                {"=MATCH(9,D1:D4,-1)", "#N/A"},
+                                {"=MATCH(2,{1,2,2,2,3})", "4"},
+                                {"=LOOKUP(4,C:C,C:C)", "3"},
+                                {"=LOOKUP(\"zzz\",A1:A3)", "cherry"},
+                                {"=LOOKUP(2,1/(A1:A3<>\"cherry\"),B1:B3)", "20"},
+                                {"=LOOKUP(250,E1:G2)", "y"}});
 }
 
 TEST(Lookup, ExtendedFormsGoBothWays) {
-  expect_results(cells, {{"=XLOOKUP(20,B1:B3,A1:A3)", "Banana"},
-                         {"=XLOOKUP(25,B1:B3,A1:A3,\"none\")", "none"},
-                         {"=XLOOKUP(25,B1:B3,A1:A3,,1)", "cherry"},
-                         {"=XLOOKUP(25,B1:B3,A1:A3,,-1)", "Banana"},
-                         {"=XLOOKUP(\"b*\",A1:A3,B1:B3,,2)", "20"},
-                         {"=XLOOKUP(\"b*\",A1:A3,B1:B3)", "#N/A"},
-                         {"=SUM(XLOOKUP(\"apple\",A1:A3,B1:C3))", "11"},
-                         {"=XMATCH(4,D1:D4,0,-2)", "2"},
-                         {"=XMATCH(3,D1:D4,1,-2)", "2"},
-                         {"=XMATCH(1,{1,2,1},0,-1)", "3"},
-                         {"=XMATCH(4.1,{\"\",\"a\",1.1,4.1},0,2)", "#N/A"},  // texts stand above
-                         {"=XMATCH(4.1,{2,\"s\",\"a\",4.1,1.1},1,2)", "2"},
-                         {"=XMATCH(2,{1,2,3,#N/A,#N/A},0,2)", "2"},
-                         {"=XMATCH(1,{1,2},3)", "#VALUE!"}});
+  expect_results(lookup_cells,
+                 {{"=XLOOKUP(20,B1:B3,A1:A3)", "Banana"},
+                  {"=XLOOKUP(25,B1:B3,A1:A3,\"none\")", "none"},
+                  {"=XLOOKUP(25,B1:B3,A1:A3,,1)", "cherry"},
+                  {"=XLOOKUP(25,B1:B3,A1:A3,,-1)", "Banana"},
+                  {"=XLOOKUP(\"b*\",A1:A3,B1:B3,,2)", "20"},
+                  {"=XLOOKUP(\"b*\",A1:A3,B1:B3)", "#N/A"},
+                  {"=SUM(XLOOKUP(\"apple\",A1:A3,B1:C3))", "11"},
+                  {"=XMATCH(4,D1:D4,0,-2)", "2"},
+                  {"=XMATCH(3,D1:D4,1,-2)", "2"},
+                  {"=XMATCH(1,{1,2,1},0,-1)", "3"},
+                  {"=XMATCH(4.1,{\"\",\"a\",1.1,4.1},0,2)", "#N/A"},  // texts stand above
+                  {"=XMATCH(4.1,{2,\"s\",\"a\",4.1,1.1},1,2)", "2"},
+                  {"=XMATCH(2,{1,2,3,#N/A,#N/A},0,2)", "2"},
+                  {"=XMATCH(1,{1,2},3)", "#VALUE!"}});
 }
 
 TEST(Lookup, IndexGivesReferencesAndParts) {
-  SmallBook book(cells);
+  SmallBook book(lookup_cells);
   EXPECT_EQ(book.run_reference("=INDEX(A1:B3,2,1)"), "Sheet1!A2");
   EXPECT_EQ(book.run_reference("=INDEX(A1:B3,0,2)"), "Sheet1!B1:B3");
   EXPECT_EQ(book.run_reference("=INDEX((A1:B3,C1:C6),5,1,2)"), "Sheet1!C5");
@@ -66,7 +67,7 @@ TEST(Lookup, IndexGivesReferencesAndParts) {
 }
 
 TEST(Lookup, ChoosesWithoutEvaluatingTheRest) {
-  SmallBook book(cells);
+  SmallBook book(lookup_cells);
   EXPECT_EQ(book.run("=CHOOSE(2,1/0,B2,1/0)"), "20");
   EXPECT_EQ(book.run("=CHOOSE(4,1,2,3)"), "#VALUE!");
   EXPECT_EQ(book.run("=SUM(CHOOSE(2,A1:A3,B1:B3))"), "60");
@@ -74,7 +75,7 @@ TEST(Lookup, ChoosesWithoutEvaluatingTheRest) {
 }
 
 TEST(Lookup, ReferencesFromTexts) {
-  SmallBook book(cells);
+  SmallBook book(lookup_cells);
   book.sheet("My sheet").cells.touch({1, 1}).set_number(7);
   EXPECT_EQ(book.run("=SUM(INDIRECT(\"B1:B\"&3))"), "60");
   EXPECT_EQ(book.run("=INDIRECT(\"'My sheet'!A1\")"), "7");

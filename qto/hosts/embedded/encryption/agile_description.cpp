@@ -16,7 +16,7 @@ struct FreeParser {
   void operator()(XML_ParserStruct* parser) const { XML_ParserFree(parser); }
 };
 
-[[noreturn]] void damaged(const std::string& what) {
+[[noreturn]] void damaged_description(const std::string& what) {
   throw EncryptionFault(EncryptionFault::Kind::damaged,
                         "the description of its encryption is damaged: " + what);
 }
@@ -99,9 +99,9 @@ AgileDescription read_agile_description(std::string_view xml) {
   // Some writers fill the stream up with zeros.
   xml = xml.substr(0, xml.find_last_not_of('\0') + 1);
   if (XML_Parse(parser.get(), xml.data(), static_cast<int>(xml.size()), true) != XML_STATUS_OK)
-    damaged(XML_ErrorString(XML_GetErrorCode(parser.get())));
-  if (reading.has_doctype) damaged("a document type declaration is not allowed");
-  if (!reading.has_data) damaged("it names no key for the data");
+    damaged_description(XML_ErrorString(XML_GetErrorCode(parser.get())));
+  if (reading.has_doctype) damaged_description("a document type declaration is not allowed");
+  if (!reading.has_data) damaged_description("it names no key for the data");
   if (!reading.has_password)
     throw EncryptionFault(EncryptionFault::Kind::unsupported,
                           "it is encrypted for certificates, and no password opens it");

@@ -29,10 +29,6 @@ constexpr std::size_t length_size = 8;
 /// The most that the format allows; writers use 100,000.
 constexpr std::int64_t most_rounds = 10'000'000;
 
-[[noreturn]] void damaged(const std::string& what) {
-  throw EncryptionFault(Kind::damaged, "the encrypted workbook is damaged: " + what);
-}
-
 Digest digest_of(const AgileKey& key) {
   if (key.cipher != "AES" || key.chaining != "ChainingModeCBC")
     throw EncryptionFault(Kind::unsupported, "it is encrypted with " + key.cipher + " (" +
@@ -44,14 +40,14 @@ Digest digest_of(const AgileKey& key) {
                           "its encryption uses the hash " + key.hash + ", which is not known");
   if (key.block_size != aes_block || key.salt.empty() || key.key_bits % 8 != 0 ||
       key.key_bits <= 0 || key.hash_size != static_cast<std::int64_t>(digest->size()))
-    damaged("the sizes of its keys do not fit together");
+    damaged_workbook("the sizes of its keys do not fit together");
   return *std::move(digest);
 }
 
 /// Decrypts a short value with a whole number of blocks; gives its first `length` bytes.
 Bytes decrypt_value(ByteView key, ByteView initial_vector, Bytes value, std::size_t length) {
   if (value.empty() || value.size() % aes_block != 0 || value.size() < length)
-    damaged("one of its keys has a wrong length");
+    damaged_workbook("one of its keys has a wrong length");
   Aes(Aes::Mode::cbc, key).decrypt(value, initial_vector);
   value.resize(length);
   return value;
@@ -67,7 +63,7 @@ void check_integrity(const AgileDescription& description, const Digest& digest, 
   const Bytes mac_key = value_of(for_integrity_key, description.integrity_key);
   const Bytes expected = value_of(for_integrity_value, description.integrity_value);
   if (!equal_hashes(digest.hmac(mac_key, stream), expected))
-    damaged("its integrity check fails, so it was changed or cut off");
+    damaged_workbook("its integrity check fails, so it was changed or cut off");
 }
 
 }  // namespace
@@ -76,8 +72,8 @@ Bytes agile_key(const AgileDescription& description, std::string_view password) 
   const AgileKey& how = description.password;
   const Digest digest = digest_of(how);
   if (description.rounds < 0 || description.rounds > most_rounds)
-    damaged("it asks for " + std::to_string(description.rounds) +
-            " rounds of hashing; 10,000,000 are the most there can be");
+    damaged_workbook("it asks for " + std::to_string(description.rounds) +
+                     " rounds of hashing; 10,000,000 are the most there can be");
   const Bytes hash =
       digest.of_password(how.salt, password, static_cast<std::uint32_t>(description.rounds),
                          Digest::RoundNumber::before_hash);
@@ -97,12 +93,12 @@ Bytes agile_key(const AgileDescription& description, std::string_view password) 
 
 Bytes decrypt_agile(const AgileDescription& description, ByteView key, Bytes stream) {
   const Digest digest = digest_of(description.data);
-  if (stream.size() < length_size) damaged("it holds no data");
+  if (stream.size() < length_size) damaged_workbook("it holds no data");
   check_integrity(description, digest, key, stream);
   const auto length = read_le<std::uint64_t>(stream, 0);
   stream.erase(stream.begin(), stream.begin() + length_size);
   stream.resize(stream.size() / aes_block * aes_block);
-  if (length > stream.size()) damaged("its data is shorter than it says");
+  if (length > stream.size()) damaged_workbook("its data is shorter than it says");
   const Aes aes(Aes::Mode::cbc, key);
   Bytes number;
   for (std::size_t at = 0; at < stream.size(); at += segment_size) {

@@ -29,7 +29,7 @@ constexpr std::size_t small_table_at = 0x3C;
 constexpr std::size_t more_tables_at = 0x44;
 constexpr std::size_t tables_at = 0x4C;
 
-[[noreturn]] void damaged(const std::string& what) {
+[[noreturn]] void damaged_compound(const std::string& what) {
   throw EncryptionFault(EncryptionFault::Kind::damaged, "the compound file is damaged: " + what);
 }
 
@@ -39,8 +39,8 @@ void follow(std::uint32_t start, const std::vector<std::uint32_t>& next, std::st
             Visit&& visit) {
   std::vector<bool> seen(next.size());
   for (std::uint32_t at = start; at < first_mark; at = next[at]) {
-    if (at >= next.size()) damaged(std::string(what) + " leads outside the file");
-    if (seen[at]) damaged(std::string(what) + " leads back to itself");
+    if (at >= next.size()) damaged_compound(std::string(what) + " leads outside the file");
+    if (seen[at]) damaged_compound(std::string(what) + " leads back to itself");
     seen[at] = true;
     if (!visit(at)) return;
   }
@@ -61,14 +61,14 @@ CompoundFile::CompoundFile(Bytes content) : content_(std::move(content)) {
 }
 
 void CompoundFile::read_header() {
-  if (!is_one(content_)) damaged("it does not begin like one");
-  if (content_.size() < header_size) damaged("it is cut off in its header");
+  if (!is_one(content_)) damaged_compound("it does not begin like one");
+  if (content_.size() < header_size) damaged_compound("it is cut off in its header");
   const auto version = read_le<std::uint16_t>(content_, version_at);
   const auto shift = read_le<std::uint16_t>(content_, sector_shift_at);
   if (!(version == 3 && shift == 9) && !(version == 4 && shift == 12))
-    damaged("its sectors have no size that version " + std::to_string(version) + " knows");
+    damaged_compound("its sectors have no size that version " + std::to_string(version) + " knows");
   if (read_le<std::uint16_t>(content_, small_shift_at) != 6)
-    damaged("its small sectors have another size than 64 bytes");
+    damaged_compound("its small sectors have another size than 64 bytes");
   sector_size_ = std::size_t{1} << shift;
   const std::size_t behind_header =
       content_.size() > sector_size_ ? content_.size() - sector_size_ : 0;
@@ -78,7 +78,7 @@ void CompoundFile::read_header() {
 }
 
 ByteView CompoundFile::sector(std::uint32_t number) const {
-  if (number >= sector_count_) damaged("a sector lies outside the file (cut off?)");
+  if (number >= sector_count_) damaged_compound("a sector lies outside the file (cut off?)");
   const std::size_t at = (std::size_t{number} + 1) * sector_size_;
   return ByteView(content_).subspan(at, std::min(sector_size_, content_.size() - at));
 }
@@ -93,9 +93,10 @@ void CompoundFile::read_sector_table() {
   append_table(tables, ByteView(content_).subspan(tables_at, table_sectors_in_header * 4));
   std::uint32_t more = read_le<std::uint32_t>(content_, more_tables_at);
   for (std::uint32_t passed = 0; more < first_mark; ++passed) {
-    if (passed > sector_count_) damaged("the list of its sector tables leads back to itself");
+    if (passed > sector_count_)
+      damaged_compound("the list of its sector tables leads back to itself");
     const ByteView list = sector(more);
-    if (list.size() < sector_size_) damaged("the list of its sector tables is cut off");
+    if (list.size() < sector_size_) damaged_compound("the list of its sector tables is cut off");
     append_table(tables, list.first(sector_size_ - 4));
     more = read_le<std::uint32_t>(list, sector_size_ - 4);
   }
@@ -138,7 +139,7 @@ CompoundFile::Entry CompoundFile::entry_at(ByteView directory, std::uint32_t num
 void CompoundFile::read_directory() {
   const Bytes directory = read_chain(read_le<std::uint32_t>(content_, directory_at));
   const std::size_t count = directory.size() / entry_size;
-  if (count == 0) damaged("it has no directory");
+  if (count == 0) damaged_compound("it has no directory");
   const auto link = [&](std::uint32_t number, std::size_t at) {
     return read_le<std::uint32_t>(directory, number * entry_size + at);
   };
@@ -148,7 +149,7 @@ void CompoundFile::read_directory() {
     const std::uint32_t number = waiting.back();
     waiting.pop_back();
     if (number == no_entry) continue;
-    if (number >= count || seen[number]) damaged("its directory is no tree");
+    if (number >= count || seen[number]) damaged_compound("its directory is no tree");
     seen[number] = true;
     entries_.push_back(entry_at(directory, number));
     waiting.push_back(link(number, 72));
@@ -174,7 +175,7 @@ Bytes CompoundFile::read(const Entry& stream) const {
 
 Bytes CompoundFile::read_sectors(const Entry& stream) const {
   const std::string what = "\"" + stream.name + "\"";
-  if (stream.size > content_.size()) damaged(what + " is longer than the file (cut off?)");
+  if (stream.size > content_.size()) damaged_compound(what + " is longer than the file (cut off?)");
   Bytes out;
   out.reserve(static_cast<std::size_t>(stream.size));
   if (stream.size > 0)
@@ -185,7 +186,7 @@ Bytes CompoundFile::read_sectors(const Entry& stream) const {
                  bytes.begin() + static_cast<std::ptrdiff_t>(std::min(left, bytes.size())));
       return out.size() < stream.size;
     });
-  if (out.size() < stream.size) damaged(what + " ends too early");
+  if (out.size() < stream.size) damaged_compound(what + " ends too early");
   return out;
 }
 
@@ -201,7 +202,7 @@ Bytes CompoundFile::read_small_sectors(const Entry& stream) const {
                  from + static_cast<std::ptrdiff_t>(std::min(left, small_sector_size)));
       return out.size() < stream.size;
     });
-  if (out.size() < stream.size) damaged(what + " ends too early");
+  if (out.size() < stream.size) damaged_compound(what + " ends too early");
   return out;
 }
 

@@ -19,4 +19,9 @@ struct EncryptionFault : std::runtime_error {
   Kind kind;
 };
 
+[[noreturn]] inline void damaged_workbook(const std::string& what) {
+  throw EncryptionFault(EncryptionFault::Kind::damaged,
+                        "the encrypted workbook is damaged: " + what);
+}
+
 }  // namespace qto::embedded

@@ -13,21 +13,17 @@ namespace {
 
 using Kind = EncryptionFault::Kind;
 
-constexpr std::size_t length_size = 8;
+constexpr std::size_t standard_length_size = 8;
 constexpr std::size_t rc4_block = 512;
 constexpr std::uint32_t rounds = 50'000;
 constexpr std::size_t sha1_size = 20;
-
-[[noreturn]] void damaged(const std::string& what) {
-  throw EncryptionFault(Kind::damaged, "the encrypted workbook is damaged: " + what);
-}
 
 Digest sha1() { return *Digest::find("SHA1"); }
 
 /// The bytes of a field; damaged when the structure ends before.
 ByteView field(ByteView bytes, std::size_t at, std::size_t size) {
   if (at > bytes.size() || size > bytes.size() - at)
-    damaged("the description of its encryption is cut off");
+    damaged_workbook("the description of its encryption is cut off");
   return bytes.subspan(at, size);
 }
 
@@ -51,7 +47,7 @@ void read_algorithm(ByteView header, StandardDescription& into) {
   const std::uint32_t usual_bits = into.rc4 ? 40 : 128;
   into.key_bytes = (key_bits == 0 ? usual_bits : key_bits) / 8;
   if (into.key_bytes < 5 || into.key_bytes > 32 || (into.rc4 && into.key_bytes > 16))
-    damaged("its key has " + std::to_string(key_bits) + " bits");
+    damaged_workbook("its key has " + std::to_string(key_bits) + " bits");
 }
 
 /// The key of an RC4 block: a key of 40 bits is filled up with zeros ([MS-OFFCRYPTO] 2.3.5.2).
@@ -100,7 +96,7 @@ StandardDescription read_standard_description(ByteView bytes) {
   read_algorithm(header, into);
   const std::size_t verifier_at = 8 + std::size_t{header_size};
   const std::size_t salt_size = number(bytes, verifier_at);
-  if (salt_size != 16) damaged("its salt has " + std::to_string(salt_size) + " bytes");
+  if (salt_size != 16) damaged_workbook("its salt has " + std::to_string(salt_size) + " bytes");
   const auto take = [&](std::size_t at, std::size_t size) {
     const ByteView part = field(bytes, verifier_at + at, size);
     return Bytes(part.begin(), part.end());
@@ -125,11 +121,11 @@ Bytes standard_key(const StandardDescription& description, std::string_view pass
 }
 
 Bytes decrypt_standard(const StandardDescription& description, ByteView key, Bytes stream) {
-  if (stream.size() < length_size) damaged("it holds no data");
+  if (stream.size() < standard_length_size) damaged_workbook("it holds no data");
   const auto length = read_le<std::uint64_t>(stream, 0);
-  stream.erase(stream.begin(), stream.begin() + length_size);
+  stream.erase(stream.begin(), stream.begin() + standard_length_size);
   if (!description.rc4) stream.resize(stream.size() / aes_block * aes_block);
-  if (length > stream.size()) damaged("its data is shorter than it says");
+  if (length > stream.size()) damaged_workbook("its data is shorter than it says");
   if (!description.rc4) {
     Aes(Aes::Mode::ecb, key).decrypt(stream);
   } else {

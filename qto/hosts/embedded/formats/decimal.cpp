@@ -61,4 +61,10 @@ Decimal to_decimal(double magnitude) {
   return number;
 }
 
+std::int64_t power_of_ten(int power) {
+  std::int64_t result = 1;
+  for (int i = 0; i < power; ++i) result *= 10;
+  return result;
+}
+
 }  // namespace qto::embedded::formats

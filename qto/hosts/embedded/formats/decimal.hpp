@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 
 namespace qto::embedded::formats {
 
@@ -35,6 +36,9 @@ struct Decimal {
   /// Rounds half away from zero to `decimals` places; negative places round tens, hundreds, ...
   void round_to(int decimals);
 };
+
+/// 10^power for a power from 0 to 18.
+std::int64_t power_of_ten(int power);
 
 /// The digits of a finite `magnitude` >= 0.
 Decimal to_decimal(double magnitude);

@@ -16,12 +16,6 @@ constexpr int kBuddhistYears = 543;
 // A date without a time does not round up to the next day before the last 0.1 ms.
 constexpr int kDateOnlyDecimals = 4;
 
-std::int64_t power_of_ten(int power) {
-  std::int64_t result = 1;
-  for (int i = 0; i < power; ++i) result *= 10;
-  return result;
-}
-
 void append_padded(std::int64_t value, int width, std::string& out) {
   std::array<char, 24> text;
   const char* end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;

@@ -47,12 +47,6 @@ Ratio nearest_ratio(double value, std::int64_t max_denominator) {
   return last;
 }
 
-std::int64_t power_of_ten(int power) {
-  std::int64_t result = 1;
-  for (int i = 0; i < power; ++i) result *= 10;
-  return result;
-}
-
 Ratio fraction_of(const Section& section, double value) {
   if (section.fixed_denominator > 0) {
     return {std::llround(value * section.fixed_denominator), section.fixed_denominator};

@@ -66,7 +66,7 @@ Operand fn_randbetween(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec arithmetic_table[] = {
     {"ABS", 1, 1, plain, {number}, fn_abs, "number", "the value without its sign", "=ABS(-2)", "2"},
     {"EXP", 1, 1, plain, {number}, of_number<std::exp>, "number", "e raised to a power", "=EXP(0)",
      "1"},
@@ -95,10 +95,10 @@ constexpr FunctionSpec table[] = {
      "the square root of a number times pi", "=ROUND(SQRTPI(1),6)", "1.772454"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(arithmetic_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> arithmetic_functions() { return table; }
+std::span<const FunctionSpec> arithmetic_functions() { return arithmetic_table; }
 
 }  // namespace qto::embedded::functions

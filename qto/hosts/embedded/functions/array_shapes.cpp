@@ -12,12 +12,6 @@ namespace {
 
 using enum Parameter;
 
-std::optional<ErrorValue> refusal(const Operand& operand) {
-  if (operand.error()) return *operand.error();
-  if (operand.is_missing() || operand.areas().size() > 1) return ErrorValue::value;
-  return std::nullopt;
-}
-
 /// A stretch of rows or columns from 0.
 struct Stretch {
   int from = 0;
@@ -185,7 +179,7 @@ Operand fn_trimrange(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec array_shape_table[] = {
     {"CHOOSECOLS", 2, any_count, plain, {Parameter::array, values}, fn_choose_lines<false>,
      "array, column1, ...", "some columns of an array", "=SUM(CHOOSECOLS({1,2,3},1,-1))", "4"},
     {"CHOOSEROWS", 2, any_count, plain, {Parameter::array, values}, fn_choose_lines<true>,
@@ -217,10 +211,10 @@ constexpr FunctionSpec table[] = {
      "vector, width, [pad]", "a vector broken into rows", "=ROWS(WRAPROWS({1,2,3},2))", "2"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(array_shape_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> array_shape_functions() { return table; }
+std::span<const FunctionSpec> array_shape_functions() { return array_shape_table; }
 
 }  // namespace qto::embedded::functions

@@ -5,6 +5,7 @@
 #include "qto/hosts/embedded/evaluate/build_array.hpp"
 #include "qto/hosts/embedded/evaluate/call.hpp"
 #include "qto/hosts/embedded/evaluate/compare.hpp"
+#include "qto/hosts/embedded/functions/blocks.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 
 namespace qto::embedded::functions {
@@ -24,13 +25,6 @@ Operand pick(Call& call, const Grid& grid, const std::vector<int>& lines, bool r
                                rows ? column : lines[static_cast<std::size_t>(column)])
                            .to_variant();
                      });
-}
-
-/// The error that keeps an operand from being a block of values.
-std::optional<ErrorValue> refusal(const Operand& operand) {
-  if (operand.error()) return *operand.error();
-  if (operand.is_missing() || operand.areas().size() > 1) return ErrorValue::value;
-  return std::nullopt;
 }
 
 Operand fn_sequence(Call& call) {
@@ -187,7 +181,7 @@ Operand fn_unique(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec array_table[] = {
     {"FILTER", 2, 3, plain, {Parameter::array, Parameter::array, values}, fn_filter,
      "array, include, [if_empty]", "the rows or columns whose condition is true",
      "=SUM(FILTER({1;2;3},{TRUE;FALSE;TRUE}))", "4"},
@@ -207,10 +201,10 @@ constexpr FunctionSpec table[] = {
      "=ROWS(UNIQUE({1;2;1}))", "2"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(array_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> array_functions() { return table; }
+std::span<const FunctionSpec> array_functions() { return array_table; }
 
 }  // namespace qto::embedded::functions

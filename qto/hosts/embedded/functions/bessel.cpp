@@ -56,7 +56,7 @@ double modified_second_kind(int order, double x) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec bessel_table[] = {
     {"BESSELI", 2, 2, plain, {strict_number}, fn_bessel<modified_first_kind, false>, "x, order",
      "the modified Bessel function of the first kind", "=ROUND(BESSELI(1.5,1),6)", "0.981666"},
     {"BESSELJ", 2, 2, plain, {strict_number}, fn_bessel<first_kind, false>, "x, order",
@@ -67,10 +67,10 @@ constexpr FunctionSpec table[] = {
      "the Bessel function of the second kind", "=ROUND(BESSELY(2.5,1),6)", "0.145918"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(bessel_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> bessel_functions() { return table; }
+std::span<const FunctionSpec> bessel_functions() { return bessel_table; }
 
 }  // namespace qto::embedded::functions

@@ -11,6 +11,12 @@ Shape shape_of(const Operand& operand) noexcept {
   return {};
 }
 
+std::optional<ErrorValue> refusal(const Operand& operand) {
+  if (operand.error()) return *operand.error();
+  if (operand.is_missing() || operand.areas().size() > 1) return ErrorValue::value;
+  return std::nullopt;
+}
+
 Operand part_of(Context& context, const Operand& operand, int row, int column, int rows,
                 int columns) {
   if (const Area* area = operand.area()) {

@@ -112,15 +112,15 @@ Operand fn_cell(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec cell_info_table[] = {
     {"CELL", 1, 2, changes_always, {text, reference}, fn_cell, "what, [reference]",
      "address, contents, format and the like of a cell", "=CELL(\"address\",B7)", "$B$7"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(cell_info_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> cell_info_functions() { return table; }
+std::span<const FunctionSpec> cell_info_functions() { return cell_info_table; }
 
 }  // namespace qto::embedded::functions

@@ -137,7 +137,7 @@ Operand fn_multinomial(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec combinatorics_table[] = {
     {"COMBIN", 2, 2, plain, {number}, fn_combin, "number, chosen",
      "the number of choices without repetition", "=COMBIN(8,2)", "28"},
     {"COMBINA", 2, 2, plain, {number}, fn_combina, "number, chosen",
@@ -157,10 +157,10 @@ constexpr FunctionSpec table[] = {
      "the number of ordered choices with repetition", "=PERMUTATIONA(3,2)", "9"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(combinatorics_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> combinatorics_functions() { return table; }
+std::span<const FunctionSpec> combinatorics_functions() { return combinatorics_table; }
 
 }  // namespace qto::embedded::functions

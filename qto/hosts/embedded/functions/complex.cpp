@@ -189,7 +189,7 @@ Operand fn_fold(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec complex_table[] = {
     {"COMPLEX", 2, 3, plain, {strict_number, strict_number, text}, fn_complex,
      "real, imaginary, [unit]", "a complex number as text", "=COMPLEX(3,-1)", "3-i"},
     {"IMABS", 1, 1, plain, {strict_value}, real_of_complex<magnitude>, "number",
@@ -244,10 +244,10 @@ constexpr FunctionSpec table[] = {
      "the tangent of a complex number", "=IMTAN(0)", "0"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(complex_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> complex_functions() { return table; }
+std::span<const FunctionSpec> complex_functions() { return complex_table; }
 
 }  // namespace qto::embedded::functions

@@ -245,7 +245,7 @@ Operand fn_countif(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec conditional_table[] = {
     {"AVERAGEIF", 2, 3, plain, {reference, any, reference}, fn_averageif,
      "range, criterion, [average_range]", "the mean of the numbers that meet a condition",
      "=AVERAGEIF(A1:A3,\">0\")", "#DIV/0!"},
@@ -270,10 +270,10 @@ constexpr FunctionSpec table[] = {
      "=SUMIFS(A1:A3,B1:B3,1)", "0"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(conditional_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> conditional_functions() { return table; }
+std::span<const FunctionSpec> conditional_functions() { return conditional_table; }
 
 }  // namespace qto::embedded::functions

@@ -151,7 +151,7 @@ Operand fn_dget(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec database_table[] = {
     {"DAVERAGE", 3, 3, plain, {values, value, values}, fn_aggregate<Aggregate::average>,
      "list, field, criteria", "the mean of a field over the rows that meet the criteria",
      "=DAVERAGE({\"n\";1;5;9},1,{\"n\";\">1\"})", "7"},
@@ -191,10 +191,10 @@ constexpr FunctionSpec table[] = {
      "=DVARP({\"n\";1;5;9},1,{\"n\";\">1\"})", "4"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(database_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> database_functions() { return table; }
+std::span<const FunctionSpec> database_functions() { return database_table; }
 
 }  // namespace qto::embedded::functions

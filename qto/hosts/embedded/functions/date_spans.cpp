@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/functions/day_count.hpp"
+#include "qto/hosts/embedded/functions/day_arguments.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 #include "qto/hosts/embedded/functions/numbers.hpp"
 
@@ -12,9 +12,6 @@ namespace qto::embedded::functions {
 namespace {
 
 using enum Parameter;
-
-bool date1904(Call& call) { return call.context().book().date1904; }
-std::optional<Day> day_of(Call& call, int i) { return to_day(call.number(i), date1904(call)); }
 
 Operand fn_days(Call& call) {
   const auto end = day_of(call, 0);
@@ -185,7 +182,7 @@ Operand fn_workday(Call& call) { return move_workdays(call, calendar_of(call, 2,
 Operand fn_workday_intl(Call& call) { return move_workdays(call, calendar_of(call, 3, 2)); }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec date_span_table[] = {
     {"DATEDIF", 3, 3, plain, {number, number, text}, fn_datedif, "start, end, unit",
      "the time between two dates in years, months or days",
      "=DATEDIF(DATE(2020,1,31),DATE(2021,3,1),\"M\")", "13"},
@@ -211,10 +208,10 @@ constexpr FunctionSpec table[] = {
      "the part of a year between two dates", "=YEARFRAC(DATE(2024,1,1),DATE(2024,7,1))", "0.5"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(date_span_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> date_span_functions() { return table; }
+std::span<const FunctionSpec> date_span_functions() { return date_span_table; }
 
 }  // namespace qto::embedded::functions

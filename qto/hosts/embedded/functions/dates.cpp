@@ -2,7 +2,7 @@
 
 #include "qto/hosts/embedded/evaluate/call.hpp"
 #include "qto/hosts/embedded/formats/parse_number.hpp"
-#include "qto/hosts/embedded/functions/day_count.hpp"
+#include "qto/hosts/embedded/functions/day_arguments.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 
 namespace qto::embedded::functions {
@@ -10,9 +10,6 @@ namespace qto::embedded::functions {
 namespace {
 
 using enum Parameter;
-
-bool date1904(Call& call) { return call.context().book().date1904; }
-std::optional<Day> day_of(Call& call, int i) { return to_day(call.number(i), date1904(call)); }
 
 Operand serial_or_num(const std::optional<int>& serial) {
   return serial ? Operand(static_cast<double>(*serial)) : Operand(ErrorValue::num);
@@ -146,7 +143,7 @@ Operand fn_add_months(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec date_table[] = {
     {"DATE", 3, 3, plain, {number}, fn_date, "year, month, day", "the serial number of a date",
      "=DATE(2024,2,30)", "45352"},
     {"DATEVALUE", 1, 1, plain, {text}, fn_datevalue, "text", "the date that a text reads as",
@@ -180,10 +177,10 @@ constexpr FunctionSpec table[] = {
     {"YEAR", 1, 1, plain, {number}, fn_year, "date", "the year", "=YEAR(45352)", "2024"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(date_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> date_functions() { return table; }
+std::span<const FunctionSpec> date_functions() { return date_table; }
 
 }  // namespace qto::embedded::functions

@@ -171,7 +171,7 @@ Operand fn_amordegrc(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec depreciation_table[] = {
     {"AMORDEGRC", 6, 7, plain, {strict_number}, fn_amordegrc,
      "cost, bought, first_period, salvage, period, rate, [basis]",
      "French depreciation by a coefficient", "=AMORDEGRC(2400,39679,39813,300,1,0.15,1)", "776"},
@@ -191,10 +191,10 @@ constexpr FunctionSpec table[] = {
      "variable declining balance depreciation", "=VDB(2400,300,10,0,1)", "480"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(depreciation_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> depreciation_functions() { return table; }
+std::span<const FunctionSpec> depreciation_functions() { return depreciation_table; }
 
 }  // namespace qto::embedded::functions

@@ -280,7 +280,7 @@ Operand fn_erf(Call& call) {
 Operand fn_erfc(Call& call) { return std::erfc(call.number(0)); }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec distribution_table[] = {
     {"BETA.DIST", 4, 6, plain, {number, number, number, logical, number, number}, fn_beta_dist,
      "x, alpha, beta, cumulative, [low], [high]", "the beta distribution",
      "=ROUND(BETA.DIST(2,8,10,TRUE,1,3),6)", "0.685471"},
@@ -384,10 +384,10 @@ constexpr FunctionSpec table[] = {
      "=ROUND(WEIBULL.DIST(105,20,100,FALSE),6)", "0.035589"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(distribution_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> distribution_functions() { return table; }
+std::span<const FunctionSpec> distribution_functions() { return distribution_table; }
 
 }  // namespace qto::embedded::functions

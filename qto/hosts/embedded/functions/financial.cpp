@@ -241,7 +241,7 @@ Operand fn_dollar_price(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec financial_table[] = {
     {"CUMIPMT", 6, 6, plain, {strict_number}, fn_cumulative<true>,
      "rate, periods, present, start, end, type", "the interest paid between two periods",
      "=ROUND(CUMIPMT(0.01,12,1000,1,2,0),4)", "-19.2115"},
@@ -294,10 +294,10 @@ constexpr FunctionSpec table[] = {
      "the present worth of dated cash flows", "=ROUND(XNPV(0.1,{-100,110},{1,366}),6)", "0"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(financial_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> financial_functions() { return table; }
+std::span<const FunctionSpec> financial_functions() { return financial_table; }
 
 }  // namespace qto::embedded::functions

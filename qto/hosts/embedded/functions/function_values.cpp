@@ -11,7 +11,8 @@ namespace {
 
 using enum Parameter;
 
-std::optional<ErrorValue> refusal(const Operand& operand) {
+/// As refusal(), but an argument that is left out counts as empty.
+std::optional<ErrorValue> areas_refusal(const Operand& operand) {
   if (operand.error()) return *operand.error();
   if (operand.areas().size() > 1) return ErrorValue::value;
   return std::nullopt;
@@ -32,7 +33,7 @@ Operand fn_map(Call& call) {
   int rows = 1;
   int columns = 1;
   for (int i = 0; i < arrays; ++i) {
-    if (const auto error = refusal(call[i])) return *error;
+    if (const auto error = areas_refusal(call[i])) return *error;
     grids.emplace_back(call.context(), call[i]);
     rows = std::max(rows, grids.back().rows());
     columns = std::max(columns, grids.back().columns());
@@ -47,7 +48,7 @@ Operand fn_map(Call& call) {
 /// REDUCE and SCAN: start, array, function of the value so far and the next one.
 template <class Keep>
 Operand fold(Call& call, Keep&& keep) {
-  if (const auto error = refusal(call[1])) return *error;
+  if (const auto error = areas_refusal(call[1])) return *error;
   const Grid grid(call.context(), call[1]);
   Operand so_far = call.given(0) ? call[0] : Operand(Variant());
   bool first = !call.given(0);
@@ -67,7 +68,7 @@ Operand fn_reduce(Call& call) {
 }
 
 Operand fn_scan(Call& call) {
-  if (const auto error = refusal(call[1])) return *error;
+  if (const auto error = areas_refusal(call[1])) return *error;
   const Shape shape = shape_of(call[1]);
   if (std::int64_t{shape.rows} * shape.columns > max_array_elements) return ErrorValue::num;
   auto result = make_ref<VariantArray>(shape.rows, shape.columns);
@@ -80,7 +81,7 @@ Operand fn_scan(Call& call) {
 
 template <bool by_row>
 Operand fn_by_line(Call& call) {
-  if (const auto error = refusal(call[0])) return *error;
+  if (const auto error = areas_refusal(call[0])) return *error;
   const Shape shape = shape_of(call[0]);
   return build_array(
       call.context(), by_row ? shape.rows : 1, by_row ? 1 : shape.columns,
@@ -106,7 +107,7 @@ Operand fn_makearray(Call& call) {
 Operand fn_isomitted(LazyCall& call) { return call.evaluate(0).is_missing(); }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec function_value_table[] = {
     {"BYCOL", 2, 2, plain, {Parameter::array, values}, fn_by_line<false>, "array, function",
      "a function of each column", "=SUM(BYCOL({1,2;3,4},LAMBDA(c,MAX(c))))", "7"},
     {"BYROW", 2, 2, plain, {Parameter::array, values}, fn_by_line<true>, "array, function",
@@ -126,10 +127,10 @@ constexpr FunctionSpec table[] = {
      "the values on the way of REDUCE", "=INDEX(SCAN(0,{1,2,3},LAMBDA(a,b,a+b)),3)", "6"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(function_value_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> function_value_functions() { return table; }
+std::span<const FunctionSpec> function_value_functions() { return function_value_table; }
 
 }  // namespace qto::embedded::functions

@@ -106,7 +106,7 @@ Operand fn_sheets(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec information_table[] = {
     {"ERROR.TYPE", 1, 1, plain, {any}, fn_error_type, "error",
      "the number of an error, #N/A for anything else", "=ERROR.TYPE(1/0)", "2"},
     {"ISBLANK", 1, 1, plain, {any}, fn_isblank, "value", "true for an empty cell", "=ISBLANK(\"\")",
@@ -142,10 +142,10 @@ constexpr FunctionSpec table[] = {
      "1 for a number, 2 a text, 4 a Boolean, 16 an error, 64 an array", "=TYPE({1,2})", "64"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(information_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> information_functions() { return table; }
+std::span<const FunctionSpec> information_functions() { return information_table; }
 
 }  // namespace qto::embedded::functions

@@ -179,7 +179,7 @@ Operand fn_extend(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec linear_fit_table[] = {
     {"GROWTH", 1, 4, plain, {Parameter::array, Parameter::array, Parameter::array, logical},
      fn_extend<true>, "known_y, [known_x], [new_x], [constant]",
      "values on the exponential curve of best fit", "=ROUND(GROWTH({2,4,8},{1,2,3},4),6)", "16"},
@@ -195,10 +195,10 @@ constexpr FunctionSpec table[] = {
      "=ROUND(TREND({3,5,7},{1,2,3},4),6)", "9"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(linear_fit_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> linear_fit_functions() { return table; }
+std::span<const FunctionSpec> linear_fit_functions() { return linear_fit_table; }
 
 }  // namespace qto::embedded::functions

@@ -218,7 +218,7 @@ Operand fn_true(Call&) { return true; }
 Operand fn_false(Call&) { return false; }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec logical_table[] = {
     {"AND", 1, any_count, takes_spans, {values}, fn_and, "logical1, ...",
      "true when all arguments are true", "=AND(1>0,TRUE)", "TRUE"},
     {"FALSE", 0, 0, plain, {}, fn_false, "", "the value FALSE", "=FALSE()", "FALSE"},
@@ -245,10 +245,10 @@ constexpr FunctionSpec table[] = {
      "true when an odd number of arguments is true", "=XOR(TRUE,TRUE,TRUE)", "TRUE"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(logical_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> logical_functions() { return table; }
+std::span<const FunctionSpec> logical_functions() { return logical_table; }
 
 }  // namespace qto::embedded::functions

@@ -225,7 +225,7 @@ Operand fn_choose(LazyCall& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec lookup_table[] = {
     {"CHOOSE", 2, any_count, gives_reference, {any}, fn_choose, "index, value1, ...",
      "the value with that number", "=CHOOSE(2,\"a\",\"b\")", "b"},
     {"HLOOKUP", 3, 4, plain, {value, values, number, logical}, fn_hlookup,
@@ -253,10 +253,10 @@ constexpr FunctionSpec table[] = {
      "=XMATCH(2.5,{1,2,3},1)", "3"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(lookup_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> lookup_functions() { return table; }
+std::span<const FunctionSpec> lookup_functions() { return lookup_table; }
 
 }  // namespace qto::embedded::functions

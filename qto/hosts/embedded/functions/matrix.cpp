@@ -41,7 +41,7 @@ Operand fn_munit(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec matrix_table[] = {
     {"MDETERM", 1, 1, plain, {Parameter::array}, fn_mdeterm, "array",
      "the determinant of a square matrix", "=MDETERM({1,2;3,4})", "-2"},
     {"MINVERSE", 1, 1, plain, {Parameter::array}, fn_minverse, "array",
@@ -51,10 +51,10 @@ constexpr FunctionSpec table[] = {
     {"MUNIT", 1, 1, plain, {number}, fn_munit, "size", "the unit matrix", "=SUM(MUNIT(3))", "3"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(matrix_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> matrix_functions() { return table; }
+std::span<const FunctionSpec> matrix_functions() { return matrix_table; }
 
 }  // namespace qto::embedded::functions

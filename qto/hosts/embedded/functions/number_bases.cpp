@@ -204,7 +204,7 @@ Operand fn_delta(Call& call) { return call.number(0) == call.number(1, 0) ? 1.0 
 Operand fn_gestep(Call& call) { return call.number(0) >= call.number(1, 0) ? 1.0 : 0.0; }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec number_base_table[] = {
     {"ARABIC", 1, 1, plain, {text}, fn_arabic, "text", "the number of a Roman numeral",
      "=ARABIC(\"MCMXII\")", "1912"},
     {"BASE", 2, 3, plain, {number}, fn_base, "number, radix, [length]", "a number in another base",
@@ -253,10 +253,10 @@ constexpr FunctionSpec table[] = {
      "=ROMAN(499,4)", "ID"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(number_base_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> number_base_functions() { return table; }
+std::span<const FunctionSpec> number_base_functions() { return number_base_table; }
 
 }  // namespace qto::embedded::functions

@@ -136,7 +136,7 @@ Operand fn_oddlyield(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec odd_period_table[] = {
     {"ACCRINT", 6, 8, plain,
      {strict_number, strict_number, strict_number, strict_number, strict_number, strict_number, strict_number, logical},
      fn_accrint, "issue, first_interest, settlement, rate, par, frequency, [basis], [from_issue]",
@@ -160,10 +160,10 @@ constexpr FunctionSpec table[] = {
      "=ROUND(ODDLYIELD(39558,39614,39440,0.0375,99.875,100,2,0),6)", "0.045192"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(odd_period_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> odd_period_functions() { return table; }
+std::span<const FunctionSpec> odd_period_functions() { return odd_period_table; }
 
 }  // namespace qto::embedded::functions

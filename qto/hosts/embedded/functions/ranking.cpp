@@ -127,7 +127,7 @@ Operand fn_frequency(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec ranking_table[] = {
     {"FREQUENCY", 2, 2, plain, {values}, fn_frequency, "data, bins",
      "how many numbers fall into each bin, as a column", "=SUM(FREQUENCY({1,2,3},{1,2}))", "3"},
     {"LARGE", 2, 2, plain, {values, number}, fn_kth<true>, "array, k", "the k-th largest number",
@@ -173,7 +173,7 @@ constexpr FunctionSpec table[] = {
      "the mean without a share of the extremes", "=TRIMMEAN({1,2,3,100},0.5)", "2.5"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(ranking_table));
 
 }  // namespace
 
@@ -207,6 +207,6 @@ Operand kth(std::span<const double> sorted, double k, bool largest) {
   return largest ? sorted[sorted.size() - index] : sorted[index - 1];
 }
 
-std::span<const FunctionSpec> ranking_functions() { return table; }
+std::span<const FunctionSpec> ranking_functions() { return ranking_table; }
 
 }  // namespace qto::embedded::functions

@@ -165,7 +165,7 @@ Operand fn_formulatext(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec reference_table[] = {
     {"ADDRESS", 2, 5, plain, {number, number, number, logical, text}, fn_address,
      "row, column, [kind], [a1], [sheet]", "the address of a cell as text",
      "=ADDRESS(2,3,4,TRUE,\"My sheet\")", "'My sheet'!C2"},
@@ -192,10 +192,10 @@ constexpr FunctionSpec table[] = {
      "rows and columns exchanged", "=INDEX(TRANSPOSE({1,2;3,4}),1,2)", "3"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(reference_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> reference_functions() { return table; }
+std::span<const FunctionSpec> reference_functions() { return reference_table; }
 
 }  // namespace qto::embedded::functions

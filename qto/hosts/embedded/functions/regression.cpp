@@ -96,7 +96,7 @@ Operand fn_fisher(Call& call) {
 Operand fn_fisherinv(Call& call) { return std::tanh(call.number(0)); }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec regression_table[] = {
     {"CORREL", 2, 2, plain, {values}, fn_correl, "array1, array2",
      "the correlation of two sets of numbers", "=CORREL({1,2,3},{2,4,6})", "1"},
     {"COVAR", 2, 2, plain, {values}, fn_covariance<false>, "array1, array2",
@@ -125,10 +125,10 @@ constexpr FunctionSpec table[] = {
      "the standard error of the line of best fit", "=STEYX({3,5,7},{1,2,3})", "0"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(regression_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> regression_functions() { return table; }
+std::span<const FunctionSpec> regression_functions() { return regression_table; }
 
 }  // namespace qto::embedded::functions

@@ -113,7 +113,7 @@ Operand fn_odd(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec rounding_table[] = {
     {"CEILING", 2, 2, plain, {number}, fn_ceiling, "number, significance",
      "rounded away from zero to a multiple", "=CEILING(2.5,1)", "3"},
     {"CEILING.MATH", 1, 3, plain, {number}, fn_ceiling_math, "number, [significance], [mode]",
@@ -150,7 +150,7 @@ constexpr FunctionSpec table[] = {
      "cut off after decimal places", "=TRUNC(-8.9)", "-8"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(rounding_table));
 
 }  // namespace
 
@@ -170,6 +170,6 @@ double round_to_places(double value, double places) noexcept {
   return round_places(value, places, Direction::half_away);
 }
 
-std::span<const FunctionSpec> rounding_functions() { return table; }
+std::span<const FunctionSpec> rounding_functions() { return rounding_table; }
 
 }  // namespace qto::embedded::functions

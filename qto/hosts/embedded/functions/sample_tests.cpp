@@ -339,7 +339,7 @@ Operand fn_prob(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec sample_test_table[] = {
     {"CHIDIST", 2, 2, plain, {number}, fn_chisq_dist_rt, "x, degrees",
      "what lies above in the chi-squared distribution", "=ROUND(CHIDIST(18.307,10),4)", "0.05"},
     {"CHIINV", 2, 2, plain, {number}, fn_chisq_inv_rt, "probability, degrees",
@@ -412,10 +412,10 @@ constexpr FunctionSpec table[] = {
      "the test of a mean", "=ROUND(ZTEST({3,6,7,8,6,5,4,2,1,9},4),6)", "0.090574"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(sample_test_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> sample_test_functions() { return table; }
+std::span<const FunctionSpec> sample_test_functions() { return sample_test_table; }
 
 }  // namespace qto::embedded::functions

@@ -209,7 +209,7 @@ Operand fn_tbilleq(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec security_table[] = {
     {"ACCRINTM", 3, 5, plain, {strict_number}, fn_accrintm,
      "issue, settlement, rate, [par], [basis]",
      "the interest that has accrued when it is paid at maturity",
@@ -279,10 +279,10 @@ constexpr FunctionSpec table[] = {
      "=ROUND(YIELDMAT(39522,39755,39394,0.0625,100.0123,0),6)", "0.060954"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(security_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> security_functions() { return table; }
+std::span<const FunctionSpec> security_functions() { return security_table; }
 
 }  // namespace qto::embedded::functions

@@ -210,7 +210,7 @@ constexpr auto fn_stdev_s = fn_variance<Counting::numbers, true, true>;
 constexpr auto fn_stdev_p = fn_variance<Counting::numbers, false, true>;
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec statistics_table[] = {
     {"AVEDEV", 1, any_count, takes_spans, {values}, fn_avedev, "number1, ...",
      "the mean distance from the mean", "=AVEDEV(1,2,3,4)", "1"},
     {"AVERAGE", 1, any_count, takes_spans, {values}, fn_average<Counting::numbers>, "number1, ...",
@@ -280,10 +280,10 @@ constexpr FunctionSpec table[] = {
      "1"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(statistics_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> statistics_functions() { return table; }
+std::span<const FunctionSpec> statistics_functions() { return statistics_table; }
 
 }  // namespace qto::embedded::functions

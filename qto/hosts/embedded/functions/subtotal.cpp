@@ -115,7 +115,7 @@ Operand fn_aggregate(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec subtotal_table[] = {
     {"AGGREGATE", 3, any_count, plain, {number, number, Parameter::array}, fn_aggregate,
      "function, options, array, [k]", "an aggregate that can pass over errors and hidden rows",
      "=AGGREGATE(14,6,{3,#N/A,5},1)", "5"},
@@ -123,10 +123,10 @@ constexpr FunctionSpec table[] = {
      "an aggregate that passes over other subtotals", "=SUBTOTAL(2,A1:B9)", "0"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(subtotal_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> subtotal_functions() { return table; }
+std::span<const FunctionSpec> subtotal_functions() { return subtotal_table; }
 
 }  // namespace qto::embedded::functions

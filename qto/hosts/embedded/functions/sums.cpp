@@ -132,7 +132,7 @@ Operand fn_percentof(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec sum_table[] = {
     {"PERCENTOF", 2, 2, plain, {Parameter::array}, fn_percentof, "part, all",
      "the sum of a part by the sum of all", "=PERCENTOF({1,2},{1,2,3,4})", "0.3"},
     {"PRODUCT", 1, any_count, takes_spans, {values}, fn_product, "number1, ...",
@@ -154,10 +154,10 @@ constexpr FunctionSpec table[] = {
      "the sum of the squares of differences", "=SUMXMY2({3,4},{1,2})", "8"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(sum_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> sum_functions() { return table; }
+std::span<const FunctionSpec> sum_functions() { return sum_table; }
 
 }  // namespace qto::embedded::functions

@@ -155,7 +155,7 @@ Operand fn_t(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec text_table[] = {
     {"CLEAN", 1, 1, plain, {text}, fn_clean, "text", "the text without control characters",
      "=CLEAN(\"a\"&CHAR(10)&\"b\")", "ab"},
     {"CONCAT", 1, any_count, takes_spans, {values}, fn_concat, "text1, ...",
@@ -197,10 +197,10 @@ constexpr FunctionSpec table[] = {
      "ABC"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(text_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> text_functions() { return table; }
+std::span<const FunctionSpec> text_functions() { return text_table; }
 
 }  // namespace qto::embedded::functions

@@ -128,7 +128,7 @@ Operand fn_numbervalue(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec text_conversion_table[] = {
     {"CHAR", 1, 1, plain, {number}, fn_char, "code", "the character of a code from 1 to 255",
      "=CHAR(65)", "A"},
     {"CODE", 1, 1, plain, {text}, fn_code, "text", "the code of the first character",
@@ -150,10 +150,10 @@ constexpr FunctionSpec table[] = {
      "=VALUE(\"12.5%\")", "0.125"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(text_conversion_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> text_conversion_functions() { return table; }
+std::span<const FunctionSpec> text_conversion_functions() { return text_conversion_table; }
 
 }  // namespace qto::embedded::functions

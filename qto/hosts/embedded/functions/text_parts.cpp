@@ -169,7 +169,7 @@ Operand fn_arraytotext(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec text_part_table[] = {
     {"ARRAYTOTEXT", 1, 2, plain, {values, number}, fn_arraytotext, "array, [format]",
      "an array as text", "=ARRAYTOTEXT({1,\"a\";TRUE,2},1)", "{1,\"a\";TRUE,2}"},
     {"TEXTAFTER", 2, 6, plain, {text, values, number, number, number, any}, fn_text_beside<false>,
@@ -186,10 +186,10 @@ constexpr FunctionSpec table[] = {
      "a value as text", "=VALUETOTEXT(\"a\",1)", "\"a\""},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(text_part_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> text_part_functions() { return table; }
+std::span<const FunctionSpec> text_part_functions() { return text_part_table; }
 
 }  // namespace qto::embedded::functions

@@ -104,7 +104,7 @@ Operand fn_regexreplace(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec text_pattern_table[] = {
     {"REGEXEXTRACT", 2, 4, plain, {text, text, number, number}, fn_regexextract,
      "text, pattern, [mode], [ignore_case]",
      "what a pattern matches: the first, all, or its groups", "=REGEXEXTRACT(\"ab12\",\"[0-9]+\")",
@@ -117,10 +117,10 @@ constexpr FunctionSpec table[] = {
      "true when a pattern matches part of the text", "=REGEXTEST(\"Abc\",\"^a\",1)", "TRUE"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(text_pattern_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> text_pattern_functions() { return table; }
+std::span<const FunctionSpec> text_pattern_functions() { return text_pattern_table; }
 
 }  // namespace qto::embedded::functions

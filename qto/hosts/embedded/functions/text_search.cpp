@@ -65,7 +65,7 @@ Operand fn_replace(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec text_search_table[] = {
     {"FIND", 2, 3, plain, {text, text, number}, fn_find, "find, within, [start]",
      "the position of a text in another, letter case counting", "=FIND(\"a\",\"banana\",3)", "4"},
     {"FINDB", 2, 3, plain, {text, text, number}, fn_find, "find, within, [start]",
@@ -85,10 +85,10 @@ constexpr FunctionSpec table[] = {
      "=SUBSTITUTE(\"banana\",\"an\",\"AN\",2)", "banANa"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(text_search_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> text_search_functions() { return table; }
+std::span<const FunctionSpec> text_search_functions() { return text_search_table; }
 
 }  // namespace qto::embedded::functions

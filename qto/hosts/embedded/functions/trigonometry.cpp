@@ -53,7 +53,7 @@ Operand fn_degrees(Call& call) { return call.number(0) * (180 / std::numbers::pi
 Operand fn_radians(Call& call) { return call.number(0) * (std::numbers::pi / 180); }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec trigonometry_table[] = {
     {"ACOS", 1, 1, plain, {number}, of_number<std::acos>, "number", "the arccosine", "=ACOS(1)",
      "0"},
     {"ACOSH", 1, 1, plain, {number}, of_number<std::acosh>, "number",
@@ -98,10 +98,10 @@ constexpr FunctionSpec table[] = {
      "=TANH(0)", "0"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(trigonometry_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> trigonometry_functions() { return table; }
+std::span<const FunctionSpec> trigonometry_functions() { return trigonometry_table; }
 
 }  // namespace qto::embedded::functions

@@ -302,15 +302,15 @@ Operand fn_convert(Call& call) {
 }
 
 // clang-format off
-constexpr FunctionSpec table[] = {
+constexpr FunctionSpec unit_conversion_table[] = {
     {"CONVERT", 3, 3, plain, {strict_number, text, text}, fn_convert, "number, from, to",
      "a quantity in another unit", "=CONVERT(1,\"km\",\"m\")", "1000"},
 };
 // clang-format on
-static_assert(well_formed(table));
+static_assert(well_formed(unit_conversion_table));
 
 }  // namespace
 
-std::span<const FunctionSpec> unit_conversion_functions() { return table; }
+std::span<const FunctionSpec> unit_conversion_functions() { return unit_conversion_table; }
 
 }  // namespace qto::embedded::functions

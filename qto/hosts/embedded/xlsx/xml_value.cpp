@@ -9,12 +9,12 @@
 namespace qto::embedded {
 namespace {
 
-bool is_space(char c) noexcept { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+bool is_white_space(char c) noexcept { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
 /// Without surrounding white space and a plus sign, which from_chars does not take.
 std::string_view number_text(std::string_view text) noexcept {
-  while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
-  while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
+  while (!text.empty() && is_white_space(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_white_space(text.back())) text.remove_suffix(1);
   if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
   return text;
 }
