@@ -1,14 +1,16 @@
 #include "cli/arguments.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
 #include <iterator>
+#include <utility>
 
 #include "cli/exit_status.hpp"
 #include "cli/nearest.hpp"
+#include "cli/terminal.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/diagnostics/version.hpp"
 
@@ -241,7 +243,7 @@ int complain(const CLI::App& app, const CLI::ParseError& error, std::string_view
 
 }  // namespace
 
-std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments& arguments) {
+std::optional<int> parse_arguments(const std::vector<std::string>& words, Arguments& arguments) {
   CLI::App app(
       "Audits the formulas of a workbook: what feeds a cell, which input cells it rests "
       "on, and where an error in it comes from.",
@@ -249,7 +251,7 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
   app.footer(footer_text);
   app.set_version_flag("--version", fmt::format("qto {}", diagnostics::library_version));
   app.require_subcommand(1);
-  if (isatty(STDIN_FILENO) && isatty(STDERR_FILENO)) {
+  if (is_terminal(Stream::input) && is_terminal(Stream::errors)) {
     arguments.open = OpenPolicy::ask;
     arguments.reports = ReportPolicy::ask;
   }
@@ -291,9 +293,12 @@ std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments&
   links.preparse_callback([&arguments](std::size_t) { arguments.open = OpenPolicy::always; });
 
   try {
-    app.parse(argc, argv);
+    // Without the program's own name; taken from the back.
+    std::vector<std::string> rest(words.begin() + (words.empty() ? 0 : 1), words.end());
+    std::reverse(rest.begin(), rest.end());
+    app.parse(std::move(rest));
   } catch (const CLI::ParseError& error) {
-    return complain(app, error, argc > 1 ? argv[1] : "");
+    return complain(app, error, words.size() > 1 ? words[1] : "");
   }
   if (special.level) special.level(*arguments.drill);
   for (const auto& choose : special.single) choose(*arguments.drill);

@@ -42,7 +42,7 @@ struct Arguments {
 
 /// Reads the command line. A status means that the process ends with it: a text that was asked for
 /// or a complaint has been printed.
-std::optional<int> parse_arguments(int argc, const char* const* argv, Arguments& arguments);
+std::optional<int> parse_arguments(const std::vector<std::string>& words, Arguments& arguments);
 
 /// "tree" and so on.
 const char* name_of(Operation operation) noexcept;

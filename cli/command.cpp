@@ -1,11 +1,9 @@
 #include "cli/command.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
 #include "cli/answer_json.hpp"
 #include "cli/answer_text.hpp"
@@ -22,8 +20,10 @@
 #include "cli/refusal.hpp"
 #include "cli/reports.hpp"
 #include "cli/show.hpp"
+#include "cli/terminal.hpp"
 #include "cli/tracing.hpp"
 #include "qto/automation/error.hpp"
+#include "qto/automation/file_path.hpp"
 #include "qto/links/main.hpp"
 
 namespace qto::cli {
@@ -38,7 +38,7 @@ class Run {
   ExitStatus answer() {
     try {
       if (arguments_.operation == Operation::links &&
-          std::filesystem::is_directory(arguments_.book))
+          std::filesystem::is_directory(text::to_path(arguments_.book)))
         return folder_links();
       open();
       if (arguments_.operation == Operation::links) return links();
@@ -53,7 +53,7 @@ class Run {
 
  private:
   void open() {
-    progress_.stage("opening " + std::filesystem::path(arguments_.book).filename().string());
+    progress_.stage("opening " + text::from_path(text::to_path(arguments_.book).filename()));
     book_ = open_start_book(application_, arguments_, progress_);
     // Parts of names evaluate before any drill has announced the application.
     Main::set_shared_application(application_);
@@ -116,7 +116,7 @@ class Run {
                       error_number_text(error.number));
     }
     // On a terminal the answer itself is what moves.
-    isatty(STDOUT_FILENO) ? progress_.hide() : progress_.stage("writing the answer");
+    is_terminal(Stream::output) ? progress_.hide() : progress_.stage("writing the answer");
     if (arguments_.json)
       write_drill(arguments_, drill, failures_, reports_, progress_);
     else

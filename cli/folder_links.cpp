@@ -1,11 +1,11 @@
 #include "cli/folder_links.hpp"
 
 #include <algorithm>
-#include <filesystem>
 #include <string_view>
 
 #include "cli/complaint.hpp"
 #include "cli/interrupt.hpp"
+#include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/objects/full_name.hpp"
 #include "qto/hosts/embedded/objects/locate_file.hpp"
@@ -20,20 +20,20 @@ namespace fs = std::filesystem;
 bool is_workbook_file(const fs::directory_entry& entry) {
   std::error_code ignored;
   if (!entry.is_regular_file(ignored)) return false;
-  const std::string name = entry.path().filename().string();
+  const std::string name = text::from_path(entry.path().filename());
   // Applications lay such files beside a book that is open.
   if (name.starts_with("~$") || name.starts_with('.')) return false;
-  const std::string ending = text::to_lower(entry.path().extension().string());
+  const std::string ending = text::to_lower(text::from_path(entry.path().extension()));
   return ending == ".xlsx" || ending == ".xlsm" || ending == ".xltx" || ending == ".xltm";
 }
 
 std::vector<std::string> books_in(const std::string& folder) {
   std::error_code failure;
-  const fs::path top = fs::absolute(folder).lexically_normal();
+  const fs::path top = fs::absolute(text::to_path(folder)).lexically_normal();
   fs::recursive_directory_iterator at(top, fs::directory_options::skip_permission_denied, failure);
   std::vector<std::string> books;
   for (; !failure && at != fs::recursive_directory_iterator(); at.increment(failure))
-    if (is_workbook_file(*at)) books.push_back(at->path().string());
+    if (is_workbook_file(*at)) books.push_back(text::from_path(at->path()));
   if (failure) throw Complaint(unreadable, folder + ": " + failure.message());
   std::sort(books.begin(), books.end());
   return books;
@@ -52,13 +52,14 @@ FolderLinks::Link link_of(const embedded::Book& book, std::size_t number,
   link.internet = embedded::is_internet_address(link.source);
   const std::string place = external.folder + external.name;
   if (!link.internet && embedded::is_file_here(place))
-    link.found_at = fs::path(embedded::native_path(place)).lexically_normal().string();
+    link.found_at = text::from_path(text::to_path(embedded::native_path(place)).lexically_normal());
   return link;
 }
 
 FolderLinks::BookLinks links_of(const std::string& file, const Arguments& arguments) {
   FolderLinks::BookLinks links;
-  const std::string password = password_for(arguments, fs::path(file).filename().string());
+  const std::string password =
+      password_for(arguments, text::from_path(text::to_path(file).filename()));
   const auto read = [&](const std::string& key) {
     embedded::OpenOptions options;
     options.links_only = true;
@@ -87,7 +88,7 @@ FolderLinks::BookLinks links_of(const std::string& file, const Arguments& argume
 FolderLinks read_folder_links(const Arguments& arguments, Progress& progress) {
   const Interrupt listening;
   FolderLinks found;
-  found.folder = fs::absolute(arguments.book).lexically_normal().string();
+  found.folder = text::from_path(fs::absolute(text::to_path(arguments.book)).lexically_normal());
   progress.stage("reading the links of books");
   for (const std::string& file : books_in(arguments.book)) {
     if (Interrupt::raised()) throw Complaint(done_in_part, "interrupted");

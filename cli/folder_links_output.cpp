@@ -1,18 +1,17 @@
 #include <fmt/format.h>
 
-#include <filesystem>
-
 #include "cli/folder_links.hpp"
 #include "cli/part_text.hpp"
+#include "qto/automation/file_path.hpp"
 
 namespace qto::cli {
 namespace {
 
 /// Books of the folder by their place in it, others by their full name.
 std::string shown(const FolderLinks& found, const std::string& file) {
-  const auto inside = std::filesystem::path(file).lexically_relative(found.folder);
+  const auto inside = text::to_path(file).lexically_relative(text::to_path(found.folder));
   const bool within = !inside.empty() && *inside.begin() != "..";
-  return one_line(within ? inside.string() : file);
+  return one_line(within ? text::from_path(inside) : file);
 }
 
 std::string link_text(const FolderLinks& found, const FolderLinks::Link& link) {

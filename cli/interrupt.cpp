@@ -1,24 +1,25 @@
 #include "cli/interrupt.hpp"
 
+#include <csignal>
+
 namespace qto::cli {
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-extern "C" void note_interrupt(int) { interrupted = 1; }
+extern "C" void note_interrupt(int) {
+  interrupted = 1;
+  std::signal(SIGINT, SIG_DFL);
+}
 
 }  // namespace
 
 Interrupt::Interrupt() noexcept {
   interrupted = 0;
-  struct sigaction action {};
-  action.sa_handler = note_interrupt;
-  action.sa_flags = SA_RESETHAND;
-  sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, &before_);
+  before_ = std::signal(SIGINT, note_interrupt);
 }
 
-Interrupt::~Interrupt() { sigaction(SIGINT, &before_, nullptr); }
+Interrupt::~Interrupt() { std::signal(SIGINT, before_); }
 
 bool Interrupt::raised() noexcept { return interrupted != 0; }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <csignal>
-
 namespace qto::cli {
 
 /// While it lives, the first Ctrl-C only sets a flag; a second one ends the process as usual.
@@ -14,7 +12,7 @@ class Interrupt {
   static bool raised() noexcept;
 
  private:
-  struct sigaction before_ {};
+  void (*before_)(int) = nullptr;
 };
 
 }  // namespace qto::cli

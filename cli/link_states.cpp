@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "cli/part_text.hpp"
+#include "qto/automation/file_path.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/link_list.hpp"
 #include "qto/links/path_helpers.hpp"
@@ -38,7 +38,7 @@ class Tries {
     const auto found = application_.find_file(source);
     if (!found) return not_opened(state, qtownoNotFound);
     state.found_at = *found;
-    const std::string name = std::filesystem::path(*found).filename().string();
+    const std::string name = text::from_path(text::to_path(*found).filename());
     if (const auto open = application_.Workbooks()->find(name))
       return open->FullName() == *found ? state : not_opened(state, qtownoDuplicateName);
     if (!choices_.opens(*found)) return not_opened(state, qtownoUserDecision);

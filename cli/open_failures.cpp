@@ -1,7 +1,6 @@
 #include "cli/open_failures.hpp"
 
-#include <filesystem>
-
+#include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/objects/open_error.hpp"
 
@@ -10,7 +9,7 @@ namespace qto::cli {
 OpenFailures::OpenFailures(embedded::Application& application)
     : application_(application),
       token_(application_.open_failed().add([this](const embedded::OpenError& error) {
-        const std::string name = std::filesystem::path(error.file).filename().string();
+        const std::string name = text::from_path(text::to_path(error.file).filename());
         reasons_[text::fold_case(name)] = open_failure_text(error, false);
       })) {}
 

@@ -2,11 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <filesystem>
-
 #include "cli/complaint.hpp"
 #include "cli/open_failures.hpp"
 #include "cli/prompt.hpp"
+#include "qto/automation/file_path.hpp"
 #include "qto/host/host.hpp"
 #include "qto/hosts/embedded/objects/open_error.hpp"
 
@@ -16,7 +15,7 @@ namespace {
 /// Asks for the password of an encrypted book when none was given and somebody is there to answer.
 Ref<host::Workbook> open_asking(embedded::Application& application, const Arguments& arguments,
                                 Progress& progress) {
-  const std::string name = std::filesystem::path(arguments.book).filename().string();
+  const std::string name = text::from_path(text::to_path(arguments.book).filename());
   const auto open = [&](const std::string& password) {
     return application.Workbooks()->Open(arguments.book, false, true, password);
   };

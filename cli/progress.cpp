@@ -1,17 +1,18 @@
 #include "cli/progress.hpp"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <utility>
+
+#include "cli/terminal.hpp"
 
 namespace qto::cli {
 
 using namespace std::chrono_literals;
 
 Progress::Progress() {
-  if (isatty(STDERR_FILENO)) writer_ = std::thread([this] { watch(); });
+  if (is_terminal(Stream::errors)) writer_ = std::thread([this] { watch(); });
 }
 
 Progress::~Progress() {

@@ -1,8 +1,6 @@
 #include "cli/show.hpp"
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,6 +9,7 @@
 #include "cli/part_text.hpp"
 #include "cli/show_json.hpp"
 #include "cli/show_series.hpp"
+#include "cli/terminal.hpp"
 #include "qto/host/host.hpp"
 
 namespace qto::cli {
@@ -94,12 +93,11 @@ class Showing {
 
 PictureSize picture_size() {
   PictureSize size;
-  winsize window{};
-  if (!isatty(STDOUT_FILENO)) return size;
-  size.colour = !std::getenv("NO_COLOR");
-  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) != 0 || window.ws_col == 0) return size;
-  size.width = std::clamp<std::size_t>(window.ws_col, 40, 400);
-  size.rows = std::clamp<int>(window.ws_row - 9, 10, 100);
+  size.colour = is_terminal(Stream::output) && !std::getenv("NO_COLOR");
+  const auto window = terminal_size();
+  if (!window) return size;
+  size.width = std::clamp<std::size_t>(window->columns, 40, 400);
+  size.rows = std::clamp(static_cast<int>(window->rows) - 9, 10, 100);
   return size;
 }
 

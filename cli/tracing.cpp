@@ -7,6 +7,7 @@
 #include "cli/complaint.hpp"
 #include "cli/exit_status.hpp"
 #include "qto/automation/error.hpp"
+#include "qto/automation/file_path.hpp"
 #include "qto/diagnostics/stream_viewer.hpp"
 #include "qto/diagnostics/trace_outputs.hpp"
 
@@ -14,7 +15,7 @@ namespace qto::cli {
 namespace {
 
 void open_log(const std::string& file) {
-  std::FILE* const opened = std::fopen(file.c_str(), "w");
+  std::FILE* const opened = text::open_file(file, "w");
   if (!opened)
     throw Complaint(wrong_usage,
                     "--trace " + file + ": cannot be written: " + std::strerror(errno));

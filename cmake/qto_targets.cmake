@@ -7,6 +7,14 @@ target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Wall;-Wextra;-Wped
 if(QTO_WERROR)
   target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Werror>)
 endif()
+if(WIN32)
+  # Texts in wide characters, and not the hundred headers that windows.h would bring.
+  target_compile_definitions(qto_flags INTERFACE
+    $<BUILD_INTERFACE:UNICODE;_UNICODE;NOMINMAX;WIN32_LEAN_AND_MEAN>
+    $<BUILD_INTERFACE:_POSIX_THREAD_SAFE_FUNCTIONS=200112L>)
+  # g++ 12 complains of visibility that the standard library asks for itself.
+  target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Wno-attributes>)
+endif()
 if(QTO_SANITIZE)
   # Null is found by AddressSanitizer as well, and alignment, harmless on the machines we build for,
   # doubles the time that the compiler takes.
@@ -19,17 +27,29 @@ if(QTO_SANITIZE)
 endif()
 install(TARGETS qto_flags EXPORT qto-targets)
 
+# qto_sources(<variable> <glob>...): the files for the system that is built for. Those whose names
+# end in _windows are for Windows alone, those in _posix, _icu and _openssl for the others.
+function(qto_sources variable)
+  file(GLOB files CONFIGURE_DEPENDS ${ARGN})
+  if(WIN32)
+    list(FILTER files EXCLUDE REGEX "_(posix|icu|openssl)\\.[ch]pp$")
+    # The system's header defines words of everyday use.
+    set(alone ${files})
+    list(FILTER alone INCLUDE REGEX "_windows\\.cpp$")
+    if(alone)
+      set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    endif()
+  else()
+    list(FILTER files EXCLUDE REGEX "_windows\\.[ch]pp$")
+  endif()
+  set(${variable} ${files} PARENT_SCOPE)
+endfunction()
+
 # qto_layer(<target> <folder> [<library>...]): the static library of one folder. The libraries it
 # looks down on are part of its interface, so a client links one name.
 function(qto_layer target folder)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
-  # What differs between systems stands in files that say so.
-  if(WIN32)
-    list(FILTER sources EXCLUDE REGEX "_posix\\.cpp$")
-  else()
-    list(FILTER sources EXCLUDE REGEX "_windows\\.cpp$")
-  endif()
-  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.hpp)
+  qto_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  qto_sources(headers ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.hpp)
   if(sources)
     add_library(${target} STATIC ${sources})
     set(scope PUBLIC)
@@ -47,7 +67,7 @@ endfunction()
 
 # qto_test(<area> <library>...): one test program for tests/<area>.
 function(qto_test area)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${area}/*.cpp)
+  qto_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/${area}/*.cpp)
   if(NOT sources)
     return()
   endif()
@@ -61,5 +81,10 @@ function(qto_test area)
     set_target_properties(test_${area} PROPERTIES QTO_MEMORY_ONLY ON)
     target_compile_options(test_${area} PRIVATE -O0)
   endif()
-  gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+  if(CMAKE_CROSSCOMPILING)  # an emulator takes its time to start a program
+    add_test(NAME ${area} COMMAND test_${area} --gtest_brief=1)
+    set_tests_properties(${area} PROPERTIES TIMEOUT 300)
+  else()
+    gtest_discover_tests(test_${area} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+  endif()
 endfunction()

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs the Debian 12 packages that building and testing need and that are missing.
-# --dev adds the tools of `make check`, `make format` and the tidy preset. Asks for no input and
-# calls apt only when something is missing.
+# --dev adds the tools of `make check`, `make format` and the tidy preset, --windows the compilers
+# for Windows and Wine. Asks for no input and calls apt only when something is missing.
 set -euo pipefail
 
 packages=(
@@ -9,14 +9,18 @@ packages=(
   libexpat1-dev zlib1g-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
   # Debian's CMake package of libzip refuses to load unless its three command line tools are there.
   libzip-dev zipcmp zipmerge ziptool
-  libssl-dev
+  libssl-dev libpcre2-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 
 for argument in "$@"; do
   case "$argument" in
     --dev) packages+=(clang-format clang-tidy) ;;
-    *) echo "usage: $0 [--dev]" >&2; exit 1 ;;
+    --windows)
+      packages+=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
+        libz-mingw-w64-dev googletest dpkg-dev patch xz-utils wine wine64)
+      ;;
+    *) echo "usage: $0 [--dev] [--windows]" >&2; exit 1 ;;
   esac
 done
 

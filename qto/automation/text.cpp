@@ -1,14 +1,12 @@
 #include "qto/automation/text.hpp"
 
-#include <unicode/locid.h>
-#include <unicode/uchar.h>
-#include <unicode/unistr.h>
-#include <unicode/ustring.h>
-#include <unicode/utf8.h>
-
 #include <algorithm>
 
+#include "qto/automation/case_folding.hpp"
+#include "qto/automation/unicode.hpp"
+
 namespace qto::text {
+
 bool is_ascii(std::string_view text) noexcept {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -18,36 +16,21 @@ namespace {
 
 char lower_ascii(char c) noexcept { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
-/// Calls `take` with the bytes of the folded text, code point by code point.
+/// Calls `take` with the bytes of the folded text, character by character.
 template <class Take>
 void fold_into(std::string_view text, Take&& take) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  const auto length = static_cast<std::int32_t>(text.size());
-  for (std::int32_t i = 0; i < length;) {
-    const std::int32_t start = i;
-    UChar32 c;
-    U8_NEXT(bytes, i, length, c);
-    if (c < 0) {  // not UTF-8: keep the bytes
-      for (std::int32_t k = start; k < i; ++k) take(static_cast<char>(bytes[k]));
-      continue;
+  std::string folded;
+  for (std::size_t at = 0; at < text.size();) {
+    const DecodedCharacter c = decode_utf8(text, at);
+    if (c.valid) {
+      folded.clear();
+      append_utf8(folded, fold_case(c.code));
+      for (const char byte : folded) take(byte);
+    } else {  // not UTF-8: keep the bytes
+      for (const char byte : text.substr(at, c.length)) take(byte);
     }
-    c = u_foldCase(c, U_FOLD_CASE_DEFAULT);
-    char folded[U8_MAX_LENGTH];
-    std::int32_t n = 0;
-    U8_APPEND_UNSAFE(folded, n, c);
-    for (std::int32_t k = 0; k < n; ++k) take(folded[k]);
+    at += c.length;
   }
-}
-
-std::string from_icu(const icu::UnicodeString& text) {
-  std::string out;
-  text.toUTF8String(out);
-  return out;
-}
-
-icu::UnicodeString to_icu(std::string_view text) {
-  return icu::UnicodeString::fromUTF8(
-      icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
 }
 
 }  // namespace
@@ -95,14 +78,6 @@ bool equal_ascii_nocase(std::string_view a, std::string_view b) noexcept {
          });
 }
 
-std::string to_upper(std::string_view text) {
-  return from_icu(to_icu(text).toUpper(icu::Locale::getRoot()));
-}
-
-std::string to_lower(std::string_view text) {
-  return from_icu(to_icu(text).toLower(icu::Locale::getRoot()));
-}
-
 std::string_view trim(std::string_view text) noexcept {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
@@ -119,21 +94,37 @@ std::size_t utf16_length(std::string_view text) noexcept {
 }
 
 std::u16string to_utf16(std::string_view text) {
-  const icu::UnicodeString wide = to_icu(text);
-  return std::u16string(wide.getBuffer(), static_cast<std::size_t>(wide.length()));
+  std::u16string out;
+  out.reserve(text.size());
+  for (std::size_t at = 0; at < text.size();) {
+    const DecodedCharacter c = decode_utf8(text, at);
+    append_utf16(out, c.code);
+    at += c.length;
+  }
+  return out;
 }
 
 std::string from_utf16(std::u16string_view text) {
-  return from_icu(icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size())));
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    char32_t code = text[at];
+    if (code >= 0xD800 && code <= 0xDFFF) {
+      const char32_t next = at + 1 < text.size() ? text[at + 1] : 0;
+      const bool pair = code < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF;
+      code = pair ? 0x10000 + ((code - 0xD800) << 10) + (next - 0xDC00) : replacement_character;
+      if (pair) ++at;
+    }
+    append_utf8(out, code);
+  }
+  return out;
 }
 
 bool is_valid_utf8(std::string_view text) noexcept {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-  const auto length = static_cast<std::int32_t>(text.size());
-  for (std::int32_t i = 0; i < length;) {
-    UChar32 c;
-    U8_NEXT(bytes, i, length, c);
-    if (c < 0) return false;
+  for (std::size_t at = 0; at < text.size();) {
+    const DecodedCharacter c = decode_utf8(text, at);
+    if (!c.valid) return false;
+    at += c.length;
   }
   return true;
 }

@@ -20,7 +20,7 @@ std::uint64_t hash_fold(std::string_view text);
 std::string upper_ascii(std::string_view text);
 bool equal_ascii_nocase(std::string_view a, std::string_view b) noexcept;
 
-/// Upper or lower case of the whole text by Unicode rules (root locale).
+/// Upper or lower case of the whole text, in no particular language.
 std::string to_upper(std::string_view text);
 std::string to_lower(std::string_view text);
 
@@ -35,7 +35,7 @@ std::optional<double> to_number(std::string_view text) noexcept;
 
 /// Number of UTF-16 units, as spreadsheets count characters.
 std::size_t utf16_length(std::string_view text) noexcept;
-std::u16string to_utf16(std::string_view text);
+std::u16string to_utf16(std::string_view text);  ///< both replace what is ill-formed by U+FFFD
 std::string from_utf16(std::u16string_view text);
 /// True when the bytes are well-formed UTF-8.
 bool is_valid_utf8(std::string_view text) noexcept;

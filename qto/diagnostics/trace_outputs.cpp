@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "qto/automation/error.hpp"
+#include "qto/automation/file_path.hpp"
 #include "qto/diagnostics/procedure.hpp"
 
 namespace qto::diagnostics {
@@ -36,7 +37,7 @@ class Log {
 
  private:
   void open() {
-    file_.reset(std::fopen(file_name_.c_str(), "w"));
+    file_.reset(text::open_file(file_name_, "w"));
     if (!file_) fail();
     const std::time_t now = std::time(nullptr);
     char moment[32] = "";

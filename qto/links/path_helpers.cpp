@@ -1,8 +1,8 @@
 #include "qto/links/path_helpers.hpp"
 
 #include <algorithm>
-#include <filesystem>
 
+#include "qto/automation/file_path.hpp"
 #include "qto/diagnostics/procedure.hpp"
 
 namespace qto::Main {
@@ -32,7 +32,7 @@ bool FileExists(std::string_view text) {
   std::replace(path.begin(), path.end(), '\\', '/');
 #endif
   std::error_code ignored;
-  return !path.empty() && std::filesystem::exists(path, ignored);
+  return !path.empty() && std::filesystem::exists(text::to_path(path), ignored);
 }
 
 std::string TrimSeparator(std::string_view text, bool local_file) {

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <openssl/evp.h>
-
 #include <algorithm>
-#include <stdexcept>
 #include <string>
 
 #include "qto/hosts/embedded/encryption/cipher.hpp"
 #include "qto/hosts/embedded/encryption/digest.hpp"
+#include "tests/support/aes_encrypting.hpp"
 #include "tests/support/compound_writer.hpp"
 
 /// Writes encrypted workbooks, the other way round from how they are read.
@@ -19,31 +17,17 @@ using embedded::ByteView;
 inline Bytes bytes_of(const std::string& text) { return {text.begin(), text.end()}; }
 inline std::string text_of(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
-inline Bytes aes_encrypted(const Bytes& key, const Bytes* vector, Bytes data) {
-  data.resize((data.size() + 15) / 16 * 16, 0);
-  const EVP_CIPHER* cbc = key.size() == 16   ? EVP_aes_128_cbc()
-                          : key.size() == 24 ? EVP_aes_192_cbc()
-                                             : EVP_aes_256_cbc();
-  const EVP_CIPHER* ecb = key.size() == 16   ? EVP_aes_128_ecb()
-                          : key.size() == 24 ? EVP_aes_192_ecb()
-                                             : EVP_aes_256_ecb();
-  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
-  int written = 0;
-  EVP_EncryptInit_ex(context, vector ? cbc : ecb, nullptr, key.data(),
-                     vector ? vector->data() : nullptr);
-  EVP_CIPHER_CTX_set_padding(context, 0);
-  const int done =
-      EVP_EncryptUpdate(context, data.data(), &written, data.data(), static_cast<int>(data.size()));
-  EVP_CIPHER_CTX_free(context);
-  if (!done) throw std::runtime_error("no encryption");
-  return data;
-}
-
 inline std::string base64(const Bytes& bytes) {
-  std::string out(bytes.size() / 3 * 4 + 5, '\0');
-  const int length = EVP_EncodeBlock(reinterpret_cast<unsigned char*>(out.data()), bytes.data(),
-                                     static_cast<int>(bytes.size()));
-  out.resize(static_cast<std::size_t>(length));
+  constexpr std::string_view letters =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string out;
+  for (std::size_t at = 0; at < bytes.size(); at += 3) {
+    unsigned group = 0;
+    for (std::size_t i = 0; i < 3; ++i)
+      group = group << 8 | (at + i < bytes.size() ? bytes[at + i] : 0u);
+    for (std::size_t i = 0; i < 4; ++i)
+      out += at + i > bytes.size() ? '=' : letters[group >> (18 - 6 * i) & 63];
+  }
   return out;
 }
 

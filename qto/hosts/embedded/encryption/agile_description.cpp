@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "qto/hosts/embedded/encryption/agile_encryption.hpp"
-#include "qto/hosts/embedded/encryption/digest.hpp"
+#include "qto/hosts/embedded/encryption/base64.hpp"
 #include "qto/hosts/embedded/encryption/encryption_fault.hpp"
 
 namespace qto::embedded {

@@ -4,8 +4,6 @@
 
 #include "qto/hosts/embedded/encryption/bytes.hpp"
 
-struct evp_cipher_ctx_st;
-
 namespace qto::embedded {
 
 inline constexpr std::size_t aes_block = 16;
@@ -16,18 +14,18 @@ class Aes {
   enum class Mode { ecb, cbc };
   /// Throws EncryptionFault (unsupported) for another length of key.
   Aes(Mode mode, ByteView key);
+  ~Aes();
 
   /// In place; the length is a multiple of the block. CBC takes an initial vector of one block.
   void decrypt(std::span<unsigned char> data, ByteView initial_vector = {}) const;
 
  private:
-  struct FreeContext {
-    void operator()(evp_cipher_ctx_st* context) const;
-  };
-  Mode mode_;
-  Bytes key_;
-  std::unique_ptr<evp_cipher_ctx_st, FreeContext> context_;
+  class Engine;  ///< of the system's own library
+  std::unique_ptr<Engine> engine_;
 };
+
+/// Throws EncryptionFault (unsupported) unless AES has keys of that length.
+void check_aes_key(ByteView key);
 
 /// RC4 from the start of its key stream, in place: the same both ways.
 void rc4(ByteView key, std::span<unsigned char> data) noexcept;

@@ -6,9 +6,7 @@
 #include <string_view>
 
 #include "qto/hosts/embedded/encryption/bytes.hpp"
-
-struct evp_md_st;
-struct evp_md_ctx_st;
+#include "qto/hosts/embedded/encryption/hash_engine.hpp"
 
 namespace qto::embedded {
 
@@ -22,7 +20,7 @@ class Digest {
   /// The hash of both, one after the other.
   Bytes of(ByteView first, ByteView second = {}) const;
   Bytes hmac(ByteView key, ByteView data) const;
-  std::size_t size() const noexcept { return size_; }
+  std::size_t size() const { return engine_->size(); }
 
   /// Where the number of a round stands when a password is hashed over and over.
   enum class RoundNumber { before_hash, after_hash };
@@ -32,21 +30,12 @@ class Digest {
                     RoundNumber place) const;
 
  private:
-  struct FreeContext {
-    void operator()(evp_md_ctx_st* context) const;
-  };
-  explicit Digest(const evp_md_st* algorithm);
-  void hash(ByteView first, ByteView second, Bytes& into) const;
+  explicit Digest(HashEngine::Kind kind) : engine_(HashEngine::make(kind)) {}
 
-  const evp_md_st* algorithm_;
-  std::size_t size_;
-  std::unique_ptr<evp_md_ctx_st, FreeContext> context_;
+  std::unique_ptr<const HashEngine> engine_;
 };
 
 /// Equal; the time it takes says nothing about where they differ.
 bool equal_hashes(ByteView a, ByteView b) noexcept;
-
-/// The bytes that a base64 text stands for; nothing when it is none or has more than 4,096 letters.
-std::optional<Bytes> from_base64(std::string_view text);
 
 }  // namespace qto::embedded

@@ -1,13 +1,11 @@
 #include "qto/hosts/embedded/evaluate/compare.hpp"
 
-#include <unicode/ucol.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 
 #include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/evaluate/collation.hpp"
 
 namespace qto::embedded {
 
@@ -31,38 +29,15 @@ constexpr auto weights = ascii_weights();
 int compare_ascii(std::string_view a, std::string_view b) noexcept {
   const std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
-    const int difference =
-        weights[static_cast<unsigned char>(a[i])] - weights[static_cast<unsigned char>(b[i])];
+    const int difference = ascii_weight(a[i]) - ascii_weight(b[i]);
     if (difference != 0) return difference < 0 ? -1 : 1;
   }
   return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
 
-struct CloseCollator {
-  void operator()(UCollator* collator) const { ucol_close(collator); }
-};
-
-/// The root collator with letter case ignored, made once; null when the library has no data.
-UCollator* root_collator() {
-  static const std::unique_ptr<UCollator, CloseCollator> collator([] {
-    UErrorCode status = U_ZERO_ERROR;
-    UCollator* opened = ucol_open("", &status);
-    if (U_FAILURE(status)) return static_cast<UCollator*>(nullptr);
-    ucol_setStrength(opened, UCOL_SECONDARY);
-    return opened;
-  }());
-  return collator.get();
-}
-
 int compare_unicode(std::string_view a, std::string_view b) {
   if (text::equal_fold(a, b)) return 0;
-  if (UCollator* collator = root_collator()) {
-    UErrorCode status = U_ZERO_ERROR;
-    const UCollationResult result =
-        ucol_strcollUTF8(collator, a.data(), static_cast<int32_t>(a.size()), b.data(),
-                         static_cast<int32_t>(b.size()), &status);
-    if (U_SUCCESS(status) && result != UCOL_EQUAL) return result == UCOL_LESS ? -1 : 1;
-  }
+  if (const int order = collate(a, b); order != 0) return order;
   return text::fold_case(a) < text::fold_case(b) ? -1 : 1;
 }
 
@@ -87,6 +62,8 @@ ValueView blank_as(CellType type) noexcept {
 }
 
 }  // namespace
+
+unsigned char ascii_weight(char c) noexcept { return weights[static_cast<unsigned char>(c)]; }
 
 int compare_texts(std::string_view a, std::string_view b) {
   return text::is_ascii(a) && text::is_ascii(b) ? compare_ascii(a, b) : compare_unicode(a, b);

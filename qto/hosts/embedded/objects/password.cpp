@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/encryption/base64.hpp"
 #include "qto/hosts/embedded/encryption/digest.hpp"
 #include "qto/hosts/embedded/objects/raise.hpp"
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <fstream>
 
+#include "qto/automation/file_path.hpp"
 #include "qto/hosts/embedded/encryption/compound_file.hpp"
 #include "qto/hosts/embedded/encryption/encrypted_package.hpp"
 #include "qto/hosts/embedded/encryption/encryption_fault.hpp"
@@ -52,7 +53,7 @@ Bytes read_all(std::ifstream& content, const std::string& file) {
 }  // namespace
 
 std::optional<Bytes> read_encrypted_file(const std::string& file, std::string_view password) {
-  std::ifstream content(file, std::ios::binary);
+  std::ifstream content(text::to_path(file), std::ios::binary);
   std::array<char, 8> head{};
   if (!content.read(head.data(), head.size())) return std::nullopt;
   const Bytes begin(head.begin(), head.end());

@@ -1,8 +1,8 @@
 #include "qto/hosts/embedded/xlsx/external_target.hpp"
 
 #include <algorithm>
-#include <filesystem>
 
+#include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/xlsx/part_path.hpp"
 
@@ -51,8 +51,9 @@ bool take_file_url(std::string& path) {
 FileLocation relative(std::string path, std::string_view base_folder) {
   std::replace(path.begin(), path.end(), '\\', '/');
   if (base_folder.empty()) return split(std::move(path), '/');
-  const std::filesystem::path joined = std::filesystem::path(base_folder) / path;
-  return split(joined.lexically_normal().string(), '/');
+  const auto joined = text::to_path(base_folder) / text::to_path(path);
+  constexpr char separator = static_cast<char>(std::filesystem::path::preferred_separator);
+  return split(text::from_path(joined.lexically_normal()), separator);
 }
 
 }  // namespace

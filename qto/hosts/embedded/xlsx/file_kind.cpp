@@ -1,11 +1,11 @@
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
 
 #include <cerrno>
-#include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <system_error>
 
+#include "qto/automation/file_path.hpp"
 #include "qto/hosts/embedded/xlsx/open_failure.hpp"
 #include "qto/hosts/embedded/xlsx/package.hpp"
 
@@ -18,13 +18,14 @@ constexpr std::string_view zip_magic = "PK";
 
 void refuse_file(const std::string& file, const std::string& reason) {
   std::error_code error;
-  const auto status = std::filesystem::status(file, error);
+  const auto path = text::to_path(file);
+  const auto status = std::filesystem::status(path, error);
   if (status.type() == std::filesystem::file_type::not_found)
     throw OpenFailure(OpenFailureKind::not_found, file, "", 0, "there is no such file");
   if (status.type() == std::filesystem::file_type::directory)
     throw OpenFailure(OpenFailureKind::not_readable, file, "", 0, "this is a folder");
   errno = 0;
-  std::ifstream content(file, std::ios::binary);
+  std::ifstream content(path, std::ios::binary);
   if (!content)
     throw OpenFailure(OpenFailureKind::not_readable, file, "", 0,
                       errno != 0 ? std::generic_category().message(errno) : "cannot be read");

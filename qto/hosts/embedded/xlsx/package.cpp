@@ -3,9 +3,9 @@
 #include <zip.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
+#include "qto/automation/file_path.hpp"
 #include "qto/hosts/embedded/xlsx/encrypted_file.hpp"
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
@@ -45,7 +45,7 @@ std::uint64_t Package::open_file() {
   archive_ = zip_open(file_.c_str(), ZIP_RDONLY, &error);
   if (!archive_) refuse_file(file_, text_of_zip_error(error));
   std::error_code ignored;
-  const std::uintmax_t size = std::filesystem::file_size(file_, ignored);
+  const std::uintmax_t size = std::filesystem::file_size(text::to_path(file_), ignored);
   return size == static_cast<std::uintmax_t>(-1) ? 0 : size;
 }
 

@@ -1,8 +1,8 @@
 #include "qto/hosts/embedded/xlsx/workbook_reader.hpp"
 
 #include <algorithm>
-#include <filesystem>
 
+#include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/formula/compiled_formula.hpp"
 #include "qto/hosts/embedded/xlsx/drawing_part.hpp"
@@ -25,7 +25,8 @@ SheetKind kind_of(const Relationship* link) noexcept {
 }
 
 std::string folder_of(const std::string& file) {
-  return std::filesystem::absolute(file).lexically_normal().parent_path().string();
+  const auto full = std::filesystem::absolute(text::to_path(file)).lexically_normal();
+  return text::from_path(full.parent_path());
 }
 
 }  // namespace
@@ -36,7 +37,7 @@ WorkbookReader::WorkbookReader(const std::string& file, const OpenOptions& optio
       book_(std::make_unique<Book>()),
       context_{package_, *book_, options.cell_memory, FormulaIntern(*book_), {}, {}, 0},
       pivots_(package_, folder_of(file)) {
-  book_->name = std::filesystem::path(file).filename().string();
+  book_->name = text::from_path(text::to_path(file).filename());
   book_->path = folder_of(file);
 }
 

@@ -1,0 +1,27 @@
+#!/bin/bash
+# wine.sh PROGRAM [ARGUMENT]...: runs a program for Windows under Wine, without a display, in a prefix
+# of the build tree (QTO_WINE_PREFIX names another), which is made at the first call. Its server
+# stays for a minute after the last program, so that the next one starts at once.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/../.." && pwd)
+export WINEPREFIX=${QTO_WINE_PREFIX:-$root/build/windows/wine}
+export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree=;mshtml="
+
+make_prefix() {
+  [[ -e $WINEPREFIX/complete ]] && return
+  mkdir -p "$WINEPREFIX"
+  wineserver -p60
+  wine wineboot -i > "$WINEPREFIX/made.log" 2>&1
+  wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >> "$WINEPREFIX/made.log" 2>&1
+  touch "$WINEPREFIX/complete"
+}
+
+if [[ ! -e $WINEPREFIX/complete ]]; then
+  mkdir -p "$(dirname "$WINEPREFIX")"
+  exec 9> "$WINEPREFIX.lock"
+  flock 9
+  make_prefix 9>&-
+  exec 9>&-
+fi
+wineserver -p60 2> /dev/null || true  # refused when it runs already
+exec wine "$@"
