@@ -5,13 +5,14 @@
 
 #include "qto/automation/server/dispatch.hpp"
 #include "qto/automation/server/engine_library.hpp"
+#include "qto/automation/server/module.hpp"
 
 namespace qto::server {
 
 /// An object driven by names, as a script does it.
 struct LateBound {
   explicit LateBound(Ref<Object> held)
-      : object(std::move(held)), table(find_class(engine_library(), object->TypeName())) {}
+      : object(std::move(held)), table(object ? table_of(*object) : nullptr) {}
   explicit LateBound(const char* class_name)
       : LateBound(find_class(engine_library(), class_name)->create()) {}
 

@@ -6,6 +6,7 @@
 
 #include "qto/automation/server/describe.hpp"
 #include "qto/automation/server/engine_library.hpp"
+#include "qto/automation/server/host_library.hpp"
 
 namespace qto::server {
 namespace {
@@ -19,10 +20,12 @@ std::string file_text(const std::string& path) {
 
 TEST(Surface, OrderAndIdentifiersAreTheRecordedOnes) {
   EXPECT_EQ(snapshot_text(engine_library()), file_text("tests/server/surface.txt"));
+  EXPECT_EQ(snapshot_text(host_library()), file_text("tests/server/host_surface.txt"));
 }
 
 TEST(Surface, DocumentationFollowsTheTables) {
   EXPECT_EQ(interface_page(engine_library()), file_text("docs/interface.md"));
+  EXPECT_EQ(interface_page(host_library()), file_text("docs/host_interface.md"));
 }
 
 TEST(Surface, ClassesHaveTheirEventsAndCanBeCreated) {
@@ -39,14 +42,16 @@ TEST(Surface, ClassesHaveTheirEventsAndCanBeCreated) {
   EXPECT_EQ(engine_library().enumerations.size(), 5u);
 }
 
-TEST(Surface, EveryIdentifierOfTheLibraryIsItsOwn) {
+TEST(Surface, EveryIdentifierIsItsOwn) {
   std::set<std::string> seen;
   const auto add = [&](const Guid& guid) { EXPECT_TRUE(seen.insert(guid_text(guid)).second); };
-  add(engine_library().id);
-  for (const ClassTable* table : engine_library().classes) {
-    add(table->class_id);
-    add(table->interface_id);
-    if (!table->events.empty()) add(table->event_interface_id);
+  for (const LibraryTable* library : {&engine_library(), &host_library()}) {
+    add(library->id);
+    for (const ClassTable* table : library->classes) {
+      add(table->class_id);
+      add(table->interface_id);
+      if (!table->events.empty()) add(table->event_interface_id);
+    }
   }
   for (const EnumerationTable* table : engine_library().enumerations) add(table->id);
 }

@@ -91,7 +91,7 @@ struct ArrayBound {
   std::uint32_t count;
   std::int32_t first;
 };
-/// An array of two dimensions; the last one, whose bound comes first, is the rows' own.
+/// An array of one or two dimensions; of two the last, whose bound comes first, is the rows' own.
 struct Array {
   std::uint16_t dimensions;
   std::uint16_t features;

@@ -5,6 +5,7 @@
 #include "qto/automation/com/convert.hpp"
 #include "qto/automation/com/errors.hpp"
 #include "qto/automation/text.hpp"
+#include "qto/automation/variant_list.hpp"
 
 namespace qto::server::com {
 namespace {
@@ -14,8 +15,10 @@ constexpr std::uint32_t cell_error = 0x800A0000;
 /// Columns follow each other, as in every array of automation.
 Array* make_array(const VariantArray& values, ObjectDoor& door) {
   ComVariant owner;
-  owner.array = allocate_array(static_cast<std::uint32_t>(values.rows()),
-                               static_cast<std::uint32_t>(values.columns()));
+  const auto rows = static_cast<std::uint32_t>(values.rows());
+  const auto columns = static_cast<std::uint32_t>(values.columns());
+  const bool list = dynamic_cast<const VariantList*>(&values);
+  owner.array = list ? allocate_list(columns) : allocate_array(rows, columns);
   owner.type = vt_array | vt_variant;
   auto* element = static_cast<ComVariant*>(owner.array->data);
   try {
@@ -45,6 +48,26 @@ Variant read_value(std::uint16_t type, const void* at, ObjectDoor& door) {
   std::memcpy(&v.bits, at, size_of_value(type));
   v.type = type;
   return from_com(v, door);
+}
+
+/// An array whose elements are of one type, or variants.
+Variant read_array(std::uint16_t type, const Array* array, ObjectDoor& door) {
+  const std::size_t size = type == vt_variant ? sizeof(ComVariant) : size_of_value(type);
+  if (!array || array->dimensions < 1 || array->dimensions > 2 || array->element_size != size)
+    throw CallFailure(CallError::type_mismatch);
+  constexpr std::uint32_t most = 1u << 24;
+  const bool list = array->dimensions == 1;
+  const std::uint32_t columns = array->bounds[0].count, rows = list ? 1 : array->bounds[1].count;
+  if (columns == 0 || rows == 0) return Variant();
+  if (columns > most || rows > most / columns) throw CallFailure(CallError::overflow);
+  const auto height = static_cast<int>(rows), width = static_cast<int>(columns);
+  const Ref<VariantArray> values = list ? Ref<VariantArray>(make_ref<VariantList>(width))
+                                        : make_ref<VariantArray>(height, width);
+  const auto* element = static_cast<const char*>(array->data);
+  for (int column = 1; column <= width; ++column)
+    for (int row = 1; row <= height; ++row, element += size)
+      values->at(row, column) = read_value(type, element, door);
+  return Variant(Ref<const VariantArray>(values));
 }
 
 /// Whole numbers that are no Long cross as Doubles.
@@ -168,6 +191,8 @@ Variant from_com(const ComVariant& v, ObjectDoor& door) {
     default:
       break;
   }
+  if ((v.type & vt_array) && !(v.type & vt_by_ref))
+    return read_array(v.type & ~vt_array, v.array, door);
   if (!(v.type & vt_by_ref) || (v.type & vt_array) || !v.pointer)
     throw CallFailure(CallError::type_mismatch);
   return read_value(v.type & ~vt_by_ref, v.pointer, door);

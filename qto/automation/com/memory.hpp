@@ -17,6 +17,8 @@ void free_text(Text text) noexcept;
 /// An array of empty variants, both dimensions counted from 1; a column's elements follow each
 /// other.
 Array* allocate_array(std::uint32_t rows, std::uint32_t columns);
+/// An array of one dimension, counted from 1.
+Array* allocate_list(std::uint32_t count);
 /// Releases what the variant owns and makes it empty. By-reference variants own nothing.
 void clear(ComVariant& variant) noexcept;
 

@@ -54,6 +54,12 @@ Array* allocate_array(std::uint32_t rows, std::uint32_t columns) {
   return array;
 }
 
+Array* allocate_list(std::uint32_t count) {
+  Array* array = allocate_array(1, count);
+  array->dimensions = 1;
+  return array;
+}
+
 void clear(ComVariant& variant) noexcept {
   if (variant.type == vt_text) free_text(variant.text);
   if (variant.type == (vt_array | vt_variant)) free_array(variant.array);

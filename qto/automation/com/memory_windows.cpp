@@ -30,6 +30,12 @@ Array* allocate_array(std::uint32_t rows, std::uint32_t columns) {
   return reinterpret_cast<Array*>(made);
 }
 
+Array* allocate_list(std::uint32_t count) {
+  SAFEARRAY* made = SafeArrayCreateVector(VT_VARIANT, 1, count);
+  if (!made) throw std::bad_alloc();
+  return reinterpret_cast<Array*>(made);
+}
+
 void clear(ComVariant& variant) noexcept {
   // What cannot be cleared is a type that owns nothing.
   if (FAILED(VariantClear(reinterpret_cast<VARIANT*>(&variant)))) variant = ComVariant();

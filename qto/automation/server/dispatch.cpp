@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qto/automation/com/convert.hpp"
+#include "qto/automation/server/module.hpp"
 #include "qto/automation/text.hpp"
 
 namespace qto::server {
@@ -106,6 +107,10 @@ Variant call_member(const Member& member, Object& object, CallArguments& argumen
   return result;
 }
 
+Ref<Object> call_without_arguments(const Member& member, Object& object) {
+  return member.call(object, {}).object();
+}
+
 }  // namespace
 
 std::optional<std::int32_t> member_id(const ClassTable& table, std::string_view name) {
@@ -128,6 +133,14 @@ Variant invoke(const ClassTable& table, Object& object, std::int32_t id, std::ui
                CallArguments& arguments) {
   const Member* member = find_member_or_kin(table, id, flags);
   if (!member) throw CallFailure(CallError::member_not_found);
+  // Worksheets("Plan") asks the collection that Worksheets answers for its item.
+  if (member->kind == Kind::get && member->types.empty() && !arguments.values.empty() &&
+      member->result.shape == Shape::object) {
+    const Ref<Object> list = call_without_arguments(*member, object);
+    const ClassTable* lists = list ? table_of(*list) : nullptr;
+    if (lists && find_member(*lists, default_id, call_get))
+      return invoke(*lists, *list, default_id, call_get, arguments);
+  }
   return call_member(*member, object, arguments);
 }
 

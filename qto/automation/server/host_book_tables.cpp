@@ -1,11 +1,13 @@
 #include "qto/automation/collection_error.hpp"
+#include "qto/automation/com/convert.hpp"
 #include "qto/automation/server/host_names.hpp"
 #include "qto/automation/server/host_tables.hpp"
+#include "qto/automation/variant_list.hpp"
 
 namespace qto::server {
 namespace {
 
-using host::Application, host::Workbook, host::Workbooks;
+using host::DefinedName, host::Workbook, host::Workbooks;
 
 Ref<Workbook> find_book(Workbooks& books, const Variant& index) {
   if (index.is_text()) return books.Item(index.text());
@@ -13,46 +15,28 @@ Ref<Workbook> find_book(Workbooks& books, const Variant& index) {
   if (!position) throw_no_such_item();
   return books.Item(static_cast<int>(*position));
 }
-struct BookItems {
-  Workbooks& books;
-  std::int32_t Count() const { return books.Count(); }
-  Ref<Object> Item(const Variant& index) const { return find_book(books, index); }
-};
 Ref<Enumerator> walk_books(Workbooks& books) {
-  BookItems items{books};
-  return walk_items(items);
+  return walk_positions(
+      Ref<Object>(&books), [&books] { return books.Count(); },
+      [&books](std::int64_t k) { return Ref<Object>(books.Item(static_cast<int>(k))); });
 }
-Ref<Workbook> open_book(Workbooks& books, const std::string& file_name,
-                        const std::optional<bool>& update_links,
-                        const std::optional<bool>& read_only, const std::string& password) {
-  return books.Open(file_name, update_links, read_only.value_or(false), password);
+/// A file is opened by what it holds, so its Format is not asked for.
+Ref<Workbook> open_book(Workbooks& books, const std::string& file_name, const Variant& update_links,
+                        const std::optional<bool>& read_only, const Variant&,
+                        const std::string& password) {
+  std::optional<bool> update;
+  if (Variant wanted = update_links; !wanted.is_empty()) {
+    if (convert(wanted, {Shape::boolean, ""}) != Conversion::done)
+      throw CallFailure(CallError::type_mismatch, 1);
+    update = *wanted.get_if<bool>();
+  }
+  return books.Open(file_name, update, read_only.value_or(false), password);
 }
-Ref<Object> application_of(host::HostObject& object) { return object.Application(); }
-Ref<Object> parent_of(host::HostObject& object) { return object.Parent(); }
-
-constexpr Member application_members[] = {
-    get<&Application::Workbooks>(1, "Workbooks"),
-    get<&Application::ActiveWorkbook>(2, "ActiveWorkbook"),
-    get<&Application::ActiveSheet>(3, "ActiveSheet"),
-    get<&Application::Selection>(4, "Selection"),
-    get<&Application::Caption>(5, "Caption"),
-    get<&Application::ReferenceStyle>(6, "ReferenceStyle"),
-    get<&Application::ScreenUpdating>(7, "ScreenUpdating"),
-    put<&Application::put_ScreenUpdating>(7, "ScreenUpdating"),
-    get<&Application::EnableEvents>(8, "EnableEvents"),
-    put<&Application::put_EnableEvents>(8, "EnableEvents"),
-    get<&Application::DisplayAlerts>(9, "DisplayAlerts"),
-    put<&Application::put_DisplayAlerts>(9, "DisplayAlerts"),
-    method<&Application::Intersect>(10, "Intersect", "Arg1, Arg2"),
-    get<&application_of>(11, "Application"),
-    get<&parent_of>(12, "Parent"),
-};
-static_assert(identifiers_fit(application_members));
 
 constexpr Member books_members[] = {
     get<&find_book>(default_id, "Item", "Index"),
     get<&Workbooks::Count>(1, "Count"),
-    method<&open_book>(2, "Open", "Filename, UpdateLinks?, ReadOnly?, Password?"),
+    method<&open_book>(2, "Open", "Filename, UpdateLinks?, ReadOnly?, Format?, Password?"),
     method<&Workbooks::Add>(3, "Add"),
     entry<Kind::enumerator, &walk_books>(enumerator_id, "NewEnum", ""),
     get<&application_of>(4, "Application"),
@@ -60,11 +44,20 @@ constexpr Member books_members[] = {
 };
 static_assert(identifiers_fit(books_members));
 
-Ref<SheetList> worksheets_of(Workbook& book) { return make_ref<SheetList>(&book, true); }
-Ref<SheetList> sheets_of(Workbook& book) { return make_ref<SheetList>(&book, false); }
-Ref<NameList> names_of(Workbook& book) { return make_ref<NameList>(&book); }
+Ref<Object> worksheets_of(Workbook& book) { return make_ref<SheetList>(&book, true); }
+Ref<Object> sheets_of(Workbook& book) { return make_ref<SheetList>(&book, false); }
+Ref<NameList> names_of(Workbook& book) { return make_ref<NameList>(Ref<Workbook>(&book)); }
 void close_book(Workbook& book, const std::optional<bool>& save) {
   book.Close(save.value_or(false));
+}
+/// An array from 1, or Empty when the book has no links of the type.
+Variant link_sources(Workbook& book, const std::optional<std::int32_t>& type) {
+  const auto sources = book.LinkSources(type.value_or(host::link_type_workbooks));
+  if (sources.empty()) return Variant();
+  auto list = make_ref<VariantList>(static_cast<int>(sources.size()));
+  for (std::size_t i = 0; i < sources.size(); ++i)
+    list->at(1, static_cast<int>(i) + 1) = Variant(sources[i]);
+  return Variant(Ref<const VariantArray>(list));
 }
 
 constexpr Member book_members[] = {
@@ -78,65 +71,51 @@ constexpr Member book_members[] = {
     method<&close_book>(8, "Close", "SaveChanges?"),
     get<&application_of>(9, "Application"),
     get<&parent_of>(10, "Parent"),
+    get<&Workbook::AcceptLabelsInFormulas>(11, "AcceptLabelsInFormulas"),
+    put<&Workbook::put_AcceptLabelsInFormulas>(11, "AcceptLabelsInFormulas"),
+    method<&link_sources>(12, "LinkSources", "Type?"),
+    method<&Workbook::FollowHyperlink>(13, "FollowHyperlink", "Address"),
+    method<&Workbook::Unprotect>(14, "Unprotect", "Password?"),
 };
 static_assert(identifiers_fit(book_members));
 
 constexpr Member sheet_list_members[] = {
-    get<&SheetList::Item>(default_id, "Item", "Index"),
-    get<&SheetList::Count>(1, "Count"),
-    method<&SheetList::Add>(2, "Add"),
-    get<&SheetList::Parent>(3, "Parent"),
-    new_list_enum<SheetList>(),
+    list_members[0], list_members[1], list_members[2],
+    list_members[3], list_members[4], method<&SheetList::Add>(4, "Add", "Before?, After?"),
 };
 static_assert(identifiers_fit(sheet_list_members));
 
 constexpr Member name_list_members[] = {
-    get<&NameList::Item>(default_id, "Item", "Index"),
-    get<&NameList::Count>(1, "Count"),
-    method<&NameList::Add>(2, "Add", "Name, RefersTo"),
-    new_list_enum<NameList>(),
+    list_members[0], list_members[1], list_members[2],
+    list_members[3], list_members[4], method<&NameList::Add>(4, "Add", "Name, RefersTo"),
 };
 static_assert(identifiers_fit(name_list_members));
 
+constexpr Member name_members[] = {
+    get<&DefinedName::Name>(1, "Name"),
+    get<&DefinedName::RefersTo>(2, "RefersTo"),
+    get<&DefinedName::Index>(3, "Index"),
+    get<&DefinedName::Visible>(4, "Visible"),
+    get<&application_of>(5, "Application"),
+    get<&parent_of>(6, "Parent"),
+    get<&DefinedName::NameLocal>(7, "NameLocal"),
+    get<&DefinedName::RefersToLocal>(8, "RefersToLocal"),
+    get<&DefinedName::RefersToR1C1Local>(9, "RefersToR1C1Local"),
+};
+static_assert(identifiers_fit(name_members));
+
 }  // namespace
 
-constinit const ClassTable application_table{"Application",
-                                             "The spreadsheet application.",
-                                             own_guid(0x1011),
-                                             own_guid(0x1012),
-                                             {},
-                                             application_members,
-                                             {},
-                                             nullptr};
-constinit const ClassTable workbooks_table{
-    "Workbooks", "The open workbooks.", own_guid(0x1021), own_guid(0x1022), {}, books_members, {},
-    nullptr};
-constinit const ClassTable workbook_table{
-    "Workbook", "One open workbook.", own_guid(0x1031), own_guid(0x1032), {}, book_members, {},
-    nullptr};
-constinit const ClassTable worksheets_table{"Worksheets",
-                                            "The worksheets of a workbook.",
-                                            own_guid(0x1041),
-                                            own_guid(0x1042),
-                                            {},
-                                            sheet_list_members,
-                                            {},
-                                            nullptr};
-constinit const ClassTable sheets_table{"Sheets",
-                                        "The sheets of every kind of a workbook.",
-                                        own_guid(0x1051),
-                                        own_guid(0x1052),
-                                        {},
-                                        sheet_list_members,
-                                        {},
-                                        nullptr};
-constinit const ClassTable names_table{"Names",
-                                       "The names of a workbook.",
-                                       own_guid(0x1061),
-                                       own_guid(0x1062),
-                                       {},
-                                       name_list_members,
-                                       {},
-                                       nullptr};
+constinit const ClassTable workbooks_table =
+    host_class("Workbooks", "The open workbooks.", 0x1020, books_members);
+constinit const ClassTable workbook_table =
+    host_class("Workbook", "One open workbook.", 0x1030, book_members);
+constinit const ClassTable worksheets_table =
+    host_class("Worksheets", "The worksheets of a workbook.", 0x1040, sheet_list_members);
+constinit const ClassTable sheets_table =
+    host_class("Sheets", "The sheets of every kind of a workbook.", 0x1050, sheet_list_members);
+constinit const ClassTable names_table =
+    host_class("Names", "The names of a workbook or of a sheet.", 0x1060, name_list_members);
+constinit const ClassTable name_table = host_class("Name", "A defined name.", 0x1090, name_members);
 
 }  // namespace qto::server

@@ -5,10 +5,18 @@
 namespace qto::server {
 namespace {
 
-constexpr const ClassTable* class_list[] = {&application_table, &workbooks_table, &workbook_table,
-                                            &worksheets_table,  &sheets_table,    &names_table,
-                                            &worksheet_table,   &range_table,     &name_table,
-                                            &chart_table,       &series_table};
+constexpr const ClassTable* class_list[] = {&application_table,   &workbooks_table,
+                                            &workbook_table,      &worksheets_table,
+                                            &sheets_table,        &names_table,
+                                            &worksheet_table,     &range_table,
+                                            &name_table,          &chart_table,
+                                            &series_table,        &chart_object_table,
+                                            &chart_objects_table, &series_collection_table,
+                                            &chart_area_table,    &pivot_table_table,
+                                            &pivot_tables_table,  &worksheet_function_table,
+                                            &rows_table,          &columns_table,
+                                            &areas_table,         &window_table,
+                                            &pane_table};
 
 }  // namespace
 

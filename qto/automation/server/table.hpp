@@ -105,5 +105,7 @@ constexpr Argument argument_at(std::string_view names, std::size_t position) {
 
 /// The standard identifier of a collection's enumerator.
 inline constexpr std::int32_t enumerator_id = -4;
+/// The identifier of a member that a bare call of its object reaches.
+inline constexpr std::int32_t default_id = 0;
 
 }  // namespace qto::server

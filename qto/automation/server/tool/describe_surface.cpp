@@ -4,12 +4,14 @@
 
 #include "qto/automation/server/describe.hpp"
 #include "qto/automation/server/engine_library.hpp"
+#include "qto/automation/server/host_library.hpp"
 
 /// Writes the automation surface to standard output in one of its textual forms.
 int main(int count, char** arguments) {
   using namespace qto::server;
-  const std::string_view form = count == 2 ? arguments[1] : "";
-  const LibraryTable& library = engine_library();
+  const bool host = count == 3 && arguments[2] == std::string_view("host");
+  const std::string_view form = count == 2 || host ? arguments[1] : "";
+  const LibraryTable& library = host ? host_library() : engine_library();
   std::string text;
   if (form == "idl") {
     text = idl_text(library);
@@ -20,7 +22,7 @@ int main(int count, char** arguments) {
   } else if (form == "stubs") {
     text = python_stubs(library);
   } else {
-    std::fputs("describe_surface idl|markdown|snapshot|stubs\n", stderr);
+    std::fputs("describe_surface idl|markdown|snapshot|stubs [host]\n", stderr);
     return 2;
   }
   return std::fputs(text.c_str(), stdout) < 0;
