@@ -43,7 +43,7 @@ LATE_BOUND_LEVELS = {"qto/hosts/late_bound": 0}
 LATE_BOUND_ALSO_SEES = ("qto/automation", "qto/automation/com", "qto/host")
 ALL_LEVELS = ENGINE_LEVELS | EMBEDDED_LEVELS | LATE_BOUND_LEVELS
 # What brings a host to the automation surface sees both sides.
-JOINTS = {"qto/hosts/server"}
+JOINTS = {"qto/hosts/server", "qto/automation/server/exports"}
 
 # Clients of the library: what each sees besides the public headers under qto/.
 CLIENTS = {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "qto/automation/com/errors.hpp"
+#include "qto/automation/com/remote_object.hpp"
 #include "qto/automation/server/arguments.hpp"
 #include "qto/automation/server/enumerator_face.hpp"
 #include "qto/automation/server/face_class.hpp"
@@ -185,6 +186,7 @@ Result QTO_CALL Face::ClassInfo::GetGUID(std::uint32_t kind, Guid* out) {
 }
 
 Unknown* face_of(const Ref<Object>& object) {
+  if (auto* foreign = dynamic_cast<RemoteObject*>(object.get())) return foreign->remote_reference();
   if (auto walk = ref_cast<Enumerator>(object)) return enumerator_face(std::move(walk));
   Dispatch* face = Face::of(object).dispatch();
   face->AddRef();
@@ -193,9 +195,10 @@ Unknown* face_of(const Ref<Object>& object) {
 
 Ref<Object> object_behind(Unknown& unknown) {
   void* native = nullptr;
-  if (unknown.QueryInterface(iid_native_object, &native) != ok || !native)
-    throw CallFailure(CallError::type_mismatch);
-  return Ref<Object>(static_cast<Object*>(native));
+  if (unknown.QueryInterface(iid_native_object, &native) == ok && native)
+    return Ref<Object>(static_cast<Object*>(native));
+  if (!this_module().adopt) throw CallFailure(CallError::type_mismatch);
+  return this_module().adopt(unknown);
 }
 
 ObjectDoor& faces_door() {

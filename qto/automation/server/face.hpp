@@ -6,11 +6,12 @@
 namespace qto::server::com {
 
 /// What a client holds of an object: IDispatch over its table, connection points for its events, or
-/// an enumerator. An object has one face at a time. The reference is the caller's.
+/// an enumerator. An object has one face at a time; one that stands for another server's object has
+/// that as its face. The reference is the caller's.
 Unknown* face_of(const Ref<Object>& object);
 
-/// The object behind a client's reference. Throws CallFailure with type_mismatch when it is not one
-/// of this system's.
+/// The object behind a client's reference: this system's own, or what the module puts in the place of
+/// another server's. Throws CallFailure with type_mismatch where it puts nothing.
 Ref<Object> object_behind(Unknown& unknown);
 
 /// The door of a server: objects appear as faces.

@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 
+#include "qto/automation/com/com.hpp"
 #include "qto/automation/server/table.hpp"
 
 namespace qto::server {
@@ -14,6 +15,9 @@ struct Module {
   std::span<const LibraryTable* const> shown;
   /// Gives up what the library still shares with others although no client uses it; null: nothing.
   void (*let_go)() = nullptr;
+  /// What stands for an object of another server; throws CallFailure where nothing can. Null: such
+  /// objects are refused.
+  Ref<Object> (*adopt)(com::Unknown& foreign) = nullptr;
 };
 const Module& this_module();
 

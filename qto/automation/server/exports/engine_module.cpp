@@ -1,6 +1,7 @@
 #include "qto/automation/server/engine_library.hpp"
 #include "qto/automation/server/host_library.hpp"
 #include "qto/automation/server/module.hpp"
+#include "qto/hosts/late_bound/late_bound.hpp"
 #include "qto/links/main.hpp"
 
 namespace qto::server {
@@ -9,7 +10,8 @@ const Module& this_module() {
   static const LibraryTable* const shown[] = {&engine_library(), &host_library()};
   // The application of the last start object would keep its host from going.
   static const Module module{&engine_library(), shown,
-                             [] { Main::set_shared_application(nullptr); }};
+                             [] { Main::set_shared_application(nullptr); },
+                             late_bound::proxy_of};
   return module;
 }
 

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "qto/automation/com/com.hpp"
+#include "qto/automation/object.hpp"
+
+/// A host that is driven by name: the classes of qto/host over any application whose objects take
+/// late-bound calls.
+namespace qto::late_bound {
+
+/// The proxy of an application's object, of the class that its type information tells; the same one
+/// for the same object as long as somebody holds it. Throws server::CallFailure (type mismatch) for
+/// an object without late-bound calls, and host::HostFailure when it fails while it is looked at.
+Ref<Object> proxy_of(server::com::Unknown& unknown);
+
+}  // namespace qto::late_bound

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "qto/host/range.hpp"
+#include "qto/hosts/late_bound/worksheet_proxy.hpp"
+
+namespace qto::late_bound {
+
+/// A block of cells. One that was made from its place alone is reached in the application when it
+/// is first needed there.
+class RangeProxy final : public ProxyOf<host::Range> {
+ public:
+  /// Asks where the range lies.
+  RangeProxy(Ref<Session> session, Remote remote);
+  RangeProxy(Ref<Session> session, Ref<WorksheetProxy> sheet, const Rect& block);
+
+  Ref<host::HostObject> Parent() const override { return Worksheet(); }
+  bool exists() const noexcept override;
+  Ref<host::Worksheet> Worksheet() const override;
+  Rect block() const noexcept override;
+  int AreasCount() const noexcept override;
+  std::int64_t CellsCount() const noexcept override;
+  Ref<host::Range> Cells(std::int32_t row, std::int32_t column) const override;
+  Ref<host::Range> Rows(std::int32_t k) const override;
+  Ref<host::Range> Columns(std::int32_t k) const override;
+  std::string Address(bool row_absolute, bool column_absolute, std::int32_t style,
+                      bool external) const override;
+  std::string AddressLocal(bool row_absolute, bool column_absolute, std::int32_t style,
+                           bool external) const override;
+  bool HasFormula() const override;
+  std::string Formula() const override { return text(Member::Formula); }
+  std::string FormulaLocal() const override { return text(Member::FormulaLocal); }
+  std::string FormulaR1C1Local() const override { return text(Member::FormulaR1C1Local); }
+  Variant value() const override { return get(Member::Value); }
+  std::string Text() const override;
+  Ref<host::DefinedName> find_name() const override;
+  Ref<host::Range> End(std::int32_t direction) const override;
+  Ref<host::Range> EntireRow() const override;
+  Ref<host::Range> EntireColumn() const override;
+  std::optional<bool> Hidden() const override;
+  void put_Hidden(bool hidden) override { put(Member::Hidden, Variant(hidden)); }
+  void Select() override { call(Member::Select); }
+  void put_value(const Variant& value) override { put(Member::Value, value); }
+  void put_Formula(std::string_view formula) override { put(Member::Formula, Variant(formula)); }
+  void put_FormulaArray(std::string_view formula) override {
+    put(Member::FormulaArray, Variant(formula));
+  }
+  std::string NumberFormat() const override { return text(Member::NumberFormat); }
+  void put_NumberFormat(std::string_view code) override {
+    put(Member::NumberFormat, Variant(code));
+  }
+
+ private:
+  const Remote& remote() const override;
+  Ref<host::Application> application() const override;
+  /// Reads where the range lies now: cells may have been inserted before it.
+  void read_place() const;
+  void refresh_place() const noexcept;
+  Ref<host::Range> at(const Rect& block) const { return Worksheet()->Block(block); }
+
+  mutable Ref<host::Worksheet> sheet_;
+  Ref<WorksheetProxy> reached_from_;  // null for a range that the application answered
+  mutable Rect block_;
+  mutable std::int32_t areas_ = 1;
+};
+
+}  // namespace qto::late_bound
