@@ -44,7 +44,8 @@ Ref<Object> SheetList::named(std::string_view name) const {
 Ref<host::Worksheet> SheetList::Add(const Variant& before, const Variant& after) const {
   const auto neighbour = ref_cast<host::Sheet>(after.object());
   const bool at_end =
-      before.is_empty() && (after.is_empty() || (neighbour && neighbour->Index() == book_->SheetsCount()));
+      before.is_empty() &&
+      (after.is_empty() || (neighbour && neighbour->Index() == book_->SheetsCount()));
   if (!at_end) throw host::HostFailure(host::general_failure, "New worksheets come last");
   return book_->AddWorksheet();
 }

@@ -156,8 +156,7 @@ Ref<host::ChartObject> WorksheetProxy::ChartObjects(std::string_view name) const
 
 std::uint64_t WorksheetProxy::IdentityStamp() const noexcept {
   try {
-    const auto book = Workbook();
-    return session().stamp_of(serial(), book->Path() + "\n" + book->Name() + "\n" + Name());
+    return session().stamp_of(serial(), Workbook()->FullName() + "\n" + Name());
   } catch (...) {
     return 0;
   }
