@@ -15,7 +15,7 @@ VT_ARRAY, VT_BYREF = 0x2000, 0x4000
 
 METHOD, GET, PUT, PUTREF = 1, 2, 4, 8
 MEMBER_NOT_FOUND, UNKNOWN_NAME, BAD_COUNT = 0x80020003, 0x80020006, 0x8002000E
-TYPE_MISMATCH = 0x80020005
+TYPE_MISMATCH, SEE_EXCEPTION, DISCONNECTED = 0x80020005, 0x80020009, 0x80010108
 _HEADER = 8  # before a text; its last four bytes count the bytes
 
 
@@ -59,6 +59,20 @@ class Parameters(ctypes.Structure):
     ]
 
 
+class ExceptionInfo(ctypes.Structure):
+    _fields_ = [
+        ("code", ctypes.c_uint16),
+        ("reserved", ctypes.c_uint16),
+        ("source", ctypes.c_void_p),
+        ("description", ctypes.c_void_p),
+        ("help_file", ctypes.c_void_p),
+        ("help_context", ctypes.c_uint32),
+        ("reserved_pointer", ctypes.c_void_p),
+        ("deferred", ctypes.c_void_p),
+        ("number", ctypes.c_int32),
+    ]
+
+
 class Array(ctypes.Structure):
     _fields_ = [
         ("dimensions", ctypes.c_uint16),
@@ -85,6 +99,15 @@ def read_text(address):
         return ""
     count = ctypes.c_uint32.from_address(address - 4).value
     return ctypes.string_at(address, count).decode("utf-16-le", "surrogatepass")
+
+
+def take_text(address):
+    """Reads a text that is ours to free; None when there is none."""
+    if not address:
+        return None
+    text = read_text(address)
+    free_text(address)
+    return text
 
 
 def free_text(address):

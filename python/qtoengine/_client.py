@@ -15,15 +15,39 @@ _DEFAULT, _ENUMERATOR, _ASSIGNED = 0, -4, -3
 _EPOCH = datetime.datetime(1899, 12, 30)
 
 
+_STANDARD_TEXTS = {
+    0x80010108: "The object was released.",
+    0x80020003: "Member not found.",
+    0x80020004: "Parameter not found.",
+    0x80020005: "Type mismatch.",
+    0x80020006: "Unknown name.",
+    0x8002000A: "Out of present range.",
+    0x8002000E: "Invalid number of parameters.",
+    0x8002000F: "Parameter not optional.",
+}
+
+
 class com_error(Exception):
-    """An automation error: `hresult` is its number, negative as automation counts it."""
+    """An automation error. `hresult` is its number, negative as automation counts it; `source` and
+    `description` tell more where the server does, as `excepinfo` (code, source, description, help
+    file, help context, number) does; `argerror` is the position of a wrong argument, counted from
+    the last."""
 
     def __init__(self, hresult, strerror="", excepinfo=None, argerror=None):
+        strerror = strerror or _STANDARD_TEXTS.get(hresult & 0xFFFFFFFF, "")
         super().__init__(hresult, strerror, excepinfo, argerror)
         self.hresult = hresult
         self.strerror = strerror
         self.excepinfo = excepinfo
         self.argerror = argerror
+
+    @property
+    def source(self):
+        return self.excepinfo[1] if self.excepinfo else None
+
+    @property
+    def description(self):
+        return self.excepinfo[2] if self.excepinfo else None
 
     def __str__(self):
         return f"{self.hresult & 0xFFFFFFFF:08X} {self.strerror}".rstrip()
@@ -82,24 +106,36 @@ def _from_variant(v):
     raise com_error(_signed(b.TYPE_MISMATCH))
 
 
-def _invoke(pointer, member, flags, arguments):
-    count = len(arguments)
-    values = (b.Variant * max(count, 1))()
+def _failure(done, told, bad):
+    argument = None if bad.value == 0xFFFFFFFF else bad.value
+    if done & 0xFFFFFFFF != b.SEE_EXCEPTION:
+        return com_error(done, argerror=argument)
+    info = (told.code, b.take_text(told.source), b.take_text(told.description),
+            b.take_text(told.help_file), told.help_context, told.number)
+    return com_error(told.number, info[2] or "", info, argument)
+
+
+def _invoke(pointer, member, flags, arguments, named=()):
+    """Calls a member; `named` holds pairs of identifier and value."""
+    given = [value for _, value in named] + list(reversed(arguments))
+    identifiers = [identifier for identifier, _ in named]
+    if flags & (b.PUT | b.PUTREF):
+        identifiers = [_ASSIGNED]
+    values = (b.Variant * max(len(given), 1))()
     try:
-        for i, argument in enumerate(arguments):
-            values[count - 1 - i] = _to_variant(argument)
-        named = (ctypes.c_int32 * 1)(_ASSIGNED)
-        assigns = bool(flags & (b.PUT | b.PUTREF))
-        parameters = b.Parameters(values, named if assigns else None, count, int(assigns))
-        result, bad = b.Variant(), ctypes.c_uint32(0xFFFFFFFF)
+        for i, value in enumerate(given):
+            values[i] = _to_variant(value)
+        names = (ctypes.c_int32 * max(len(identifiers), 1))(*identifiers)
+        parameters = b.Parameters(values, names if identifiers else None, len(given),
+                                  len(identifiers))
+        result, told, bad = b.Variant(), b.ExceptionInfo(), ctypes.c_uint32(0xFFFFFFFF)
         types = [ctypes.c_int32, ctypes.c_void_p, ctypes.c_uint32, ctypes.c_uint16,
                  ctypes.c_void_p, ctypes.c_void_p, ctypes.c_void_p, ctypes.c_void_p]
         done = b.call(pointer, 6, ctypes.c_int32, types, member, ctypes.addressof(b.NO_GUID),
-                      _LOCALE, flags, ctypes.addressof(parameters),
-                      None if assigns else ctypes.addressof(result), None,
-                      ctypes.addressof(bad))
+                      _LOCALE, flags, ctypes.addressof(parameters), ctypes.addressof(result),
+                      ctypes.addressof(told), ctypes.addressof(bad))
         if done < 0:
-            raise com_error(done, argerror=None if bad.value == 0xFFFFFFFF else bad.value)
+            raise _failure(done, told, bad)
         try:
             return _from_variant(result)
         finally:
@@ -120,39 +156,61 @@ class CDispatch:
             b.release(self._pointer)
             object.__setattr__(self, "_pointer", None)
 
-    def _id(self, name):
-        text = ctypes.create_string_buffer(name.encode("utf-16-le") + b"\0\0")
-        names = (ctypes.c_void_p * 1)(ctypes.addressof(text))
-        member = ctypes.c_int32()
-        done = b.call(self._pointer, 5, ctypes.c_int32,
-                      [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_uint32, ctypes.c_uint32,
-                       ctypes.c_void_p],
-                      ctypes.addressof(b.NO_GUID), ctypes.addressof(names), 1, _LOCALE,
-                      ctypes.addressof(member))
-        return member.value if done >= 0 else None
+    def _live(self):
+        """The pointer, while there is one."""
+        if not self._pointer:
+            raise com_error(_signed(b.DISCONNECTED))
+        return self._pointer
+
+    def _ids(self, *names):
+        """The identifiers of a member and of its arguments by name; None for what is unknown."""
+        texts = [ctypes.create_string_buffer(name.encode("utf-16-le") + b"\0\0") for name in names]
+        table = (ctypes.c_void_p * len(names))(*map(ctypes.addressof, texts))
+        found = (ctypes.c_int32 * len(names))()
+        b.call(self._live(), 5, ctypes.c_int32,
+               [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_uint32, ctypes.c_uint32,
+                ctypes.c_void_p],
+               ctypes.addressof(b.NO_GUID), ctypes.addressof(table), len(names), _LOCALE,
+               ctypes.addressof(found))
+        return [None if identifier == -1 else identifier for identifier in found]
+
+    def _call(self, name, member, flags, arguments, named):
+        positions = self._ids(name, *named)[1:] if named else []
+        for argument, position in zip(named, positions):
+            if position is None:
+                raise com_error(_signed(b.UNKNOWN_NAME), f"{name} has no argument {argument}")
+        return _invoke(self._live(), member, flags, arguments,
+                       list(zip(positions, named.values())))
 
     def __getattr__(self, name):
-        member = None if name.startswith("__") else self._id(name)
+        if name.startswith("__"):
+            raise AttributeError(name)
+        member = self._ids(name)[0]
+        if member is None and name.startswith("Get") and len(name) > 3:
+            # A property whose arguments may all be left out is asked for with them this way.
+            name = name[3:]
+            member = self._ids(name)[0]
+            if member is not None:
+                return lambda *given, **named: self._call(name, member, b.GET, given, named)
         if member is None:
             raise AttributeError(name)
-        pointer = self._pointer
         try:
-            return _invoke(pointer, member, b.GET, ())
+            return _invoke(self._live(), member, b.GET, ())
         except com_error as error:
             # A method, or a property that wants arguments: what is asked for is the call.
             if error.hresult & 0xFFFFFFFF not in (b.MEMBER_NOT_FOUND, b.BAD_COUNT):
                 raise
-        return lambda *arguments: _invoke(self._pointer, member, b.METHOD | b.GET, arguments)
+        return lambda *given, **named: self._call(name, member, b.METHOD | b.GET, given, named)
 
     def __setattr__(self, name, value):
-        member = self._id(name)
+        member = self._ids(name)[0]
         if member is None:
             raise AttributeError(name)
-        _invoke(self._pointer, member, b.PUTREF if isinstance(value, CDispatch) else b.PUT,
+        _invoke(self._live(), member, b.PUTREF if isinstance(value, CDispatch) else b.PUT,
                 (value,))
 
     def __call__(self, *arguments):
-        return _invoke(self._pointer, _DEFAULT, b.METHOD | b.GET, arguments)
+        return _invoke(self._live(), _DEFAULT, b.METHOD | b.GET, arguments)
 
     def __len__(self):
         return self.Count
@@ -167,7 +225,7 @@ class CDispatch:
         return hash(self._pointer)
 
     def __iter__(self):
-        walk = _invoke(self._pointer, _ENUMERATOR, b.METHOD | b.GET, ())
+        walk = _invoke(self._live(), _ENUMERATOR, b.METHOD | b.GET, ())
         item = b.Variant()
         while True:
             done = b.call(walk._pointer, 3, ctypes.c_int32,

@@ -1,9 +1,12 @@
 """The Python package against a real book, through both libraries."""
 
+import ctypes
+import gc
 import os
 import unittest
 
 from qtoengine import Dispatch, DispatchWithEvents, com_error
+from qtoengine._client import _registry_files
 
 BOOK = os.environ["QTO_BOOK"]
 
@@ -63,6 +66,46 @@ class ClientTest(unittest.TestCase):
         self.assertEqual(self.number(lambda: drill.FindInputs(1)), "8002000E")
         self.assertEqual(self.number(lambda: Dispatch("QTOEngine.Parser")), "800401F3")
         self.assertFalse(hasattr(drill, "NoSuchMember"))
+
+    def test_errors_tell_what_is_known(self):
+        drill = Dispatch("QTOEngine.DrillDown")
+        with self.assertRaises(com_error) as raised:
+            drill.MaxItems = -1
+        error = raised.exception
+        self.assertEqual(error.source, "QTOEngine")
+        self.assertIn("out of range", error.description)
+        self.assertEqual(error.excepinfo[5], error.hresult)
+        with self.assertRaises(com_error) as raised:
+            self.application.Workbooks.Open("/no/such/book.xlsx")
+        self.assertIn("book.xlsx", raised.exception.description)
+        with self.assertRaises(com_error) as raised:
+            drill.MaxItems = "many"
+        self.assertIsNone(raised.exception.excepinfo)
+        self.assertEqual(raised.exception.argerror, 0)
+
+    def test_arguments_can_be_named(self):
+        part = Dispatch("QTOEngine.ModelPart")
+        part.Create(None, UnknownName="Rate", LikelyType="Name")
+        self.assertEqual(part.AddressShort, "Rate")
+        self.assertEqual(self.cell.GetAddress(RowAbsolute=False, ColumnAbsolute=False), "C7")
+        self.assertEqual(self.number(lambda: part.Create(None, Colour="red")), "80020006")
+
+    def test_what_was_let_go_is_refused(self):
+        drill = Dispatch("QTOEngine.DrillDown")
+        drill.__del__()
+        self.assertEqual(self.number(lambda: drill.MaxItems), "80010108")
+        self.assertEqual(self.number(lambda: setattr(drill, "MaxItems", 1)), "80010108")
+
+    def test_libraries_can_go_when_nothing_is_held(self):
+        servers = {library for file in _registry_files() if file.is_file()
+                   for *_, library in (line.split("\t") for line in file.read_text().splitlines())}
+        self.assertEqual(len(servers), 2)
+        del self.cell, self.application
+        gc.collect()
+        modules = sorted((ctypes.CDLL(path) for path in servers), key=lambda m: "host" in m._name)
+        self.assertEqual([module.DllCanUnloadNow() for module in modules], [0, 0])
+        # and come back when they are wanted again
+        self.assertEqual(Dispatch("QTOEngine.ModelParts").Count, 0)
 
     def test_values_cross_unchanged(self):
         sheet = self.application.Workbooks.Add().Worksheets(1)

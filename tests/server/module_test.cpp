@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "qto/automation/server/dispatch.hpp"
 #include "qto/automation/server/engine_tables.hpp"
@@ -45,6 +46,11 @@ TEST(Module, UnloadsWhenNothingIsLeft) {
   factory->LockServer(0);
   factory->Release();
   EXPECT_EQ(library.call("DllCanUnloadNow"), 0);
+  // It may be asked again before it really goes.
+  Dispatch* again = library.create(drill_down_table.class_id);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->Release(), 0u);
+  EXPECT_EQ(library.call("DllCanUnloadNow"), 0);
   library.unload();
   EXPECT_FALSE(is_loaded(QTO_ENGINE_MODULE));
 }
@@ -56,6 +62,14 @@ TEST(Module, ShowsTheFourExportsAlone) {
     EXPECT_TRUE(library.find<void>(name)) << name;
   EXPECT_EQ(library.factory(own_guid(0xABC)), nullptr);
   EXPECT_FALSE(library.find<void>("_ZN3qto9DrillDown10FindInputsEv"));
+}
+
+TEST(Module, CarriesAVersionRecord) {
+  std::ifstream file(QTO_ENGINE_MODULE, std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  for (const char* entry : {"FileDescription: Underlying drilling functionality.",
+                            "OLESelfRegister", "OriginalFilename: libqtoeng1101.so"})
+    EXPECT_NE(bytes.find(entry), std::string::npos) << entry;
 }
 
 TEST(Module, DrillsARealBookThroughBothLibraries) {

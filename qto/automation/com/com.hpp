@@ -52,8 +52,6 @@ inline constexpr Guid iid_connection_point = control_guid(0x86);
 inline constexpr Guid iid_enum_connections = control_guid(0x87);
 inline constexpr Guid iid_provide_class_info_2{
     0xA6BC3AC0, 0xDBAA, 0x11CE, {0x9D, 0xE3, 0x00, 0xAA, 0x00, 0x4B, 0xB8, 0x51}};
-/// Answers the object itself, uncounted: for libraries of the same build in one process.
-inline constexpr Guid iid_native_object = own_guid(0xFFF0);
 
 using Text = char16_t*;  ///< counted; the number of bytes lies in the 32 bits before it
 

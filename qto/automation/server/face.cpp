@@ -1,5 +1,6 @@
 #include "qto/automation/server/face.hpp"
 
+#include <cstring>
 #include <deque>
 #include <memory>
 #include <typeinfo>
@@ -30,6 +31,18 @@ void keep_for_late_calls(std::unique_ptr<Face> face) {
   static std::deque<std::unique_ptr<Face>> released;
   released.push_back(std::move(face));
   if (released.size() > most) released.pop_front();
+}
+
+/// The interface that answers the object itself, uncounted: for libraries of one build in one
+/// process. On Windows each library has a run-time library of its own, through which no exception
+/// could pass; there it is known to this one alone.
+Guid native_object_id() {
+  Guid id = own_guid(0xFFF0);
+#ifdef _WIN32
+  const auto* own = &faces;
+  std::memcpy(id.data4.data(), &own, sizeof own);
+#endif
+  return id;
 }
 
 void describe(ExceptionInfo& exception, Result number) {
@@ -107,7 +120,7 @@ Result Face::query(const Guid& id, void** out) noexcept {
   if (!out) return null_pointer;
   *out = nullptr;
   if (!object_) return disconnected;
-  if (id == iid_native_object) {
+  if (id == native_object_id()) {
     *out = object_.get();
     return ok;
   }
@@ -195,7 +208,7 @@ Unknown* face_of(const Ref<Object>& object) {
 
 Ref<Object> object_behind(Unknown& unknown) {
   void* native = nullptr;
-  if (unknown.QueryInterface(iid_native_object, &native) == ok && native)
+  if (unknown.QueryInterface(native_object_id(), &native) == ok && native)
     return Ref<Object>(static_cast<Object*>(native));
   if (!this_module().adopt) throw CallFailure(CallError::type_mismatch);
   return this_module().adopt(unknown);

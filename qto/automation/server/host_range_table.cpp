@@ -114,9 +114,21 @@ Ref<Enumerator> walk_cells(Range& range) {
       });
 }
 
+/// What a bare call of a range reaches: its value, or one of its cells.
+Variant default_of(Range& range, const std::optional<std::int32_t>& row, const Variant& column) {
+  if (!row && column.is_empty()) return range.value();
+  return Variant(cell_of(range, row, column));
+}
+void put_default(Range& range, const std::optional<std::int32_t>& row, const Variant& column,
+                 const Variant& value) {
+  cell_of(range, row, column)->put_value(value);
+}
+
 constexpr Member range_members[] = {
-    get<&Range::value>(default_id, "Value"),
-    put<&Range::put_value>(default_id, "Value"),
+    get<&default_of>(default_id, "_Default", "RowIndex?, ColumnIndex?"),
+    put<&put_default>(default_id, "_Default", "RowIndex?, ColumnIndex?, Value"),
+    get<&Range::value>(27, "Value"),
+    put<&Range::put_value>(27, "Value"),
     get<&address_of>(1, "Address", "RowAbsolute?, ColumnAbsolute?, ReferenceStyle?, External?"),
     get<&Range::Row>(2, "Row"),
     get<&Range::Column>(3, "Column"),

@@ -38,11 +38,13 @@ class IdlWriter {
     return own ? "_" + std::string(type.name) + "*" : "IDispatch*";
   }
 
+  /// What may be left out is a variant, or a text that is empty then.
   std::string parameter(const Argument& argument, const Type& type) const {
+    const bool is_text = type.shape == Shape::text;
     std::string out = argument.by_reference ? "[in, out" : "[in";
-    if (argument.optional) out += type.shape == Shape::text ? ", defaultvalue(\"\")" : ", optional";
-    return out + "] " + spelling(type) + (argument.by_reference ? "* " : " ") +
-           std::string(argument.name);
+    if (argument.optional) out += is_text ? ", defaultvalue(\"\")" : ", optional";
+    return out + "] " + (argument.optional && !is_text ? "VARIANT" : spelling(type)) +
+           (argument.by_reference ? "* " : " ") + std::string(argument.name);
   }
 
   std::string parameters(std::string_view names, std::span<const Type> types) const {

@@ -8,6 +8,13 @@
 #include "qto/automation/server/registration.hpp"
 #include "qto/automation/text.hpp"
 
+// The import library of the compiler has these; its headers do not.
+extern "C" {
+HRESULT STDAPICALLTYPE RegisterTypeLibForUser(ITypeLib* types, OLECHAR* path, OLECHAR* help_folder);
+HRESULT STDAPICALLTYPE UnRegisterTypeLibForUser(const GUID& id, unsigned short major,
+                                                unsigned short minor, LCID locale, SYSKIND system);
+}
+
 /// Where programs look for classes and type libraries: Software\Classes of the machine or of the
 /// user.
 namespace qto::server {

@@ -1,0 +1,46 @@
+"""Enters the served libraries into the registry, or takes them out:
+
+    python3 -m qtoengine register|unregister [LIBRARY…]
+
+Without names: the libraries installed beside this package, at the same prefix. The registry is the
+user's own; QTO_REGISTER=system in the environment asks for the system's.
+"""
+
+import ctypes
+import pathlib
+import sys
+
+
+def installed_libraries():
+    for prefix in pathlib.Path(__file__).resolve().parents:
+        found = sorted(prefix.glob("lib/qto/libqto*.so")) + sorted(prefix.glob("lib/*/qto/libqto*.so"))
+        if found:
+            return found
+    return []
+
+
+def main(arguments):
+    exports = {"register": "DllRegisterServer", "unregister": "DllUnregisterServer"}
+    if not arguments or arguments[0] not in exports:
+        print(__doc__, file=sys.stderr)
+        return 2
+    libraries = arguments[1:] or installed_libraries()
+    if not libraries:
+        print("no library found beside the package; name it: python3 -m qtoengine register LIBRARY",
+              file=sys.stderr)
+        return 1
+    for library in libraries:
+        try:
+            done = getattr(ctypes.CDLL(str(library)), exports[arguments[0]])()
+        except OSError as error:
+            print(error, file=sys.stderr)
+            return 1
+        if done < 0:
+            print(f"{library}: the registry file cannot be written", file=sys.stderr)
+            return 1
+        print(f"{library}: {arguments[0]}ed")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
