@@ -12,8 +12,10 @@ if(WIN32)
   target_compile_definitions(qto_flags INTERFACE
     $<BUILD_INTERFACE:UNICODE;_UNICODE;NOMINMAX;WIN32_LEAN_AND_MEAN>
     $<BUILD_INTERFACE:_POSIX_THREAD_SAFE_FUNCTIONS=200112L>)
-  # g++ 12 complains of visibility that the standard library asks for itself.
-  target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-Wno-attributes>)
+  # g++ 12 complains of visibility that the standard library asks for itself, and, the less it
+  # optimises, of optional values that are never read unset.
+  target_compile_options(qto_flags INTERFACE
+    $<BUILD_INTERFACE:-Wno-attributes;-Wno-maybe-uninitialized>)
 endif()
 if(QTO_SANITIZE)
   # Null is found by AddressSanitizer as well, and alignment, harmless on the machines we build for,

@@ -5,6 +5,11 @@
 #include "qto/hosts/embedded/evaluate/call.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 
+#ifdef _WIN32  // the run-time has them, its header keeps them from standard C++
+extern "C" double _jn(int order, double x);
+extern "C" double _yn(int order, double x);
+#endif
+
 namespace qto::embedded::functions {
 
 namespace {
@@ -27,8 +32,13 @@ Operand fn_bessel(Call& call) {
   return F(static_cast<int>(order), x);
 }
 
+#ifdef _WIN32
+double first_kind(int order, double x) { return ::_jn(order, x); }
+double second_kind(int order, double x) { return ::_yn(order, x); }
+#else
 double first_kind(int order, double x) { return ::jn(order, x); }
 double second_kind(int order, double x) { return ::yn(order, x); }
+#endif
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
 /// Beyond this e^x is infinite and e^-x is 0.
