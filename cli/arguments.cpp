@@ -251,6 +251,7 @@ std::optional<int> parse_arguments(const std::vector<std::string>& words, Argume
   app.footer(footer_text);
   app.set_version_flag("--version", fmt::format("qto {}", diagnostics::library_version));
   app.require_subcommand(1);
+  app.allow_windows_style_options(false);  // "/" begins paths
   if (is_terminal(Stream::input) && is_terminal(Stream::errors)) {
     arguments.open = OpenPolicy::ask;
     arguments.reports = ReportPolicy::ask;

@@ -121,6 +121,7 @@ TEST_F(Trace, LogIsHeadedOnceReplacesAnOlderOneAndStaysOpen) {
   EXPECT_TRUE(text.starts_with("Tracing the client\nSession started 2")) << text;
   EXPECT_EQ(text.substr(text.find("\n\n")),
             "\n\nModelPart.WorkBookPath[Let]\n\tMain.IsURL\nMain.IsURL\n");
+  set_trace_log("", "");  // closes it: an open file cannot be removed everywhere
   std::filesystem::remove(file);
 }
 

@@ -5,6 +5,8 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 export WINEPREFIX=${QTO_WINE_PREFIX:-$root/build/windows/wine}
+# Arguments and file names of this system are UTF-8.
+export LC_ALL=C.UTF-8
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree=;mshtml="
 
 make_prefix() {
