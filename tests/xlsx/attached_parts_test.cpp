@@ -6,6 +6,7 @@
 #include <string>
 
 #include "qto/hosts/embedded/xlsx/chart_kind.hpp"
+#include "tests/support/local_path.hpp"
 #include "tests/xlsx/book_file.hpp"
 
 namespace qto::test {
@@ -90,7 +91,7 @@ TEST(LinkedBooks, WithoutAPathOrRelationship) {
   const auto beside =
       linked_book("<externalBook r:id='b'/>", {{"b", "externalLinkPath", "Book2.xlsx", true}})
           .open();
-  EXPECT_EQ(beside->externals[1].folder, beside->path + "/");
+  EXPECT_EQ(beside->externals[1].folder, beside->path + local_path("/"));
 }
 
 TEST(LinkedBooks, OtherApplications) {

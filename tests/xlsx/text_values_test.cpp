@@ -8,6 +8,7 @@
 #include "qto/hosts/embedded/xlsx/part_path.hpp"
 #include "qto/hosts/embedded/xlsx/sheet_names.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
+#include "tests/support/local_path.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -152,7 +153,8 @@ TEST(ExternalTargets, FolderAndNameOfEveryForm) {
         {"C:\\Book2.xlsx", "C:\\", "Book2.xlsx"},
         {"https://example.com/a%20b/Book2.xlsx", "https://example.com/a%20b/", "Book2.xlsx"},
         {"", "/home/me/plans/", ""}})
-    EXPECT_EQ(locate_target(c.target, "/home/me/plans"), (FileLocation{c.folder, c.name}))
+    EXPECT_EQ(locate_target(c.target, "/home/me/plans"),
+              (FileLocation{test::local_folder(c.target, c.folder), c.name}))
         << c.target;
   EXPECT_EQ(locate_target("Book2.xlsx", ""), (FileLocation{"", "Book2.xlsx"}));
 }
