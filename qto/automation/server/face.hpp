@@ -10,8 +10,8 @@ namespace qto::server::com {
 /// that as its face. The reference is the caller's.
 Unknown* face_of(const Ref<Object>& object);
 
-/// The object behind a client's reference: this system's own, or what the module puts in the place of
-/// another server's. Throws CallFailure with type_mismatch where it puts nothing.
+/// The object behind a client's reference: this system's own, or what the module puts in the place
+/// of another server's. Throws CallFailure with type_mismatch where it puts nothing.
 Ref<Object> object_behind(Unknown& unknown);
 
 /// The door of a server: objects appear as faces.

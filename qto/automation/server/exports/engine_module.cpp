@@ -10,8 +10,7 @@ const Module& this_module() {
   static const LibraryTable* const shown[] = {&engine_library(), &host_library()};
   // The application of the last start object would keep its host from going.
   static const Module module{&engine_library(), shown,
-                             [] { Main::set_shared_application(nullptr); },
-                             late_bound::proxy_of};
+                             [] { Main::set_shared_application(nullptr); }, late_bound::proxy_of};
   return module;
 }
 
