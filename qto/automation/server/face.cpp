@@ -39,7 +39,8 @@ void keep_for_late_calls(std::unique_ptr<Face> face) {
 Guid native_object_id() {
   Guid id = own_guid(0xFFF0);
 #ifdef _WIN32
-  const auto* own = &faces;
+  static const char here = 0;
+  const char* const own = &here;
   std::memcpy(id.data4.data(), &own, sizeof own);
 #endif
   return id;
