@@ -121,8 +121,8 @@ template <class Body, class... Arguments>
 template <class Body, class... Arguments>
 [[gnu::always_inline]] inline decltype(auto) procedure(const char* module, const char* member,
                                                        Body body, Arguments&... arguments) {
-  static_assert(sizeof(Body) <= 2 * sizeof(void*) && std::is_trivially_copyable_v<Body>,
-                "what does not fit into two registers costs more than the frame");
+  static_assert(sizeof(Body) <= 16 && std::is_trivially_copyable_v<Body>,
+                "what does not fit into two registers of 64 bits costs more than the frame");
   if (diagnostics::tracing()) [[unlikely]]
     return detail::run_traced(module, member, body, arguments...);
   return detail::run_body(module, member, body, arguments...);
