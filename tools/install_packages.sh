@@ -18,7 +18,7 @@ for argument in "$@"; do
     --dev) packages+=(clang-format clang-tidy) ;;
     --windows)
       packages+=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
-        libz-mingw-w64-dev googletest dpkg-dev patch xz-utils wine wine64)
+        libz-mingw-w64-dev googletest dpkg-dev patch xz-utils wine wine64 debootstrap)
       ;;
     *) echo "usage: $0 [--dev] [--windows]" >&2; exit 1 ;;
   esac
