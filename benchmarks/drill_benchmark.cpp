@@ -10,13 +10,14 @@
 #include <string>
 
 #include "benchmarks/plain_read.hpp"
+#include "benchmarks/stopwatch.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
 #include "qto/hosts/embedded/objects/application.hpp"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using qto::benchmarks::Clock, qto::benchmarks::seconds_since;
 
 struct BookCase {
   const char* file;
@@ -36,10 +37,6 @@ bool skip_without(const BookCase& book, benchmark::State& state) {
   if (std::filesystem::exists(path_of(book))) return false;
   state.SkipWithError("no such book; run tools/bench.py once to generate it");
   return true;
-}
-
-double seconds_since(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 /// Best of three, measured once per book.

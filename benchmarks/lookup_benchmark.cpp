@@ -3,9 +3,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <string>
 
+#include "benchmarks/stopwatch.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
 #include "qto/hosts/embedded/evaluate/environment.hpp"
 #include "qto/hosts/embedded/evaluate/evaluator.hpp"
@@ -16,7 +16,7 @@ namespace {
 
 using namespace qto;
 using namespace qto::embedded;
-using Clock = std::chrono::steady_clock;
+using qto::benchmarks::Clock, qto::benchmarks::seconds_since;
 
 constexpr int rows = 1'000'000;
 
@@ -43,10 +43,6 @@ Book& book() {
     }
   }
   return built;
-}
-
-double seconds_since(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 double pass_seconds() {
