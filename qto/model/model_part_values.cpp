@@ -12,36 +12,35 @@ namespace qto {
 std::string ModelPart::Formula() { return std::string(read_formula_again()); }
 
 std::string_view ModelPart::read_formula_again() {
-  return procedure("ModelPart", "Formula[Get]", [this](StandardHandling& proc) QTO_INLINED {
-    check_still_exists();
-    const bool read_before = has(formula_read);
-    // Reused: a drill reads a million formulas. A relative name's field changes while it is read.
-    thread_local std::string held, fresh;
-    held = formula_.view();
-    fresh.clear();
-    if (!read_formula_into(fresh)) fresh.clear();
-    if (!read_before || fresh == held) {
-      formula_.assign(fresh);
-      // A name's value is that of its formula, which was not known when the part was made; left as
-      // it is, the next check for changes would take the name for changed and drop its precedents.
-      if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
-      return formula_.view();
-    }
-    const std::string before = held;
-    const std::string after = fresh;
-    formula_.assign(after);
-    set(checked_for_precedents, false);
-    clear_precedents();
-    set(results_set, false);
-    if (!after.empty()) {
-      set(unknown, false);
-      set(exists, true);
-      set(constant, false);
-      if (!proc.step([&] { value_ = get_value(); })) return formula_.view();
-    }
-    FormulaChanged(before, after);
+  Procedure proc("ModelPart", "Formula[Get]");
+  check_still_exists();
+  const bool read_before = has(formula_read);
+  // Reused: a drill reads a million formulas. A relative name's field changes while it is read.
+  thread_local std::string held, fresh;
+  held = formula_.view();
+  fresh.clear();
+  if (!read_formula_into(fresh)) fresh.clear();
+  if (!read_before || fresh == held) {
+    formula_.assign(fresh);
+    // A name's value is that of its formula, which was not known when the part was made; left as
+    // it is, the next check for changes would take the name for changed and drop its precedents.
+    if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
     return formula_.view();
-  });
+  }
+  const std::string before = held;
+  const std::string after = fresh;
+  formula_.assign(after);
+  set(checked_for_precedents, false);
+  clear_precedents();
+  set(results_set, false);
+  if (!after.empty()) {
+    set(unknown, false);
+    set(exists, true);
+    set(constant, false);
+    if (!proc.step([&] { value_ = get_value(); })) return formula_.view();
+  }
+  FormulaChanged(before, after);
+  return formula_.view();
 }
 
 std::string ModelPart::read_formula() {

@@ -125,51 +125,46 @@ void Parser::remember(const host::FormulaPattern& pattern, qtoContainsConstant b
 }
 
 void Parser::Parse(ModelPart& part, bool just_read) {
-  procedure(
-      "Parser", "Parse",
-      [this, just_read](StandardHandling& proc, ModelPart& part) QTO_INLINED {
-        const diagnostics::Subject subject(&part, place_of);
-        part.set_checked(false);
-        if (part.is_unknown()) {
-          part.set_direct(nullptr);
-          part.set_all(nullptr);
-          part.set_checked(true);
-          return;
-        }
-        const std::string_view formula =
-            just_read ? part.held_formula() : part.read_formula_again();
-        if (!formula.starts_with('=')) {
-          part.put_IsConstant(true);
-          part.set_direct(nullptr);
-          part.set_all(nullptr);
-          part.set_checked(true);
-          return;
-        }
-        found_ = make_ref<ModelParts>();
-        if (!proc.step([&] { enter_part(part); })) return;
-        bool drill_intelligently = false;
-        const host::FormulaPattern pattern = pattern_of(part);
-        if (!follow_remembered(pattern)) {
-          const qtoContainsConstant constants = part.constants();
-          split_formula(formula, table_);
-          do_parse(table_.tokens, drill_intelligently);
-          if (!drill_intelligently) remember(pattern, constants);
-          if (!proc.step([&] { check_for_unknown_precedents(); })) return;
-        }
-        // A part that was drilled intelligently before shows its own list, not that of another
-        // part.
-        if (drill_intelligently || leaves_something_out(options()) || part.drilled_intelligently())
-          keep_all_precedents();
-        if (drill_intelligently) parse_functions_intelligently();
-        part.set_direct(found_);
-        part.set_checked(true);
-        const bool any = found_->size() > 0;
-        part.put_IsConstant(!any);
-        if (any) parse_zeros_blanks_dates_intelligently();
-        part.set_all(part.drilled_intelligently() ? all_ : nullptr);
-        if (found_->size() == 0) found_ = nullptr;
-      },
-      part);
+  Procedure proc("Parser", "Parse");
+  const diagnostics::Subject subject(&part, place_of);
+  part.set_checked(false);
+  if (part.is_unknown()) {
+    part.set_direct(nullptr);
+    part.set_all(nullptr);
+    part.set_checked(true);
+    return;
+  }
+  const std::string_view formula = just_read ? part.held_formula() : part.read_formula_again();
+  if (!formula.starts_with('=')) {
+    part.put_IsConstant(true);
+    part.set_direct(nullptr);
+    part.set_all(nullptr);
+    part.set_checked(true);
+    return;
+  }
+  found_ = make_ref<ModelParts>();
+  if (!proc.step([&] { enter_part(part); })) return;
+  bool drill_intelligently = false;
+  const host::FormulaPattern pattern = pattern_of(part);
+  if (!follow_remembered(pattern)) {
+    const qtoContainsConstant constants = part.constants();
+    split_formula(formula, table_);
+    do_parse(table_.tokens, drill_intelligently);
+    if (!drill_intelligently) remember(pattern, constants);
+    if (!proc.step([&] { check_for_unknown_precedents(); })) return;
+  }
+  // A part that was drilled intelligently before shows its own list, not that of another
+  // part.
+  if (drill_intelligently || leaves_something_out(options()) || part.drilled_intelligently())
+    keep_all_precedents();
+  if (drill_intelligently) parse_functions_intelligently();
+  part.set_direct(found_);
+  part.set_checked(true);
+  const bool any = found_->size() > 0;
+  part.put_IsConstant(!any);
+  if (any) parse_zeros_blanks_dates_intelligently();
+  part.set_all(part.drilled_intelligently() ? all_ : nullptr);
+  if (found_->size() == 0) found_ = nullptr;
 }
 
 /// What the first walk found; only a part that drops some of it keeps this list.
