@@ -4,7 +4,7 @@
 namespace qto::server {
 namespace {
 
-constexpr Member members[] = {
+constexpr Member drill_down_members[] = {
     get<&DrillDown::InputCells>(1, "InputCells"),
     get<&DrillDown::ErrorCells>(2, "ErrorCells"),
     get<&DrillDown::StartModelPart>(3, "StartModelPart"),
@@ -27,9 +27,9 @@ constexpr Member members[] = {
                                                    "new_IgnoreConstantIfZeroOrOne"),
     get<&DrillDown::ExceededMaxItems>(15, "ExceededMaxItems"),
 };
-static_assert(identifiers_fit(members));
+static_assert(identifiers_fit(drill_down_members));
 
-constexpr EventMember events[] = {
+constexpr EventMember drill_down_events[] = {
     event<&DrillDown::AfterOpenBookAttempt>("AfterOpenBookAttempt",
                                             "BookPath, BookFullName, SuccessCode"),
     event<&DrillDown::BeforeInternetAccess>("BeforeInternetAccess", "url, BookName, &Cancel"),
@@ -47,9 +47,9 @@ constexpr EventMember events[] = {
 }  // namespace
 
 constinit const ClassTable drill_down_table{
-    "DrillDown",    "A drill: start object, limits, options, results.",
-    own_guid(0x11), own_guid(0x12),
-    own_guid(0x13), members,
-    events,         create_object<DrillDown>};
+    "DrillDown",       "A drill: start object, limits, options, results.",
+    own_guid(0x11),    own_guid(0x12),
+    own_guid(0x13),    drill_down_members,
+    drill_down_events, create_object<DrillDown>};
 
 }  // namespace qto::server

@@ -4,7 +4,7 @@
 namespace qto::server {
 namespace {
 
-constexpr Member members[] = {
+constexpr Member drill_options_members[] = {
     get<&DrillOptions::ShowBlanks>(1, "ShowBlanks"),
     put<&DrillOptions::put_ShowBlanks>(1, "ShowBlanks"),
     get<&DrillOptions::ShowZeros>(2, "ShowZeros"),
@@ -29,7 +29,7 @@ constexpr Member members[] = {
     get<&DrillOptions::ParseMatch>(13, "ParseMatch"),
     put<&DrillOptions::put_ParseMatch>(13, "ParseMatch"),
 };
-static_assert(identifiers_fit(members));
+static_assert(identifiers_fit(drill_options_members));
 
 }  // namespace
 
@@ -38,7 +38,7 @@ constinit const ClassTable drill_options_table{"DrillOptions",
                                                own_guid(0x71),
                                                own_guid(0x72),
                                                {},
-                                               members,
+                                               drill_options_members,
                                                {},
                                                create_object<DrillOptions>};
 

@@ -46,7 +46,7 @@ static_assert(identifiers_fit(books_members));
 
 Ref<Object> worksheets_of(Workbook& book) { return make_ref<SheetList>(&book, true); }
 Ref<Object> sheets_of(Workbook& book) { return make_ref<SheetList>(&book, false); }
-Ref<NameList> names_of(Workbook& book) { return make_ref<NameList>(Ref<Workbook>(&book)); }
+Ref<NameList> names_of_book(Workbook& book) { return make_ref<NameList>(Ref<Workbook>(&book)); }
 void close_book(Workbook& book, const std::optional<bool>& save) {
   book.Close(save.value_or(false));
 }
@@ -66,7 +66,7 @@ constexpr Member book_members[] = {
     get<&Workbook::FullName>(3, "FullName"),
     get<&worksheets_of>(4, "Worksheets"),
     get<&sheets_of>(5, "Sheets"),
-    get<&names_of>(6, "Names"),
+    get<&names_of_book>(6, "Names"),
     method<&Workbook::Activate>(7, "Activate"),
     method<&close_book>(8, "Close", "SaveChanges?"),
     get<&application_of>(9, "Application"),

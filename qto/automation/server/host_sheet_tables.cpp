@@ -14,10 +14,10 @@ Ref<Range> cells_of(Worksheet& sheet, const std::optional<std::int32_t>& row,
                     const Variant& column) {
   return cell_of(*sheet.Block(Rect::sheet()), row, column);
 }
-Ref<Object> rows_of(Worksheet& sheet) {
+Ref<Object> rows_of_sheet(Worksheet& sheet) {
   return make_ref<LineList>(sheet.Block(Rect::sheet()), true);
 }
-Ref<Object> columns_of(Worksheet& sheet) {
+Ref<Object> columns_of_sheet(Worksheet& sheet) {
   return make_ref<LineList>(sheet.Block(Rect::sheet()), false);
 }
 /// The range of an address, or the block that has two cells as its corners.
@@ -29,7 +29,9 @@ Ref<Range> range_of(Worksheet& sheet, const Variant& first, const Variant& secon
       {{std::min(a.first.row, b.first.row), std::min(a.first.column, b.first.column)},
        {std::max(a.last.row, b.last.row), std::max(a.last.column, b.last.column)}});
 }
-Ref<NameList> names_of(Worksheet& sheet) { return make_ref<NameList>(Ref<Worksheet>(&sheet)); }
+Ref<NameList> names_of_sheet(Worksheet& sheet) {
+  return make_ref<NameList>(Ref<Worksheet>(&sheet));
+}
 Ref<ItemList<PivotTable>> pivots_of(Worksheet& sheet) {
   return make_ref<ItemList<PivotTable>>("PivotTables", &sheet, sheet.PivotTables());
 }
@@ -64,9 +66,9 @@ constexpr Member worksheet_members[] = {
     method<&Sheet::Unprotect>(10, "Unprotect", "Password?"),
     get<&application_of>(11, "Application"),
     get<&parent_of>(12, "Parent"),
-    get<&rows_of>(13, "Rows"),
-    get<&columns_of>(14, "Columns"),
-    get<&names_of>(15, "Names"),
+    get<&rows_of_sheet>(13, "Rows"),
+    get<&columns_of_sheet>(14, "Columns"),
+    get<&names_of_sheet>(15, "Names"),
     get<&Worksheet::CircularReference>(16, "CircularReference"),
     get<&pivots_of>(17, "PivotTables"),
     get<&charts_of>(18, "ChartObjects"),

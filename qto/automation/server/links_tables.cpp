@@ -4,7 +4,7 @@
 namespace qto::server {
 namespace {
 
-constexpr Member book_members[] = {
+constexpr Member linked_book_members[] = {
     get<&LinkedBook::Opened>(1, "Opened"),
     get<&LinkedBook::WhyNotOpened>(2, "WhyNotOpened"),
     put<&LinkedBook::put_WhyNotOpened>(2, "WhyNotOpened"),
@@ -19,9 +19,9 @@ constexpr Member book_members[] = {
     put<&LinkedBook::put_Password>(8, "Password", "new_Password"),
     method<&LinkedBook::CloseBook>(9, "CloseBook"),
 };
-static_assert(identifiers_fit(book_members));
+static_assert(identifiers_fit(linked_book_members));
 
-constexpr Member books_members[] = {
+constexpr Member linked_books_members[] = {
     method<&LinkedBooks::AddExisting>(1, "AddExisting", "&new_lb"),
     get<&LinkedBooks::Count>(2, "Count"),
     get<&LinkedBooks::Item>(3, "Item", "vitem"),
@@ -29,15 +29,15 @@ constexpr Member books_members[] = {
     new_enum<LinkedBooks>(),
     method<&LinkedBooks::CloseBooks>(5, "CloseBooks"),
 };
-static_assert(identifiers_fit(books_members));
+static_assert(identifiers_fit(linked_books_members));
 
-constexpr Member list_members[] = {
+constexpr Member link_list_members[] = {
     put_ref<&LinkList::putref_Workbook>(1, "Workbook", "&Value"),
     get<&LinkList::Workbook>(1, "Workbook"),
     get<&LinkList::CountLinks>(2, "CountLinks"),
     get<&LinkList::Links>(3, "Links", "Index"),
 };
-static_assert(identifiers_fit(list_members));
+static_assert(identifiers_fit(link_list_members));
 
 }  // namespace
 
@@ -46,7 +46,7 @@ constinit const ClassTable linked_book_table{"LinkedBook",
                                              own_guid(0x21),
                                              own_guid(0x22),
                                              {},
-                                             book_members,
+                                             linked_book_members,
                                              {},
                                              create_object<LinkedBook>};
 constinit const ClassTable linked_books_table{
@@ -55,7 +55,7 @@ constinit const ClassTable linked_books_table{
     own_guid(0x31),
     own_guid(0x32),
     {},
-    books_members,
+    linked_books_members,
     {},
     create_object<LinkedBooks>};
 constinit const ClassTable link_list_table{"LinkList",
@@ -63,7 +63,7 @@ constinit const ClassTable link_list_table{"LinkList",
                                            own_guid(0x41),
                                            own_guid(0x42),
                                            {},
-                                           list_members,
+                                           link_list_members,
                                            {},
                                            create_object<LinkList>};
 

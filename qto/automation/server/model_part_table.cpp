@@ -10,7 +10,7 @@ void create(ModelPart& part, Ref<Object>& object, const std::string& likely_type
   part.Create(object, likely_type, unknown_name);
 }
 
-constexpr Member members[] = {
+constexpr Member model_part_members[] = {
     get<&ModelPart::IsConstant>(1, "IsConstant"),
     put<&ModelPart::put_IsConstant>(1, "IsConstant"),
     get<&ModelPart::HasConstant>(2, "HasConstant"),
@@ -64,9 +64,9 @@ constexpr Member members[] = {
     get<&ModelPart::Sheet>(38, "Sheet"),
     get<&ModelPart::FormulaHidden>(39, "FormulaHidden"),
 };
-static_assert(identifiers_fit(members));
+static_assert(identifiers_fit(model_part_members));
 
-constexpr EventMember events[] = {
+constexpr EventMember model_part_events[] = {
     event<&ModelPart::TitleChanged>("TitleChanged", "OldTitle, &NewTitle"),
     event<&ModelPart::AskToUnhide>(
         "AskToUnhide", "&HiddenObject, LocalAddress, &ContainerSheet, &Unhide, &SheetPassword"),
@@ -78,9 +78,9 @@ constexpr EventMember events[] = {
 }  // namespace
 
 constinit const ClassTable model_part_table{
-    "ModelPart",    "One item of a workbook model: a cell or range, a name, a series, a link.",
-    own_guid(0x51), own_guid(0x52),
-    own_guid(0x53), members,
-    events,         create_object<ModelPart>};
+    "ModelPart",       "One item of a workbook model: a cell or range, a name, a series, a link.",
+    own_guid(0x51),    own_guid(0x52),
+    own_guid(0x53),    model_part_members,
+    model_part_events, create_object<ModelPart>};
 
 }  // namespace qto::server
