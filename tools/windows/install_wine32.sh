@@ -6,8 +6,13 @@ root=$(cd "$(dirname "$0")/../.." && pwd)
 system=$root/build/windows/i386
 
 if [[ -e $system/complete ]]; then exit 0; fi
-mirror=$(grep -hoE '^(URIs: *|deb (\[[^]]*\] )?)[a-z]+://[^ ]+' /etc/apt/sources.list \
-  /etc/apt/sources.list.d/* 2> /dev/null | grep -oE '[a-z]+://.*' | head -n 1)
+# Either of the places that hold lists may be missing.
+mirror=$({ cat /etc/apt/sources.list /etc/apt/sources.list.d/* 2> /dev/null || true; } |
+  sed -nE 's/^(URIs: *|deb (\[[^]]*\] )?)([a-z]+:[^ ]+).*/\3/p' | grep -v security | head -n 1 || true)
+if [[ -z $mirror ]]; then
+  echo "install_wine32: apt's lists name no place to take packages from" >&2
+  exit 1
+fi
 rm -rf "$system"
 mkdir -p "$system"
 debootstrap --arch=i386 --variant=minbase --include=wine,wine32 bookworm "$system" "$mirror" \
