@@ -13,7 +13,7 @@
 #include "benchmarks/stopwatch.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
+#include "qto/hosts/embedded/application.hpp"
 
 namespace {
 

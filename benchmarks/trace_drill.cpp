@@ -17,7 +17,7 @@
 #include "qto/diagnostics/trace_outputs.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
+#include "qto/hosts/embedded/application.hpp"
 
 int main(int argc, char** argv) {
   using Clock = std::chrono::steady_clock;

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "cli/prompt.hpp"
+#include "cli/terminal/prompt.hpp"
 #include "qto/diagnostics/console_dialog.hpp"
 
 namespace qto::cli {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/arguments.hpp"
-#include "cli/progress.hpp"
+#include "cli/asking/arguments.hpp"
+#include "cli/terminal/progress.hpp"
 
 namespace qto::cli {
 

@@ -1,6 +1,6 @@
-#include "cli/arguments.hpp"
+#include "cli/asking/arguments.hpp"
 #include "cli/command.hpp"
-#include "cli/terminal.hpp"
+#include "cli/terminal/terminal.hpp"
 
 int main(int argc, char** argv) {
   qto::cli::Arguments arguments;

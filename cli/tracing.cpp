@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "cli/complaint.hpp"
-#include "cli/exit_status.hpp"
+#include "cli/asking/complaint.hpp"
+#include "cli/asking/exit_status.hpp"
 #include "qto/automation/error.hpp"
 #include "qto/automation/file_path.hpp"
 #include "qto/diagnostics/stream_viewer.hpp"

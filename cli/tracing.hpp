@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/arguments.hpp"
+#include "cli/asking/arguments.hpp"
 
 namespace qto::cli {
 

@@ -47,11 +47,14 @@ function(qto_sources variable)
   set(${variable} ${files} PARENT_SCOPE)
 endfunction()
 
-# qto_layer(<target> <folder> [<library>...]): the static library of one folder. The libraries it
-# looks down on are part of its interface, so a client links one name.
-function(qto_layer target folder)
-  qto_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
-  qto_sources(headers ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.hpp)
+# qto_layer(<target> <folders> [<library>...]): the static library of a folder, or of a list of
+# them. The libraries it looks down on are part of its interface, so a client links one name.
+function(qto_layer target folders)
+  list(TRANSFORM folders PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  list(TRANSFORM folders APPEND /*.cpp OUTPUT_VARIABLE globs)
+  qto_sources(sources ${globs})
+  list(TRANSFORM folders APPEND /*.hpp OUTPUT_VARIABLE globs)
+  qto_sources(headers ${globs})
   if(sources)
     add_library(${target} STATIC ${sources})
     set(scope PUBLIC)

@@ -1,6 +1,6 @@
 # Shared libraries that serve classes through the four standard exports and show nothing else.
 
-set(QTO_EXPORTS ${PROJECT_SOURCE_DIR}/qto/automation/server/exports)
+set(QTO_EXPORTS ${PROJECT_SOURCE_DIR}/qto/server/exports)
 
 if(WIN32)
   enable_language(RC)
@@ -30,7 +30,7 @@ function(qto_type_library target name)
   else()
     set(bits -m32)
   endif()
-  set(widl ${QTO_WIDL} ${bits} -I ${PROJECT_SOURCE_DIR}/qto/automation/server/idl
+  set(widl ${QTO_WIDL} ${bits} -I ${PROJECT_SOURCE_DIR}/qto/server/idl
     -L ${QTO_STANDARD_TYPES})
   add_custom_command(OUTPUT ${base}.idl
     COMMAND ${describe} idl ${ARGN} > ${base}.idl DEPENDS ${describe}

@@ -8,7 +8,7 @@
 #include "qto/automation/error.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
+#include "qto/hosts/embedded/application.hpp"
 
 int main(int argc, char** argv) try {
   if (argc != 4) return std::fprintf(stderr, "usage: %s BOOK SHEET CELL\n", argv[0]), 1;

@@ -10,18 +10,18 @@ import pathlib
 import re
 import sys
 
-# Folders of one level do not see each other. Of nested folders the longest name counts.
+# Every folder with its level; a folder sees its own files and the folders of lower levels that its
+# house shows. Of nested folders the longest name counts.
 ENGINE_LEVELS = {
     "qto/automation": 0,
-    "qto/automation/com": 1,
-    "qto/diagnostics": 1,
-    "qto/host": 1,
-    "qto/links": 2,
-    "qto/model": 3,
-    "qto/engine/options": 3,
-    "qto/parser": 4,
-    "qto/engine": 5,
-    "qto/automation/server": 6,
+    "qto/formula": 1,
+    "qto/diagnostics": 2,
+    "qto/host": 2,
+    "qto/options": 3,
+    "qto/links": 3,
+    "qto/model": 4,
+    "qto/parser": 5,
+    "qto/engine": 6,
 }
 
 # The embedded host stands beside the engine, not below or above it.
@@ -30,20 +30,45 @@ EMBEDDED_LEVELS = {
     EMBEDDED + "/formats": 0,
     EMBEDDED + "/encryption": 0,
     EMBEDDED + "/book": 1,
-    EMBEDDED + "/formula": 2,
+    EMBEDDED + "/formulas": 2,
     EMBEDDED + "/evaluate": 3,
     EMBEDDED + "/xlsx": 3,
     EMBEDDED + "/functions": 4,
     EMBEDDED + "/recalc": 5,
-    EMBEDDED + "/objects": 6,
+    EMBEDDED + "/objects/references": 6,
+    EMBEDDED + "/objects/checks": 6,
+    EMBEDDED + "/objects/cells": 7,
+    EMBEDDED + "/objects": 8,
+    EMBEDDED + "/objects/editing": 9,
+    EMBEDDED: 10,
 }
-EMBEDDED_ALSO_SEES = ("qto/automation", "qto/host")
-# A host that is driven by name, over any application.
+# What crosses between libraries, and a host that is driven by name, over any application.
+COM_LEVELS = {"qto/com": 0}
 LATE_BOUND_LEVELS = {"qto/hosts/late_bound": 0}
-LATE_BOUND_ALSO_SEES = ("qto/automation", "qto/automation/com", "qto/host")
-ALL_LEVELS = ENGINE_LEVELS | EMBEDDED_LEVELS | LATE_BOUND_LEVELS
-# What brings a host to the automation surface sees both sides.
-JOINTS = {"qto/hosts/server", "qto/automation/server/exports"}
+# The automation surface stands above the engine and the hosts.
+SERVER_LEVELS = {"qto/server": 0}
+CLI_LEVELS = {
+    "cli/terminal": 0,
+    "cli/output": 1,
+    "cli/asking": 2,
+    "cli/links": 3,
+    "cli/answer": 4,
+    "cli/book": 5,
+    "cli/show": 6,
+    "cli": 7,
+}
+
+VOCABULARY = ("qto/automation", "qto/formula", "qto/host")
+# Levels that belong together, and which other folders they see.
+HOUSES = (
+    (ENGINE_LEVELS, ()),
+    (EMBEDDED_LEVELS, VOCABULARY),
+    (COM_LEVELS, ("qto/automation",)),
+    (LATE_BOUND_LEVELS, VOCABULARY + ("qto/com",)),
+    (SERVER_LEVELS, tuple(ENGINE_LEVELS) + ("qto/com", "qto/hosts/late_bound", EMBEDDED)),
+    (CLI_LEVELS, ("qto",)),
+)
+ALL_LEVELS = {folder: level for levels, _ in HOUSES for folder, level in levels.items()}
 
 # Clients of the library: what each sees besides the public headers under qto/.
 CLIENTS = {
@@ -54,23 +79,16 @@ CLIENTS = {
 }
 ROOTS = ("qto",) + tuple(CLIENTS)
 
-# Levels that belong together, and what they see besides.
-HOUSES = (
-    (ENGINE_LEVELS, ()),
-    (EMBEDDED_LEVELS, EMBEDDED_ALSO_SEES),
-    (LATE_BOUND_LEVELS, LATE_BOUND_ALSO_SEES),
-)
-
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^">]+)[">]')
 PRAGMA_ONCE = re.compile(r"^\s*#\s*pragma\s+once\b")
 
 
 def layer_of(path):
-    """The folder of the layer tables that holds path, or None."""
+    """The folder of the level tables that holds path, or None."""
     parts = path.split("/")[:-1]
     for length in range(len(parts), 0, -1):
         folder = "/".join(parts[:length])
-        if folder in ALL_LEVELS or folder in JOINTS:
+        if folder in ALL_LEVELS:
             return folder
     return None
 
@@ -79,14 +97,16 @@ def refusal(source, target):
     """Why the file source must not include the file target, or None when it may."""
     client, root = source.split("/")[0], target.split("/")[0]
     if client in CLIENTS:
-        seen = root == "qto" or root in CLIENTS[client]
-        return None if seen else f"{client} does not see {root}"
+        if root != "qto" and root not in CLIENTS[client]:
+            return f"{client} does not see {root}"
+        if client != root or client != "cli":
+            return None
     above, below = layer_of(source), layer_of(target)
     if above is None:
         return f"{source} belongs to no layer"
     if below is None:
         return f"{target} belongs to no layer"
-    if above == below or above in JOINTS:
+    if above == below:
         return None
     for levels, also_sees in HOUSES:
         if above not in levels:

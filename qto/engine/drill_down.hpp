@@ -7,11 +7,11 @@
 #include "qto/automation/enumerations.hpp"
 #include "qto/automation/event.hpp"
 #include "qto/automation/object.hpp"
-#include "qto/engine/options/drill_options.hpp"
 #include "qto/host/workbook.hpp"
 #include "qto/links/linked_books.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
+#include "qto/options/drill_options.hpp"
 
 namespace qto {
 

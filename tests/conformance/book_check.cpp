@@ -50,10 +50,10 @@ double moment_of(const Book& book) {
   for (const auto& sheet : book.sheets())
     sheet->cells.for_each(Rect::sheet(), [&](CellPos, const Cell& cell, FormulaId id) {
       const auto compiled = id != 0 ? book.formula(id).compiled : nullptr;
-      const SyntaxTree* tree = compiled ? compiled->tree() : nullptr;
+      const formula::SyntaxTree* tree = compiled ? compiled->tree() : nullptr;
       if (!tree || cell.type() != CellType::number || exact) return;
-      const Node& root = tree->at(tree->root);
-      if (root.kind != NodeKind::call || root.child_count != 0) return;
+      const formula::Node& root = tree->at(tree->root);
+      if (root.kind != formula::NodeKind::call || root.child_count != 0) return;
       const std::string& function = tree->texts[root.payload];
       if (function != "NOW" && function != "TODAY") return;
       moment = cell.number() + book.date_shift();
@@ -100,7 +100,7 @@ class Check {
 
   void compare(const Remembered& cell) {
     const FormulaRecord& record = book_.formula(cell.formula);
-    const SyntaxTree* tree = record.compiled->tree();
+    const formula::SyntaxTree* tree = record.compiled->tree();
     const auto functions = tree ? functions_of(*tree) : std::set<std::string>{"(unreadable)"};
     ++result_.compared;
     for (const std::string& name : functions) ++result_.by_function[name].compared;

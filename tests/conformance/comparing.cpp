@@ -30,10 +30,10 @@ std::string shown(const ValueView& value) {
   return value.is_error() ? std::string(error_text(value.error())) : "(empty)";
 }
 
-std::set<std::string> functions_of(const SyntaxTree& tree) {
+std::set<std::string> functions_of(const formula::SyntaxTree& tree) {
   std::set<std::string> names;
-  for (const Node& node : tree.nodes)
-    if (node.kind == NodeKind::call) names.insert(tree.texts[node.payload]);
+  for (const formula::Node& node : tree.nodes)
+    if (node.kind == formula::NodeKind::call) names.insert(tree.texts[node.payload]);
   if (names.empty()) names.insert("(operators)");
   return names;
 }

@@ -3,9 +3,9 @@
 #include <set>
 #include <string>
 
+#include "qto/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/evaluate/environment.hpp"
 #include "qto/hosts/embedded/evaluate/value_view.hpp"
-#include "qto/hosts/embedded/formula/syntax_tree.hpp"
 
 /// What the programs that compare with remembered results share.
 namespace qto::embedded::conformance {
@@ -28,7 +28,7 @@ bool same_value(const ValueView& got, const ValueView& want);
 /// A value for the eye, numbers with all their digits.
 std::string shown(const ValueView& value);
 /// The names of the functions that a formula calls; "(operators)" when there are none.
-std::set<std::string> functions_of(const SyntaxTree& tree);
+std::set<std::string> functions_of(const formula::SyntaxTree& tree);
 /// True for a formula whose result changes with time or chance.
 bool depends_on_time_or_chance(const std::set<std::string>& functions);
 

@@ -58,7 +58,7 @@ Sheet& sheet_named(Book& book, const std::string& name) {
 /// Sheets that a formula names are there, even when all their cells are empty.
 void add_sheets(Book& book, const CompiledFormula& formula) {
   if (!formula.tree()) return;
-  for (const SheetQualifier& qualifier : formula.tree()->qualifiers)
+  for (const formula::SheetQualifier& qualifier : formula.tree()->qualifiers)
     if (qualifier.external == 0 && qualifier.book.empty() && !qualifier.sheet.empty())
       sheet_named(book, qualifier.sheet);
 }

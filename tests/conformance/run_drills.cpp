@@ -9,7 +9,7 @@
 
 #include "qto/diagnostics/error_report.hpp"
 #include "qto/host/host.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
+#include "qto/hosts/embedded/application.hpp"
 #include "qto/links/linked_books.hpp"
 #include "qto/links/main.hpp"
 #include "qto/parser/parser.hpp"

@@ -1,4 +1,4 @@
-#include "qto/engine/options/drill_options.hpp"
+#include "qto/options/drill_options.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "qto/hosts/embedded/formulas/formula_intern.hpp"
 #include "tests/support/text_book.hpp"
 
 /// Sizes at which recursion by depth or work by the square would show.

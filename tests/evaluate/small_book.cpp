@@ -5,7 +5,7 @@
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/evaluate/coercion.hpp"
-#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "qto/hosts/embedded/formulas/formula_intern.hpp"
 #include "qto/hosts/embedded/functions/registry.hpp"
 
 namespace qto::embedded {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
-#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/formula_intern.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "qto/hosts/embedded/formula/parser.hpp"
-#include "qto/hosts/embedded/formula/tree_dump.hpp"
+#include "qto/formula/parser.hpp"
+#include "qto/formula/tree_dump.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -9,8 +9,9 @@ namespace {
 constexpr CellPos d5{5, 4};
 
 std::string dump(std::string_view text) {
-  const ParsedFormula parsed = parse_formula(text, d5);
-  return parsed.why_broken.empty() ? dump_tree(parsed.tree, d5) : "broken: " + parsed.why_broken;
+  const formula::ParsedFormula parsed = formula::parse_formula(text, d5);
+  return parsed.why_broken.empty() ? formula::dump_tree(parsed.tree, d5)
+                                   : "broken: " + parsed.why_broken;
 }
 
 struct Row {
@@ -199,13 +200,13 @@ TEST(ParseTest, DeepNestingIsRefusedWithAReason) {
 }
 
 TEST(ParseTest, LongChainsArePlainLoops) {
-  const ParsedFormula chain = parse_formula("1" + repeated("+1", 100'000), d5);
+  const formula::ParsedFormula chain = formula::parse_formula("1" + repeated("+1", 100'000), d5);
   ASSERT_EQ(chain.why_broken, "");
   EXPECT_EQ(chain.tree.nodes.size(), 200'001u);
-  EXPECT_EQ(parse_formula("A1" + repeated(":A1", 50'000), d5).why_broken, "");
-  EXPECT_EQ(parse_formula("A1" + repeated(" A1", 50'000), d5).why_broken, "");
-  EXPECT_EQ(parse_formula("(A1" + repeated(",A1", 50'000) + ")", d5).why_broken, "");
-  EXPECT_EQ(parse_formula("SUM(1" + repeated(",1", 70'000) + ")", d5).why_broken,
+  EXPECT_EQ(formula::parse_formula("A1" + repeated(":A1", 50'000), d5).why_broken, "");
+  EXPECT_EQ(formula::parse_formula("A1" + repeated(" A1", 50'000), d5).why_broken, "");
+  EXPECT_EQ(formula::parse_formula("(A1" + repeated(",A1", 50'000) + ")", d5).why_broken, "");
+  EXPECT_EQ(formula::parse_formula("SUM(1" + repeated(",1", 70'000) + ")", d5).why_broken,
             "too many arguments");
 }
 
@@ -219,8 +220,8 @@ TEST(ParseTest, ShortTextsNeverCrash) {
         for (const auto d : parts) {
           std::string text;
           text.append(a).append(b).append(c).append(d);
-          const ParsedFormula parsed = parse_formula(text, d5);
-          EXPECT_EQ(parsed.tree.root == no_node, !parsed.why_broken.empty()) << text;
+          const formula::ParsedFormula parsed = formula::parse_formula(text, d5);
+          EXPECT_EQ(parsed.tree.root == formula::no_node, !parsed.why_broken.empty()) << text;
         }
 }
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "qto/automation/com/com_values.hpp"
-#include "qto/automation/com/errors.hpp"
-#include "qto/automation/com/memory.hpp"
 #include "qto/automation/variant_list.hpp"
+#include "qto/com/com_values.hpp"
+#include "qto/com/errors.hpp"
+#include "qto/com/memory.hpp"
 
 namespace qto::server::com {
 namespace {

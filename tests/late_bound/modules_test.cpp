@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "qto/automation/com/com_values.hpp"
-#include "qto/automation/com/memory.hpp"
-#include "qto/automation/server/dispatch.hpp"
-#include "qto/automation/server/engine_tables.hpp"
-#include "qto/automation/server/host_tables.hpp"
+#include "qto/com/com_values.hpp"
+#include "qto/com/memory.hpp"
+#include "qto/server/dispatch.hpp"
+#include "qto/server/engine_tables.hpp"
+#include "qto/server/host_tables.hpp"
 #include "tests/late_bound/veil.hpp"
 #include "tests/server/module_client.hpp"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "qto/automation/com/errors.hpp"
+#include "qto/com/errors.hpp"
 #include "tests/late_bound/both_ways.hpp"
 
 namespace qto::test {

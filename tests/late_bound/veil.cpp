@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "qto/automation/com/com_values.hpp"
-#include "qto/automation/server/face.hpp"
+#include "qto/com/com_values.hpp"
+#include "qto/server/face.hpp"
 
 namespace qto::test {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "qto/automation/com/com.hpp"
-#include "qto/automation/com/holder.hpp"
 #include "qto/automation/object.hpp"
+#include "qto/com/com.hpp"
+#include "qto/com/holder.hpp"
 
 /// An application of another server, played by our own: its faces stand behind veils that hide that
 /// they are ours.

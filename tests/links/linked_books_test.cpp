@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "qto/automation/error.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
+#include "qto/hosts/embedded/application.hpp"
 #include "qto/links/link_list.hpp"
 #include "qto/links/main.hpp"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "qto/hosts/embedded/objects/sheet_edits.hpp"
+#include "qto/hosts/embedded/objects/editing/sheet_edits.hpp"
 #include "qto/links/main.hpp"
 #include "qto/model/series_formula.hpp"
 #include "tests/support/text_book.hpp"

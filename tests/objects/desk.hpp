@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "qto/host/host.hpp"
+#include "qto/hosts/embedded/application.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
 
 namespace qto::embedded {
 

@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/objects/sheet_edits.hpp"
+#include "qto/hosts/embedded/objects/editing/sheet_edits.hpp"
 #include "tests/objects/desk.hpp"
 
 namespace qto::embedded {

@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/objects/visible_panes.hpp"
+#include "qto/hosts/embedded/visible_panes.hpp"
 #include "tests/objects/desk.hpp"
 
 namespace qto::embedded {

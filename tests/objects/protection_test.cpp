@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/objects/password.hpp"
+#include "qto/hosts/embedded/objects/checks/password.hpp"
 #include "tests/objects/desk.hpp"
 
 namespace qto::embedded {

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "qto/hosts/embedded/objects/open_error.hpp"
+#include "qto/hosts/embedded/objects/checks/open_error.hpp"
 #include "tests/objects/book_file.hpp"
 #include "tests/objects/desk.hpp"
 

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
-#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/formula_intern.hpp"
 
 namespace qto::embedded {
 

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "qto/automation/server/connection.hpp"
+#include "qto/server/connection.hpp"
 #include "tests/server/late_bound.hpp"
 #include "tests/support/text_book.hpp"
 

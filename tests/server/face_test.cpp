@@ -3,11 +3,11 @@
 
 #include <vector>
 
-#include "qto/automation/com/connections.hpp"
-#include "qto/automation/com/type_info.hpp"
-#include "qto/automation/server/dispatch.hpp"
-#include "qto/automation/server/engine_tables.hpp"
-#include "qto/automation/server/host_tables.hpp"
+#include "qto/com/connections.hpp"
+#include "qto/com/type_info.hpp"
+#include "qto/server/dispatch.hpp"
+#include "qto/server/engine_tables.hpp"
+#include "qto/server/host_tables.hpp"
 #include "tests/server/module_client.hpp"
 #include "tests/server/shown.hpp"
 #include "tests/support/text_book.hpp"

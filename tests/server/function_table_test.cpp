@@ -1,8 +1,8 @@
 /// Early-bound calls: by place in the function tables of the default interfaces.
 #include <gtest/gtest.h>
 
-#include "qto/automation/server/engine_tables.hpp"
 #include "qto/engine/drill_down.hpp"
+#include "qto/server/engine_tables.hpp"
 #include "tests/server/shown.hpp"
 #include "tests/support/text_book.hpp"
 

@@ -3,9 +3,9 @@
 #include <initializer_list>
 #include <string>
 
-#include "qto/automation/server/dispatch.hpp"
-#include "qto/automation/server/engine_library.hpp"
-#include "qto/automation/server/module.hpp"
+#include "qto/server/dispatch.hpp"
+#include "qto/server/engine_library.hpp"
+#include "qto/server/module.hpp"
 
 namespace qto::server {
 

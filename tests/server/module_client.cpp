@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "qto/automation/com/com_values.hpp"
-#include "qto/automation/server/dispatch.hpp"
 #include "qto/automation/text.hpp"
+#include "qto/com/com_values.hpp"
+#include "qto/server/dispatch.hpp"
 
 namespace qto::server {
 

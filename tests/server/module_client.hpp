@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "qto/automation/com/com.hpp"
+#include "qto/com/com.hpp"
 
 /// A client of the shared libraries that knows nothing but their binary interface.
 namespace qto::server {

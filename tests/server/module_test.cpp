@@ -7,10 +7,10 @@
 #include <fstream>
 #include <iterator>
 
-#include "qto/automation/server/dispatch.hpp"
-#include "qto/automation/server/engine_tables.hpp"
-#include "qto/automation/server/host_tables.hpp"
-#include "qto/automation/server/registry.hpp"
+#include "qto/server/dispatch.hpp"
+#include "qto/server/engine_tables.hpp"
+#include "qto/server/host_tables.hpp"
+#include "qto/server/registry.hpp"
 #include "tests/server/module_client.hpp"
 
 namespace qto::server {

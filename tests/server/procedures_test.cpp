@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "qto/automation/server/engine_library.hpp"
 #include "qto/diagnostics/procedures.hpp"
+#include "qto/server/engine_library.hpp"
 
 namespace qto::server {
 namespace {

@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <string>
 
-#include "qto/automation/com/com_values.hpp"
-#include "qto/automation/com/holder.hpp"
-#include "qto/automation/server/engine_library.hpp"
-#include "qto/automation/server/face.hpp"
+#include "qto/com/com_values.hpp"
+#include "qto/com/holder.hpp"
+#include "qto/server/engine_library.hpp"
+#include "qto/server/face.hpp"
 
 /// What a client holds, for tests within one program.
 namespace qto::server::com {

@@ -4,9 +4,9 @@
 #include <set>
 #include <sstream>
 
-#include "qto/automation/server/describe.hpp"
-#include "qto/automation/server/engine_library.hpp"
-#include "qto/automation/server/host_library.hpp"
+#include "qto/server/describe.hpp"
+#include "qto/server/engine_library.hpp"
+#include "qto/server/host_library.hpp"
 
 namespace qto::server {
 namespace {

@@ -8,8 +8,8 @@
 #include "qto/diagnostics/error_report.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
+#include "qto/hosts/embedded/application.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
 
 /// Workbooks written down as text, and results read back as text.
 namespace qto::test {

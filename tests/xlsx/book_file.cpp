@@ -9,7 +9,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 
 namespace qto::test {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "tests/xlsx/book_file.hpp"
 
 namespace qto::test {

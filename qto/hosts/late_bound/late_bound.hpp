@@ -1,7 +1,7 @@
 #pragma once
 
-#include "qto/automation/com/com.hpp"
 #include "qto/automation/object.hpp"
+#include "qto/com/com.hpp"
 
 /// A host that is driven by name: the classes of qto/host over any application whose objects take
 /// late-bound calls.

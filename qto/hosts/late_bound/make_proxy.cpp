@@ -1,6 +1,6 @@
 #include "qto/hosts/late_bound/make_proxy.hpp"
 
-#include "qto/automation/com/errors.hpp"
+#include "qto/com/errors.hpp"
 #include "qto/hosts/late_bound/application_proxy.hpp"
 #include "qto/hosts/late_bound/chart_proxies.hpp"
 #include "qto/hosts/late_bound/late_bound.hpp"

@@ -2,10 +2,10 @@
 
 #include <vector>
 
-#include "qto/automation/com/errors.hpp"
-#include "qto/automation/com/memory.hpp"
-#include "qto/automation/com/type_info.hpp"
 #include "qto/automation/text.hpp"
+#include "qto/com/errors.hpp"
+#include "qto/com/memory.hpp"
+#include "qto/com/type_info.hpp"
 #include "qto/host/failure.hpp"
 
 namespace qto::late_bound {

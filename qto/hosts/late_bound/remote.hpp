@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "qto/automation/com/com.hpp"
-#include "qto/automation/com/com_values.hpp"
-#include "qto/automation/com/holder.hpp"
-#include "qto/automation/com/type.hpp"
+#include "qto/com/com.hpp"
+#include "qto/com/com_values.hpp"
+#include "qto/com/holder.hpp"
+#include "qto/com/type.hpp"
 #include "qto/hosts/late_bound/member.hpp"
 
 /// Calls by name.

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "qto/automation/com/convert.hpp"
-#include "qto/automation/com/errors.hpp"
+#include "qto/com/convert.hpp"
+#include "qto/com/errors.hpp"
 #include "qto/host/failure.hpp"
 #include "qto/hosts/late_bound/make_proxy.hpp"
 

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "qto/automation/com/remote_object.hpp"
+#include "qto/com/remote_object.hpp"
 #include "qto/hosts/late_bound/remote.hpp"
 
 namespace qto::late_bound {

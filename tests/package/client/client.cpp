@@ -4,7 +4,7 @@
 
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
-#include "qto/hosts/embedded/objects/application.hpp"
+#include "qto/hosts/embedded/application.hpp"
 
 int main(int argc, char** argv) {
   if (argc != 2) return 1;

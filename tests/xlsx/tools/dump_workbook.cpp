@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/xlsx/open_workbook.hpp"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "qto/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/evaluate/context.hpp"
 #include "qto/hosts/embedded/evaluate/function_spec.hpp"
-#include "qto/hosts/embedded/formula/syntax_tree.hpp"
 
 namespace qto::embedded {
 
@@ -49,7 +49,7 @@ class Call {
 /// One call of a function that evaluates its arguments itself.
 class LazyCall {
  public:
-  LazyCall(Walker& walker, const Node& node, bool array);
+  LazyCall(Walker& walker, const formula::Node& node, bool array);
 
   Context& context() const noexcept;
   bool array() const noexcept { return array_; }
@@ -68,9 +68,9 @@ class LazyCall {
   void bind(std::string_view name, Operand value);
 
  private:
-  NodeIndex argument(int i) const noexcept;
+  formula::NodeIndex argument(int i) const noexcept;
   Walker& walker_;
-  const Node& node_;
+  const formula::Node& node_;
   int count_;
   bool array_;
 };

@@ -43,8 +43,8 @@ Evaluator::~Evaluator() = default;
 
 Operand Evaluator::evaluate(const CompiledFormula& formula, Sheet& sheet, CellPos at,
                             EvaluationMode mode) {
-  const SyntaxTree* tree = formula.tree();
-  if (!tree || tree->root == no_node) return ErrorValue::name;
+  const formula::SyntaxTree* tree = formula.tree();
+  if (!tree || tree->root == formula::no_node) return ErrorValue::name;
   const bool cell = mode != EvaluationMode::array && mode != EvaluationMode::reference;
   const Operand result = impl_->walker.walk(*tree, {&sheet.book(), &sheet, at}, !cell, cell);
   return impl_->settle(result, mode);

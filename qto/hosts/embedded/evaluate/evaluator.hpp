@@ -4,7 +4,7 @@
 
 #include "qto/hosts/embedded/evaluate/environment.hpp"
 #include "qto/hosts/embedded/evaluate/operand.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 
 namespace qto::embedded {
 

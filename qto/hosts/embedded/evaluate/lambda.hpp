@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "qto/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/evaluate/context.hpp"
-#include "qto/hosts/embedded/formula/syntax_tree.hpp"
 
 namespace qto::embedded {
 
@@ -21,8 +21,8 @@ class Lambda final : public Object {
   std::string_view TypeName() const noexcept override { return "Lambda"; }
 
   std::vector<std::string> parameters;
-  const SyntaxTree* tree = nullptr;
-  NodeIndex body = no_node;
+  const formula::SyntaxTree* tree = nullptr;
+  formula::NodeIndex body = formula::no_node;
   Frame frame;
   std::vector<LocalName> seen;
   bool array = false;

@@ -3,19 +3,19 @@
 
 namespace qto::embedded {
 
-LazyCall::LazyCall(Walker& walker, const Node& node, bool array)
+LazyCall::LazyCall(Walker& walker, const formula::Node& node, bool array)
     : walker_(walker), node_(node), count_(node.child_count), array_(array) {}
 
 Context& LazyCall::context() const noexcept { return walker_; }
 
-NodeIndex LazyCall::argument(int i) const noexcept {
-  NodeIndex child = node_.first_child;
+formula::NodeIndex LazyCall::argument(int i) const noexcept {
+  formula::NodeIndex child = node_.first_child;
   for (; i > 0; --i) child = walker_.tree().at(child).next;
   return child;
 }
 
 bool LazyCall::missing(int i) const noexcept {
-  return i >= count_ || walker_.tree().at(argument(i)).kind == NodeKind::missing;
+  return i >= count_ || walker_.tree().at(argument(i)).kind == formula::NodeKind::missing;
 }
 
 Operand LazyCall::evaluate(int i) const { return walker_.evaluate(argument(i), array_); }
@@ -26,8 +26,8 @@ bool LazyCall::is_many(const Operand& operand) const noexcept {
 }
 
 std::string_view LazyCall::name(int i) const noexcept {
-  const Node& node = walker_.tree().at(argument(i));
-  if (node.kind != NodeKind::name || node.qualifier != 0) return {};
+  const formula::Node& node = walker_.tree().at(argument(i));
+  if (node.kind != formula::NodeKind::name || node.qualifier != 0) return {};
   return walker_.tree().texts[node.payload];
 }
 

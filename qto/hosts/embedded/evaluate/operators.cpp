@@ -8,20 +8,20 @@ namespace qto::embedded {
 
 namespace {
 
-Variant compare(Operator op, const ValueView& left, const ValueView& right) {
+Variant compare(formula::Operator op, const ValueView& left, const ValueView& right) {
   if (left.is_error()) return left.error();
   if (right.is_error()) return right.error();
   const bool noise =
       left.is_number() && right.is_number() && nearly_equal(left.number(), right.number());
-  if (op == Operator::equal || op == Operator::not_equal)
-    return (noise || equal_values(left, right)) == (op == Operator::equal);
+  if (op == formula::Operator::equal || op == formula::Operator::not_equal)
+    return (noise || equal_values(left, right)) == (op == formula::Operator::equal);
   const int order = noise ? 0 : compare_values(left, right);
   switch (op) {
-    case Operator::less:
+    case formula::Operator::less:
       return order < 0;
-    case Operator::less_equal:
+    case formula::Operator::less_equal:
       return order <= 0;
-    case Operator::greater:
+    case formula::Operator::greater:
       return order > 0;
     default:
       return order >= 0;
@@ -36,15 +36,15 @@ Variant join(const ValueView& left, const ValueView& right) {
   return *a + *b;
 }
 
-Variant arithmetic(Operator op, double a, double b) {
+Variant arithmetic(formula::Operator op, double a, double b) {
   switch (op) {
-    case Operator::add:
+    case formula::Operator::add:
       return finite(a + b);
-    case Operator::subtract:
+    case formula::Operator::subtract:
       return finite(a - b);
-    case Operator::multiply:
+    case formula::Operator::multiply:
       return finite(a * b);
-    case Operator::divide:
+    case formula::Operator::divide:
       if (b == 0) return ErrorValue::div0;
       return finite(a / b);
     default:
@@ -77,17 +77,17 @@ Variant raise_to_power(double base, double exponent) {
   return finite(std::pow(base, exponent));
 }
 
-Variant apply_unary(Operator op, const ValueView& value, const DateSettings& dates) {
-  if (op == Operator::plus) return value.is_empty() ? Variant(0.0) : value.to_variant();
+Variant apply_unary(formula::Operator op, const ValueView& value, const DateSettings& dates) {
+  if (op == formula::Operator::plus) return value.is_empty() ? Variant(0.0) : value.to_variant();
   const auto number = to_number(value, dates);
   if (!number) return number.error();
-  return finite(op == Operator::percent ? *number / 100 : -*number);
+  return finite(op == formula::Operator::percent ? *number / 100 : -*number);
 }
 
-Variant apply_binary(Operator op, const ValueView& left, const ValueView& right,
+Variant apply_binary(formula::Operator op, const ValueView& left, const ValueView& right,
                      const DateSettings& dates) {
-  if (op == Operator::join) return join(left, right);
-  if (op >= Operator::equal) return compare(op, left, right);
+  if (op == formula::Operator::join) return join(left, right);
+  if (op >= formula::Operator::equal) return compare(op, left, right);
   const auto a = to_number(left, dates);
   if (!a) return a.error();
   const auto b = to_number(right, dates);

@@ -40,16 +40,16 @@ Operand union_of(const Operand& left, const Operand& right) {
 
 /// The rows of a table that the items of a structured reference name.
 Outcome<Rect> rows_of(const Table& table, unsigned items, const Frame& frame) {
-  if (items == 0) items = StructuredRef::data;
+  if (items == 0) items = formula::StructuredRef::data;
   std::optional<Rect> rows;
   const auto take = [&](const std::optional<Rect>& part) {
     if (part) rows = rows ? enclosing(*rows, *part) : *part;
   };
-  if (items & StructuredRef::all) take(table.range);
-  if (items & StructuredRef::headers) take(table.headers());
-  if (items & StructuredRef::data) take(table.data());
-  if (items & StructuredRef::totals) take(table.totals());
-  if (items & StructuredRef::this_row) {
+  if (items & formula::StructuredRef::all) take(table.range);
+  if (items & formula::StructuredRef::headers) take(table.headers());
+  if (items & formula::StructuredRef::data) take(table.data());
+  if (items & formula::StructuredRef::totals) take(table.totals());
+  if (items & formula::StructuredRef::this_row) {
     const auto data = table.data();
     if (!data || frame.at.row < data->first.row || frame.at.row > data->last.row)
       return ErrorValue::value;
@@ -61,13 +61,13 @@ Outcome<Rect> rows_of(const Table& table, unsigned items, const Frame& frame) {
 
 }  // namespace
 
-Operand join_references(Operator op, const Operand& left, const Operand& right) {
+Operand join_references(formula::Operator op, const Operand& left, const Operand& right) {
   for (const Operand* side : {&left, &right}) {
     if (side->error()) return *side->error();
     if (!side->is_reference()) return ErrorValue::value;
   }
-  if (op == Operator::range) return range_between(left, right);
-  return op == Operator::intersect ? intersection(left, right) : union_of(left, right);
+  if (op == formula::Operator::range) return range_between(left, right);
+  return op == formula::Operator::intersect ? intersection(left, right) : union_of(left, right);
 }
 
 Book* ReferenceResolver::linked_book(const Book& owner, std::uint32_t index) {
@@ -79,7 +79,7 @@ Book* ReferenceResolver::linked_book(const Book& owner, std::uint32_t index) {
   return &closed_.stand_in(owner, index);
 }
 
-Book* ReferenceResolver::book_of(const SheetQualifier& qualifier, const Frame& frame) {
+Book* ReferenceResolver::book_of(const formula::SheetQualifier& qualifier, const Frame& frame) {
   if (qualifier.external > 0) return linked_book(*frame.book, qualifier.external - 1);
   if (qualifier.book.empty()) return frame.book;
   if (Book* open = environment_.find_open_book(qualifier.book)) return open;
@@ -90,8 +90,8 @@ Book* ReferenceResolver::book_of(const SheetQualifier& qualifier, const Frame& f
   return nullptr;
 }
 
-Operand ReferenceResolver::area(const AreaRef& area, const SheetQualifier& qualifier,
-                                const Frame& frame) {
+Operand ReferenceResolver::area(const formula::AreaRef& area,
+                                const formula::SheetQualifier& qualifier, const Frame& frame) {
   const Rect rect = area.resolve(frame.at);
   if (!qualifier.present()) return Area{frame.sheet, rect};
   if (qualifier.broken) return ErrorValue::ref;
@@ -104,7 +104,8 @@ Operand ReferenceResolver::area(const AreaRef& area, const SheetQualifier& quali
   return Area{sheet, rect};
 }
 
-Operand ReferenceResolver::span(const SheetQualifier& qualifier, Book& book, const Rect& rect) {
+Operand ReferenceResolver::span(const formula::SheetQualifier& qualifier, Book& book,
+                                const Rect& rect) {
   const Sheet* first = book.find_sheet(qualifier.sheet);
   const Sheet* last = book.find_sheet(qualifier.last_sheet);
   if (!first || !last) return ErrorValue::ref;
@@ -124,8 +125,9 @@ Operand ReferenceResolver::table_data(const Table& table, const Book& book) {
   return Area{sheet, *data};
 }
 
-Operand ReferenceResolver::structured(const StructuredRef& reference,
-                                      const SheetQualifier& qualifier, const Frame& frame) {
+Operand ReferenceResolver::structured(const formula::StructuredRef& reference,
+                                      const formula::SheetQualifier& qualifier,
+                                      const Frame& frame) {
   const Book* book = book_of(qualifier, frame);
   if (!book) return ErrorValue::ref;
   const Table* table = reference.table.empty() ? book->table_at(*frame.sheet, frame.at)

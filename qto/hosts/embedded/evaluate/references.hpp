@@ -2,10 +2,10 @@
 
 #include <vector>
 
+#include "qto/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/evaluate/closed_books.hpp"
 #include "qto/hosts/embedded/evaluate/coercion.hpp"
 #include "qto/hosts/embedded/evaluate/context.hpp"
-#include "qto/hosts/embedded/formula/syntax_tree.hpp"
 
 /// What written references denote, seen from the formula that holds them.
 namespace qto::embedded {
@@ -19,22 +19,23 @@ class ReferenceResolver {
   bool is_closed(const Book& book) const noexcept { return closed_.contains(book); }
 
   /// The book that a qualifier names; null when there is none.
-  Book* book_of(const SheetQualifier& qualifier, const Frame& frame);
-  Operand area(const AreaRef& area, const SheetQualifier& qualifier, const Frame& frame);
-  Operand structured(const StructuredRef& reference, const SheetQualifier& qualifier,
-                     const Frame& frame);
+  Book* book_of(const formula::SheetQualifier& qualifier, const Frame& frame);
+  Operand area(const formula::AreaRef& area, const formula::SheetQualifier& qualifier,
+               const Frame& frame);
+  Operand structured(const formula::StructuredRef& reference,
+                     const formula::SheetQualifier& qualifier, const Frame& frame);
   /// The data of a whole table.
   Operand table_data(const Table& table, const Book& book);
 
  private:
   Book* linked_book(const Book& owner, std::uint32_t index);
-  Operand span(const SheetQualifier& qualifier, Book& book, const Rect& rect);
+  Operand span(const formula::SheetQualifier& qualifier, Book& book, const Rect& rect);
 
   Environment& environment_;
   ClosedBooks closed_;
 };
 
 /// The reference operators ":" " " and ",".
-Operand join_references(Operator op, const Operand& left, const Operand& right);
+Operand join_references(formula::Operator op, const Operand& left, const Operand& right);
 
 }  // namespace qto::embedded

@@ -35,17 +35,17 @@ bool has_elements(const Operand& operand, bool array) noexcept {
   return array && operand.area() && !operand.area()->rect.is_cell();
 }
 
-Variant snapped(Operator op, const ValueView& left, const ValueView& right,
+Variant snapped(formula::Operator op, const ValueView& left, const ValueView& right,
                 const DateSettings& dates) {
   const auto a = to_number(left, dates);
   const auto b = to_number(right, dates);
   if (!a || !b) return apply_binary(op, left, right, dates);
-  return finite(snap_sum(*a, op == Operator::add ? *b : -*b));
+  return finite(snap_sum(*a, op == formula::Operator::add ? *b : -*b));
 }
 
 }  // namespace
 
-Operand Walker::walk(const SyntaxTree& tree, const Frame& frame, bool array, bool snap) {
+Operand Walker::walk(const formula::SyntaxTree& tree, const Frame& frame, bool array, bool snap) {
   begin(frame);
   resolver_.begin(*frame.book);
   tree_ = &tree;
@@ -63,7 +63,7 @@ Operand Walker::walk(const SyntaxTree& tree, const Frame& frame, bool array, boo
   return evaluate(tree.root, array);
 }
 
-Operand Walker::evaluate(NodeIndex index, bool array) {
+Operand Walker::evaluate(formula::NodeIndex index, bool array) {
   if (gave_up()) return ErrorValue::na;
   if (depth_ >= max_depth || steps_ >= max_steps) {
     too_deep_ = true;
@@ -74,47 +74,47 @@ Operand Walker::evaluate(NodeIndex index, bool array) {
   return evaluate_node(tree_->at(index), index, array);
 }
 
-Operand Walker::evaluate_node(const Node& node, NodeIndex index, bool array) {
+Operand Walker::evaluate_node(const formula::Node& node, formula::NodeIndex index, bool array) {
   switch (node.kind) {
-    case NodeKind::number:
+    case formula::NodeKind::number:
       return node.number;
-    case NodeKind::text:
+    case formula::NodeKind::text:
       return std::string_view(tree_->texts[node.payload]);
-    case NodeKind::boolean:
+    case formula::NodeKind::boolean:
       return node.payload != 0;
-    case NodeKind::error:
+    case formula::NodeKind::error:
       return static_cast<ErrorValue>(node.payload);
-    case NodeKind::missing:
+    case formula::NodeKind::missing:
       return {};
-    case NodeKind::area:
+    case formula::NodeKind::area:
       return resolver_.area(tree_->areas[node.payload], tree_->qualifiers[node.qualifier], frame_);
-    case NodeKind::name:
+    case formula::NodeKind::name:
       return name(node);
-    case NodeKind::structured:
+    case formula::NodeKind::structured:
       return resolver_.structured(tree_->structured[node.payload],
                                   tree_->qualifiers[node.qualifier], frame_);
-    case NodeKind::array:
+    case formula::NodeKind::array:
       return tree_->arrays[node.payload];
-    case NodeKind::unary:
+    case formula::NodeKind::unary:
       return unary(node, array);
-    case NodeKind::binary:
+    case formula::NodeKind::binary:
       return evaluate_chain(index, array);
-    case NodeKind::call:
+    case formula::NodeKind::call:
       return call(node, array);
   }
   return ErrorValue::value;
 }
 
-Operand Walker::evaluate_chain(NodeIndex index, bool array) {
+Operand Walker::evaluate_chain(formula::NodeIndex index, bool array) {
   const bool snap = snap_ && index == tree_->root;
   const std::size_t bottom = chain_.size();
-  while (tree_->at(index).kind == NodeKind::binary) {
+  while (tree_->at(index).kind == formula::NodeKind::binary) {
     chain_.push_back(index);
     index = tree_->at(index).first_child;
   }
   Operand left = evaluate(index, array);
   while (chain_.size() > bottom) {
-    const Node& node = tree_->at(chain_.back());
+    const formula::Node& node = tree_->at(chain_.back());
     chain_.pop_back();
     const Operand right = evaluate(tree_->at(node.first_child).next, array);
     if (gave_up()) {
@@ -122,7 +122,7 @@ Operand Walker::evaluate_chain(NodeIndex index, bool array) {
       return ErrorValue::na;
     }
     const bool last = snap && chain_.size() == bottom;
-    const bool sum = node.op == Operator::add || node.op == Operator::subtract;
+    const bool sum = node.op == formula::Operator::add || node.op == formula::Operator::subtract;
     if (last && sum && !has_elements(left, array) && !has_elements(right, array))
       left = snapped(node.op, single(left), single(right), dates());
     else
@@ -131,7 +131,8 @@ Operand Walker::evaluate_chain(NodeIndex index, bool array) {
   return left;
 }
 
-Operand Walker::combine(const Node& node, const Operand& left, const Operand& right, bool array) {
+Operand Walker::combine(const formula::Node& node, const Operand& left, const Operand& right,
+                        bool array) {
   if (!is_value_operator(node.op)) return join_references(node.op, left, right);
   if (has_elements(left, array) || has_elements(right, array)) {
     const Grid a(*this, left);
@@ -144,16 +145,16 @@ Operand Walker::combine(const Node& node, const Operand& left, const Operand& ri
   return apply_binary(node.op, single(left), single(right), dates());
 }
 
-Operand Walker::unary(const Node& node, bool array) {
+Operand Walker::unary(const formula::Node& node, bool array) {
   Operand operand = evaluate(node.first_child, array);
-  if (node.op == Operator::intersection_implicit) return intersect_implicitly(operand);
-  if (node.op == Operator::spill) {
+  if (node.op == formula::Operator::intersection_implicit) return intersect_implicitly(operand);
+  if (node.op == formula::Operator::spill) {
     if (operand.error()) return operand;
     if (!operand.area() || !operand.area()->rect.is_cell()) return ErrorValue::ref;
     return spill_of(*operand.area());
   }
   // A reference with a plus before it stays a reference.
-  if (node.op == Operator::plus && operand.is_reference()) return operand;
+  if (node.op == formula::Operator::plus && operand.is_reference()) return operand;
   if (has_elements(operand, array)) {
     const Grid grid(*this, operand);
     return build_array(*this, grid.rows(), grid.columns(), [&](int row, int column) {
@@ -163,7 +164,7 @@ Operand Walker::unary(const Node& node, bool array) {
   return apply_unary(node.op, single(operand), dates());
 }
 
-Operand Walker::call(const Node& node, bool array) {
+Operand Walker::call(const formula::Node& node, bool array) {
   const FunctionSpec* spec = functions_.find(tree_->texts[node.payload]);
   if (!spec) return call_value(node, array);
   if (node.child_count < spec->min_args || node.child_count > spec->max_args)
@@ -182,7 +183,7 @@ Operand Walker::call(const Node& node, bool array) {
   if (node.child_count > inline_arguments) many.resize(node.child_count);
   const std::span<Operand> arguments =
       many.empty() ? std::span<Operand>(few.data(), node.child_count) : std::span<Operand>(many);
-  NodeIndex child = node.first_child;
+  formula::NodeIndex child = node.first_child;
   for (std::size_t i = 0; i < arguments.size(); ++i, child = tree_->at(child).next) {
     const bool over_elements = array || spec->parameter(static_cast<int>(i)) == Parameter::array;
     arguments[i] = evaluate(child, over_elements);
@@ -192,19 +193,20 @@ Operand Walker::call(const Node& node, bool array) {
 }
 
 /// A call of what is no function of the tables: a name whose value is a function.
-Operand Walker::call_value(const Node& node, bool array) {
+Operand Walker::call_value(const formula::Node& node, bool array) {
   const std::string& name = tree_->texts[node.payload];
   const Operand* known = local(name);
   Operand function = known ? *known : defined_name(name, {});
   if (function.error()) return function;
   std::vector<Operand> arguments;
-  for (NodeIndex child = node.first_child; child != no_node; child = tree_->at(child).next)
+  for (formula::NodeIndex child = node.first_child; child != formula::no_node;
+       child = tree_->at(child).next)
     arguments.push_back(evaluate(child, array));
   if (gave_up()) return ErrorValue::na;
   return apply(function, arguments);
 }
 
-Operand Walker::function_value(std::vector<std::string> parameters, NodeIndex body,
+Operand Walker::function_value(std::vector<std::string> parameters, formula::NodeIndex body,
                                bool array) const {
   auto function = make_ref<Lambda>();
   function->parameters = std::move(parameters);
@@ -228,7 +230,7 @@ Operand Walker::apply(const Operand& function, std::span<const Operand> argument
   }
   const Deeper inside(calls_inside_);
   const Frame outer_frame = std::exchange(frame_, lambda->frame);
-  const SyntaxTree* outer_tree = std::exchange(tree_, lambda->tree);
+  const formula::SyntaxTree* outer_tree = std::exchange(tree_, lambda->tree);
   const std::size_t outside = locals_.size();
   const std::size_t outer_locals = std::exchange(visible_locals_, outside);
   const bool outer_snap = std::exchange(snap_, false);
@@ -249,13 +251,13 @@ const Operand* Walker::local(std::string_view name) const {
   return nullptr;
 }
 
-Operand Walker::name(const Node& node) {
+Operand Walker::name(const formula::Node& node) {
   const std::string& text = tree_->texts[node.payload];
   if (const Operand* value = local(text)) return *value;
   return defined_name(text, tree_->qualifiers[node.qualifier]);
 }
 
-Operand Walker::defined_name(std::string_view name, const SheetQualifier& qualifier) {
+Operand Walker::defined_name(std::string_view name, const formula::SheetQualifier& qualifier) {
   if (qualifier.broken) return ErrorValue::ref;
   Book* book = resolver_.book_of(qualifier, frame_);
   if (!book) return ErrorValue::ref;
@@ -285,11 +287,11 @@ Operand Walker::named_value(const DefinedName& name, const Frame& frame) {
 }
 
 Operand Walker::in_frame(const CompiledFormula& formula, const Frame& frame) {
-  const SyntaxTree* tree = formula.tree();
-  if (!tree || tree->root == no_node) return ErrorValue::name;
+  const formula::SyntaxTree* tree = formula.tree();
+  if (!tree || tree->root == formula::no_node) return ErrorValue::name;
   if (!frame.sheet) return ErrorValue::ref;
   const Frame outer_frame = std::exchange(frame_, frame);
-  const SyntaxTree* outer_tree = std::exchange(tree_, tree);
+  const formula::SyntaxTree* outer_tree = std::exchange(tree_, tree);
   const std::size_t outer_locals = std::exchange(visible_locals_, locals_.size());
   const bool outer_snap = std::exchange(snap_, false);
   // Names calculate as array formulas do.
@@ -303,11 +305,12 @@ Operand Walker::in_frame(const CompiledFormula& formula, const Frame& frame) {
 
 Operand Walker::reference_of(std::string_view text) {
   const auto formula = CompiledFormula::compile(text, frame_.at);
-  const SyntaxTree* tree = formula->tree();
-  if (!tree || tree->root == no_node) return ErrorValue::ref;
-  const NodeKind kind = tree->at(tree->root).kind;
-  if (kind != NodeKind::area && kind != NodeKind::name && kind != NodeKind::structured &&
-      kind != NodeKind::binary && kind != NodeKind::unary)
+  const formula::SyntaxTree* tree = formula->tree();
+  if (!tree || tree->root == formula::no_node) return ErrorValue::ref;
+  const formula::NodeKind kind = tree->at(tree->root).kind;
+  if (kind != formula::NodeKind::area && kind != formula::NodeKind::name &&
+      kind != formula::NodeKind::structured && kind != formula::NodeKind::binary &&
+      kind != formula::NodeKind::unary)
     return ErrorValue::ref;
   Operand result = in_frame(*formula, frame_);
   return result.is_reference() ? result : Operand(ErrorValue::ref);

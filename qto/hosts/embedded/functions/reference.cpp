@@ -3,7 +3,7 @@
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/evaluate/build_array.hpp"
 #include "qto/hosts/embedded/evaluate/call.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/functions/blocks.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 #include "qto/hosts/embedded/functions/r1c1.hpp"

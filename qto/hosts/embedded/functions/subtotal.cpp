@@ -3,7 +3,7 @@
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/evaluate/call.hpp"
 #include "qto/hosts/embedded/evaluate/grid.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/functions/aggregate.hpp"
 #include "qto/hosts/embedded/functions/families.hpp"
 
@@ -22,10 +22,10 @@ struct Skip {
 
 /// True when a formula is itself a subtotal, so that totals do not count twice.
 bool is_subtotal(const Book& book, FormulaId id) {
-  const SyntaxTree* tree = book.formula(id).compiled->tree();
+  const formula::SyntaxTree* tree = book.formula(id).compiled->tree();
   if (!tree) return false;
-  for (const Node& node : tree->nodes)
-    if (node.kind == NodeKind::call &&
+  for (const formula::Node& node : tree->nodes)
+    if (node.kind == formula::NodeKind::call &&
         (tree->texts[node.payload] == "SUBTOTAL" || tree->texts[node.payload] == "AGGREGATE"))
       return true;
   return false;

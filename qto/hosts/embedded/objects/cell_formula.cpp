@@ -1,7 +1,7 @@
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
 
 #include "qto/hosts/embedded/objects/application_object.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 
 namespace qto::embedded {
 namespace {

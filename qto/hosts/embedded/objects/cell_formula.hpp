@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/objects/open_book.hpp"
 
 /// Formula texts as the members of the object model answer them.

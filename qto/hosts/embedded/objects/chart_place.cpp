@@ -1,6 +1,6 @@
 #include "qto/hosts/embedded/objects/chart_place.hpp"
 
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/series_object.hpp"
 #include "qto/hosts/embedded/objects/sheet_operations.hpp"
 

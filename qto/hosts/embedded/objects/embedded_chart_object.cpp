@@ -1,6 +1,6 @@
 #include "qto/hosts/embedded/objects/embedded_chart_object.hpp"
 
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/sheet_operations.hpp"
 
 namespace qto::embedded {

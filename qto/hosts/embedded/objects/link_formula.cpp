@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/formula/qualifier.hpp"
+#include "qto/formula/qualifier.hpp"
 #include "qto/hosts/embedded/objects/application_object.hpp"
-#include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/full_name.hpp"
+#include "qto/hosts/embedded/objects/references/rewrite_tokens.hpp"
 #include "qto/hosts/embedded/objects/resolve_links.hpp"
-#include "qto/hosts/embedded/objects/rewrite_tokens.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -63,7 +63,8 @@ void add_sheet(ExternalBook& link, const std::string& sheet) {
   link.values.resize(link.sheets.size());
 }
 
-void append_numbered(std::string& out, std::size_t number, const SheetQualifier& qualifier) {
+void append_numbered(std::string& out, std::size_t number,
+                     const formula::SheetQualifier& qualifier) {
   std::string sheets = qualifier.sheet;
   if (!qualifier.last_sheet.empty()) sheets += ":" + qualifier.last_sheet;
   const std::string text = "[" + std::to_string(number) + "]" + sheets;
@@ -80,37 +81,40 @@ void append_numbered(std::string& out, std::size_t number, const SheetQualifier&
 template <class NumberOf>
 std::string number_qualifiers(std::string_view formula, const OpenBook& book,
                               NumberOf&& number_of) {
-  return rewrite_tokens(
-      formula, [&](TokenKind kind, std::string_view text, TokenKind, std::string& out) {
-        const SheetQualifier qualifier =
-            kind == TokenKind::qualifier ? parse_qualifier(text) : SheetQualifier{};
-        const bool document = qualifier.book.find('|') != std::string::npos;
-        const bool own = text::equal_fold(qualifier.book, book.book().name);
-        std::size_t number = 0;
-        if (!qualifier.book.empty() && !own && !document && !qualifier.broken)
-          number = number_of(qualifier, folder_of(book, qualifier.book, text));
-        if (number == 0) return void(out.append(text));
-        append_numbered(out, number, qualifier);
-      });
+  return rewrite_tokens(formula, [&](formula::TokenKind kind, std::string_view text,
+                                     formula::TokenKind, std::string& out) {
+    const formula::SheetQualifier qualifier = kind == formula::TokenKind::qualifier
+                                                  ? formula::parse_qualifier(text)
+                                                  : formula::SheetQualifier{};
+    const bool document = qualifier.book.find('|') != std::string::npos;
+    const bool own = text::equal_fold(qualifier.book, book.book().name);
+    std::size_t number = 0;
+    if (!qualifier.book.empty() && !own && !document && !qualifier.broken)
+      number = number_of(qualifier, folder_of(book, qualifier.book, text));
+    if (number == 0) return void(out.append(text));
+    append_numbered(out, number, qualifier);
+  });
 }
 
 }  // namespace
 
 std::string number_links(std::string_view formula, OpenBook& book) {
-  return number_qualifiers(formula, book, [&](const SheetQualifier& qualifier, std::string folder) {
-    std::size_t number = find_link(book, qualifier.book, folder);
-    if (number == 0) number = add_link(book, qualifier.book, std::move(folder));
-    add_sheet(book.book().externals[number - 1], qualifier.sheet);
-    return number;
-  });
+  return number_qualifiers(formula, book,
+                           [&](const formula::SheetQualifier& qualifier, std::string folder) {
+                             std::size_t number = find_link(book, qualifier.book, folder);
+                             if (number == 0)
+                               number = add_link(book, qualifier.book, std::move(folder));
+                             add_sheet(book.book().externals[number - 1], qualifier.sheet);
+                             return number;
+                           });
 }
 
 std::string number_known_links(std::string_view formula, const OpenBook& book) {
   if (book.book().externals.empty()) return std::string(formula);
-  return number_qualifiers(formula, book,
-                           [&](const SheetQualifier& qualifier, const std::string& folder) {
-                             return find_link(book, qualifier.book, folder);
-                           });
+  return number_qualifiers(
+      formula, book, [&](const formula::SheetQualifier& qualifier, const std::string& folder) {
+        return find_link(book, qualifier.book, folder);
+      });
 }
 
 }  // namespace qto::embedded

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -22,13 +22,14 @@ class LinksTo {
   }
 
   bool used_by(const CompiledFormula& formula) const {
-    const SyntaxTree* tree = formula.tree();
-    return tree && std::any_of(tree->qualifiers.begin(), tree->qualifiers.end(),
-                               [this](const SheetQualifier& qualifier) { return is(qualifier); });
+    const formula::SyntaxTree* tree = formula.tree();
+    return tree &&
+           std::any_of(tree->qualifiers.begin(), tree->qualifiers.end(),
+                       [this](const formula::SheetQualifier& qualifier) { return is(qualifier); });
   }
 
  private:
-  bool is(const SheetQualifier& qualifier) const {
+  bool is(const formula::SheetQualifier& qualifier) const {
     if (!qualifier.book.empty()) return text::equal_fold(qualifier.book, name_);
     return std::find(numbers_.begin(), numbers_.end(), qualifier.external) != numbers_.end();
   }

@@ -4,7 +4,7 @@
 
 #include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/full_name.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -1,22 +1,22 @@
 #include "qto/hosts/embedded/objects/name_index.hpp"
 
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 
 namespace qto::embedded {
 namespace {
 
-bool is_fixed(const AreaRef& area) noexcept {
+bool is_fixed(const formula::AreaRef& area) noexcept {
   return area.first_row.absolute && area.first_column.absolute && area.last_row.absolute &&
          area.last_column.absolute;
 }
 
 /// The written block that is all the name refers to, and its sheet; null for any other name.
-const AreaRef* sole_area(const Book& book, const DefinedName& name, const Sheet*& sheet) {
-  const SyntaxTree* tree = name.refers_to ? name.refers_to->tree() : nullptr;
-  if (!tree || tree->root == no_node) return nullptr;
-  const Node& root = tree->at(tree->root);
-  if (root.kind != NodeKind::area) return nullptr;
-  const SheetQualifier& qualifier = tree->qualifiers[root.qualifier];
+const formula::AreaRef* sole_area(const Book& book, const DefinedName& name, const Sheet*& sheet) {
+  const formula::SyntaxTree* tree = name.refers_to ? name.refers_to->tree() : nullptr;
+  if (!tree || tree->root == formula::no_node) return nullptr;
+  const formula::Node& root = tree->at(tree->root);
+  if (root.kind != formula::NodeKind::area) return nullptr;
+  const formula::SheetQualifier& qualifier = tree->qualifiers[root.qualifier];
   sheet = name.sheet;
   if (qualifier.present()) {
     const bool own = qualifier.external == 0 && qualifier.book.empty() && !qualifier.broken &&
@@ -44,7 +44,7 @@ void NameIndex::rebuild(const Book& book) {
   for (const auto& name : book.names.all()) {
     const int own_position = position++;
     const Sheet* sheet = nullptr;
-    const AreaRef* area = name->hidden ? nullptr : sole_area(book, *name, sheet);
+    const formula::AreaRef* area = name->hidden ? nullptr : sole_area(book, *name, sheet);
     if (!area) continue;
     if (!is_fixed(*area)) {
       relative_.push_back({sheet, area, own_position});

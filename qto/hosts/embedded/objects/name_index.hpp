@@ -4,8 +4,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "qto/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/formula/syntax_tree.hpp"
 
 namespace qto::embedded {
 
@@ -24,7 +24,7 @@ class NameIndex {
   };
   struct RelativeName {
     const Sheet* sheet;
-    const AreaRef* area;
+    const formula::AreaRef* area;
     int position;
   };
   void rebuild(const Book& book);

@@ -1,11 +1,11 @@
 #include "qto/hosts/embedded/objects/name_object.hpp"
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
-#include "qto/hosts/embedded/objects/convert_reference.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/link_formula.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/references/convert_reference.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -1,5 +1,5 @@
-#include "qto/hosts/embedded/objects/data_edge.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/cells/data_edge.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
 #include "qto/hosts/embedded/objects/sheet_operations.hpp"
 

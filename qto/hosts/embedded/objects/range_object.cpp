@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
 
 namespace qto::embedded {
 

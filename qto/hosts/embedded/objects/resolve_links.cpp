@@ -1,6 +1,6 @@
 #include "qto/hosts/embedded/objects/resolve_links.hpp"
 
-#include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/full_name.hpp"
 #include "qto/hosts/embedded/objects/locate_file.hpp"
 
 namespace qto::embedded {

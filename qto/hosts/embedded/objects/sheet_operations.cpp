@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "qto/hosts/embedded/objects/password.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/checks/password.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 
 namespace qto::embedded {
 bool another_is_visible(const Book& book, const Sheet& sheet) {

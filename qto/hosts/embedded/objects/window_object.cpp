@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "qto/host/range.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/sheet_view.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/password.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
+#include "qto/hosts/embedded/objects/checks/sheet_names.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
-#include "qto/hosts/embedded/objects/password.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/resolve_links.hpp"
-#include "qto/hosts/embedded/objects/sheet_names.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
 
 namespace qto::embedded {

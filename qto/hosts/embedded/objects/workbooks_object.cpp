@@ -1,9 +1,9 @@
 #include "qto/hosts/embedded/objects/workbooks_object.hpp"
 
-#include "qto/hosts/embedded/objects/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/full_name.hpp"
+#include "qto/hosts/embedded/objects/checks/open_error.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/locate_file.hpp"
-#include "qto/hosts/embedded/objects/open_error.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
 
 namespace qto::embedded {

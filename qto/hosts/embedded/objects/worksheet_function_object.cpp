@@ -1,9 +1,9 @@
 #include "qto/hosts/embedded/objects/worksheet_function_object.hpp"
 
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/evaluation.hpp"
-#include "qto/hosts/embedded/objects/formula_literal.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
+#include "qto/hosts/embedded/objects/references/formula_literal.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -2,11 +2,11 @@
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
+#include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/embedded_chart_object.hpp"
 #include "qto/hosts/embedded/objects/evaluation.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
 #include "qto/hosts/embedded/objects/pivot_object.hpp"
-#include "qto/hosts/embedded/objects/raise.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
 #include "qto/hosts/embedded/objects/sheet_operations.hpp"
 

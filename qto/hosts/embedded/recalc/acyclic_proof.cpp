@@ -20,12 +20,13 @@ struct Range {
 };
 
 /// How far an axis lies from the cells of a group.
-Range distance(const RefAxis& axis, std::int32_t first, std::int32_t last) noexcept {
+Range distance(const formula::RefAxis& axis, std::int32_t first, std::int32_t last) noexcept {
   if (!axis.absolute) return {axis.value, axis.value};
   return {axis.value - last, axis.value - first};
 }
 
-Range distance(const RefAxis& a, const RefAxis& b, std::int32_t first, std::int32_t last) noexcept {
+Range distance(const formula::RefAxis& a, const formula::RefAxis& b, std::int32_t first,
+               std::int32_t last) noexcept {
   const Range x = distance(a, first, last);
   const Range y = distance(b, first, last);
   return {std::min(x.least, y.least), std::max(x.most, y.most)};
@@ -33,7 +34,7 @@ Range distance(const RefAxis& a, const RefAxis& b, std::int32_t first, std::int3
 
 /// True when everything that the item means comes before the cell that reads it.
 bool comes_before(Order order, const Precedent& item, const Rect& box) noexcept {
-  const AreaRef& area = item.area;
+  const formula::AreaRef& area = item.area;
   const bool cell = area.shape == AreaShape::cell;
   const Range rows =
       distance(area.first_row, cell ? area.first_row : area.last_row, box.first.row, box.last.row);

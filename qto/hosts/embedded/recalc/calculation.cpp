@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/functions/registry.hpp"
 #include "qto/hosts/embedded/recalc/store_result.hpp"
 

@@ -45,7 +45,7 @@ struct Interval {
   std::int32_t first, last;
 };
 
-Interval places(const RefAxis& axis, std::int32_t first, std::int32_t last) noexcept {
+Interval places(const formula::RefAxis& axis, std::int32_t first, std::int32_t last) noexcept {
   if (axis.absolute) return {axis.value, axis.value};
   return {first + axis.value, last + axis.value};
 }
@@ -128,7 +128,7 @@ std::optional<Footprint> footprint(const Precedent& item, const FormulaGroup& gr
       item.sheet ? graph.number_of(*item.sheet).value_or(nowhere) : group.node.sheet;
   const bool array = graph.record(group.node).kind == FormulaKind::array;
   const Rect from = array ? Rect::cell(group.node.at) : group.box;
-  const AreaRef& area = item.area;
+  const formula::AreaRef& area = item.area;
   const bool cell = area.shape == AreaShape::cell;
   const Interval rows =
       enclosing(places(area.first_row, from.first.row, from.last.row),

@@ -6,15 +6,16 @@ namespace qto::embedded {
 namespace {
 
 /// The constant at the node, 1 for one that is left out; nothing for anything else.
-std::optional<std::int32_t> constant_position(const SyntaxTree& tree, NodeIndex index) {
-  if (index == no_node) return 1;
-  const Node& node = tree.at(index);
-  if (node.kind != NodeKind::number || node.number < 1 || node.number > max_rows)
+std::optional<std::int32_t> constant_position(const formula::SyntaxTree& tree,
+                                              formula::NodeIndex index) {
+  if (index == formula::no_node) return 1;
+  const formula::Node& node = tree.at(index);
+  if (node.kind != formula::NodeKind::number || node.number < 1 || node.number > max_rows)
     return std::nullopt;
   return static_cast<std::int32_t>(node.number);
 }
 
-std::optional<std::int32_t> distance(const RefAxis& first, const RefAxis& last) {
+std::optional<std::int32_t> distance(const formula::RefAxis& first, const formula::RefAxis& last) {
   if (first.absolute != last.absolute || last.value < first.value) return std::nullopt;
   return last.value - first.value;
 }
@@ -22,7 +23,7 @@ std::optional<std::int32_t> distance(const RefAxis& first, const RefAxis& last) 
 }  // namespace
 
 void PrecedentWalk::visit_call(const Part& part) {
-  const Node& node = part.at();
+  const formula::Node& node = part.at();
   const std::string& name = part.tree->texts[node.payload];
   const FunctionSpec* spec = functions_.find(name);
   if (spec && spec->has(changes_always)) list_.is_volatile = true;
@@ -36,7 +37,8 @@ void PrecedentWalk::visit_call(const Part& part) {
     visit_table(part, function);
   std::vector<Part> arguments;
   int position = 0;
-  for (NodeIndex child = node.first_child; child != no_node; child = part.tree->at(child).next) {
+  for (formula::NodeIndex child = node.first_child; child != formula::no_node;
+       child = part.tree->at(child).next) {
     if (position != 0 || !fixed_index)
       arguments.push_back(argument(part, child, position, function, spec));
     ++position;
@@ -57,7 +59,7 @@ void PrecedentWalk::visit_called_name(const Part& call) {
   if (names_seen_.insert({name, target.use}).second) push(target);
 }
 
-PrecedentWalk::Part PrecedentWalk::argument(const Part& call, NodeIndex node, int position,
+PrecedentWalk::Part PrecedentWalk::argument(const Part& call, formula::NodeIndex node, int position,
                                             SpecialFunction function,
                                             const FunctionSpec* spec) const {
   if (hands_on(function, position, call.at().child_count)) return call.child(node, call.use);
@@ -95,8 +97,8 @@ Use PrecedentWalk::special_use(const Part& call, int position, SpecialFunction f
       return call.use == Use::address ? Use::address : Use::watched;
     case SpecialFunction::cell: {
       if (position == 0) return Use::single;
-      const Node& what = call.tree->at(call.at().first_child);
-      if (what.kind != NodeKind::text) return Use::address;
+      const formula::Node& what = call.tree->at(call.at().first_child);
+      if (what.kind != formula::NodeKind::text) return Use::address;
       const std::string& text = call.tree->texts[what.payload];
       const bool reads =
           text::equal_ascii_nocase(text, "contents") || text::equal_ascii_nocase(text, "type");
@@ -120,11 +122,12 @@ Use PrecedentWalk::special_use(const Part& call, int position, SpecialFunction f
 
 /// INDEX over a written block with constant positions reads one cell.
 bool PrecedentWalk::visit_fixed_index(const Part& call) {
-  const NodeIndex block = call.at().first_child;
-  if (block == no_node || call.at().child_count < 2 || call.at().child_count > 3) return false;
+  const formula::NodeIndex block = call.at().first_child;
+  if (block == formula::no_node || call.at().child_count < 2 || call.at().child_count > 3)
+    return false;
   const auto found = leaf(call.child(block, call.use));
   if (!found) return false;
-  const NodeIndex second = call.tree->at(block).next;
+  const formula::NodeIndex second = call.tree->at(block).next;
   auto row = constant_position(*call.tree, second);
   auto column = constant_position(*call.tree, call.tree->at(second).next);
   const auto rows = distance(found->area.first_row, found->area.last_row);
@@ -132,7 +135,7 @@ bool PrecedentWalk::visit_fixed_index(const Part& call) {
   if (!row || !column || !rows || !columns) return false;
   if (*rows == 0 && call.at().child_count == 2) std::swap(row, column);
   if (*row > *rows + 1 || *column > *columns + 1) return false;
-  AreaRef cell = found->area;
+  formula::AreaRef cell = found->area;
   cell.shape = AreaShape::cell;
   cell.first_row.value += *row - 1;
   cell.first_column.value += *column - 1;
@@ -145,13 +148,13 @@ bool PrecedentWalk::visit_fixed_index(const Part& call) {
 /// The keys of a table are read, wherever the result comes from.
 void PrecedentWalk::visit_table(const Part& call, SpecialFunction function) {
   if (call.at().child_count < 2) return;
-  const NodeIndex table = call.tree->at(call.at().first_child).next;
+  const formula::NodeIndex table = call.tree->at(call.at().first_child).next;
   const auto found = leaf(call.child(table, Use::full));
   if (!found || found->area.shape == AreaShape::cell) {
     push(call.child(table, Use::full));
     return;
   }
-  AreaRef keys = found->area;
+  formula::AreaRef keys = found->area;
   const bool in_column = function == SpecialFunction::table_column;
   if (in_column && distance(keys.first_column, keys.last_column)) {
     keys.last_column = keys.first_column;
@@ -166,8 +169,8 @@ void PrecedentWalk::visit_table(const Part& call, SpecialFunction function) {
 /// The block that is added up has the shape of the one that is tested, whatever its own.
 void PrecedentWalk::visit_sum_range(const Part& call) {
   if (call.at().child_count < 3) return;
-  const NodeIndex tested = call.at().first_child;
-  const NodeIndex summed = call.tree->at(call.tree->at(tested).next).next;
+  const formula::NodeIndex tested = call.at().first_child;
+  const formula::NodeIndex summed = call.tree->at(call.tree->at(tested).next).next;
   const auto criteria = leaf(call.child(tested, Use::full));
   const auto sum = leaf(call.child(summed, Use::full));
   const auto rows =
@@ -178,7 +181,7 @@ void PrecedentWalk::visit_sum_range(const Part& call) {
     push(call.child(summed, Use::full));
     return;
   }
-  AreaRef area = sum->area;
+  formula::AreaRef area = sum->area;
   area.shape = AreaShape::area;
   area.last_row = {area.first_row.value + *rows, area.first_row.absolute};
   area.last_column = {area.first_column.value + *columns, area.first_column.absolute};
@@ -189,10 +192,10 @@ void PrecedentWalk::bind_locals(const Part& call) {
   const bool every_second =
       special_function(call.tree->texts[call.at().payload]) == SpecialFunction::bind_names;
   int position = 0;
-  for (NodeIndex child = call.at().first_child; child != no_node; ++position) {
-    const Node& node = call.tree->at(child);
+  for (formula::NodeIndex child = call.at().first_child; child != formula::no_node; ++position) {
+    const formula::Node& node = call.tree->at(child);
     child = node.next;
-    if (node.kind != NodeKind::name || child == no_node) continue;
+    if (node.kind != formula::NodeKind::name || child == formula::no_node) continue;
     if (every_second && position % 2 != 0) continue;
     locals_.emplace_back(call.tree, call.tree->texts[node.payload]);
   }

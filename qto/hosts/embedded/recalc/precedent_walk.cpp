@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
-#include "qto/hosts/embedded/formula/structured_reference.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/table_target.hpp"
 #include "qto/hosts/embedded/functions/registry.hpp"
 
 namespace qto::embedded {
@@ -12,7 +12,7 @@ namespace qto::embedded {
 PrecedentWalk::PrecedentWalk(const Book& book, const Sheet& sheet, const OpenBooks* open)
     : book_(book), sheet_(sheet), open_(open), functions_(functions::registry()) {}
 
-PrecedentWalk::Part PrecedentWalk::Part::child(NodeIndex index, Use child_use) const {
+PrecedentWalk::Part PrecedentWalk::Part::child(formula::NodeIndex index, Use child_use) const {
   Part part = *this;
   part.node = index;
   part.use = child_use;
@@ -20,7 +20,7 @@ PrecedentWalk::Part PrecedentWalk::Part::child(NodeIndex index, Use child_use) c
 }
 
 PrecedentList PrecedentWalk::run(const FormulaRecord& record) {
-  const SyntaxTree* tree = record.compiled ? record.compiled->tree() : nullptr;
+  const formula::SyntaxTree* tree = record.compiled ? record.compiled->tree() : nullptr;
   if (!tree || record.kind == FormulaKind::data_table) return {};
   const bool array = record.kind == FormulaKind::array;
   push({tree, tree->root, &book_, nullptr, array ? Use::full : Use::single, array});
@@ -34,24 +34,24 @@ PrecedentList PrecedentWalk::run(const FormulaRecord& record) {
 
 void PrecedentWalk::visit(const Part& part) {
   switch (part.at().kind) {
-    case NodeKind::area:
+    case formula::NodeKind::area:
       return visit_area(part);
-    case NodeKind::structured:
+    case formula::NodeKind::structured:
       return visit_structured(part);
-    case NodeKind::name:
+    case formula::NodeKind::name:
       return visit_name(part);
-    case NodeKind::unary:
+    case formula::NodeKind::unary:
       return visit_unary(part);
-    case NodeKind::binary:
+    case formula::NodeKind::binary:
       return visit_binary(part);
-    case NodeKind::call:
+    case formula::NodeKind::call:
       return visit_call(part);
     default:
       return;
   }
 }
 
-void PrecedentWalk::add(const AreaRef& area, Sheet* sheet, Use use) {
+void PrecedentWalk::add(const formula::AreaRef& area, Sheet* sheet, Use use) {
   if (use == Use::address) return;
   Precedent item;
   item.area = area;
@@ -61,7 +61,8 @@ void PrecedentWalk::add(const AreaRef& area, Sheet* sheet, Use use) {
   list_.items.push_back(item);
 }
 
-const Book* PrecedentWalk::book_of(const Part& part, const SheetQualifier& qualifier) const {
+const Book* PrecedentWalk::book_of(const Part& part,
+                                   const formula::SheetQualifier& qualifier) const {
   if (qualifier.external > 0) {
     const auto& links = part.book->externals;
     if (qualifier.external > links.size()) return nullptr;
@@ -74,7 +75,7 @@ const Book* PrecedentWalk::book_of(const Part& part, const SheetQualifier& quali
   return open_ ? open_->find(qualifier.book) : nullptr;
 }
 
-void PrecedentWalk::note_unreachable(const Part& part, const SheetQualifier& qualifier) {
+void PrecedentWalk::note_unreachable(const Part& part, const formula::SheetQualifier& qualifier) {
   const auto& links = part.book->externals;
   if (qualifier.external > links.size()) return;
   const auto link = qualifier.external > 0
@@ -88,8 +89,8 @@ void PrecedentWalk::note_unreachable(const Part& part, const SheetQualifier& qua
 }
 
 void PrecedentWalk::visit_area(const Part& part) {
-  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
-  const AreaRef& area = part.tree->areas[part.at().payload];
+  const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  const formula::AreaRef& area = part.tree->areas[part.at().payload];
   if (qualifier.broken) return;
   if (!qualifier.present()) return add(area, part.sheet, part.use);
   const Book* book = book_of(part, qualifier);
@@ -98,7 +99,8 @@ void PrecedentWalk::visit_area(const Part& part) {
   if (Sheet* sheet = book->find_sheet(qualifier.sheet)) add(area, sheet, part.use);
 }
 
-void PrecedentWalk::add_span(const Part& part, const SheetQualifier& qualifier, const Book& book) {
+void PrecedentWalk::add_span(const Part& part, const formula::SheetQualifier& qualifier,
+                             const Book& book) {
   const Sheet* first = book.find_sheet(qualifier.sheet);
   const Sheet* last = book.find_sheet(qualifier.last_sheet);
   if (!first || !last) return;
@@ -110,14 +112,14 @@ void PrecedentWalk::add_span(const Part& part, const SheetQualifier& qualifier, 
 
 void PrecedentWalk::visit_structured(const Part& part) {
   if (part.use == Use::address) return;
-  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
   const Book* book = book_of(part, qualifier);
   if (!book) return note_unreachable(part, qualifier);
-  const StructuredRef& ref = part.tree->structured[part.at().payload];
+  const formula::StructuredRef& ref = part.tree->structured[part.at().payload];
   Precedent item;
   item.implicit = part.use == Use::single;
   item.watched_only = part.use == Use::watched;
-  if (book == &book_ && (ref.table.empty() || (ref.items & StructuredRef::this_row))) {
+  if (book == &book_ && (ref.table.empty() || (ref.items & formula::StructuredRef::this_row))) {
     item.structured = &ref;
     list_.items.push_back(item);
     return;
@@ -136,7 +138,7 @@ void PrecedentWalk::visit_structured(const Part& part) {
 /// The name that a node stands for, and what it refers to as a part of its own.
 const DefinedName* PrecedentWalk::find_name(const Part& part, Part& target) const {
   const std::string& name = part.tree->texts[part.at().payload];
-  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
   if (qualifier.broken || is_local(part, name)) return nullptr;
   target = part;
   target.book = book_of(part, qualifier);
@@ -150,7 +152,7 @@ const DefinedName* PrecedentWalk::find_name(const Part& part, Part& target) cons
   }
   const Sheet* scope = target.sheet ? target.sheet : &sheet_;
   const DefinedName* found = target.book->names.resolve(name, scope);
-  const SyntaxTree* tree = found && found->refers_to ? found->refers_to->tree() : nullptr;
+  const formula::SyntaxTree* tree = found && found->refers_to ? found->refers_to->tree() : nullptr;
   if (!tree) return nullptr;
   target.tree = tree;
   target.node = tree->root;
@@ -164,7 +166,7 @@ void PrecedentWalk::visit_name(const Part& part) {
     if (names_seen_.insert({name, part.use}).second) push(target);
     return;
   }
-  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
   const Book* book = book_of(part, qualifier);
   if (!book) return note_unreachable(part, qualifier);
   // A table's name alone stands for its data.
@@ -181,17 +183,17 @@ void PrecedentWalk::visit_name(const Part& part) {
 }
 
 void PrecedentWalk::visit_unary(const Part& part) {
-  const NodeIndex operand = part.at().first_child;
-  const NodeKind kind = part.tree->at(operand).kind;
-  const bool reference =
-      kind == NodeKind::area || kind == NodeKind::name || kind == NodeKind::structured;
+  const formula::NodeIndex operand = part.at().first_child;
+  const formula::NodeKind kind = part.tree->at(operand).kind;
+  const bool reference = kind == formula::NodeKind::area || kind == formula::NodeKind::name ||
+                         kind == formula::NodeKind::structured;
   switch (part.at().op) {
-    case Operator::plus:
+    case formula::Operator::plus:
       return push(part.child(operand, part.use));
-    case Operator::intersection_implicit:
+    case formula::Operator::intersection_implicit:
       if (!reference || part.use == Use::address) return push(part.child(operand, part.use));
       return push(part.child(operand, Use::single));
-    case Operator::spill: {
+    case formula::Operator::spill: {
       // The block hangs on its first cell: who waits for that waits for all of it.
       return push(part.child(operand, part.use == Use::single ? Use::full : part.use));
     }
@@ -201,10 +203,10 @@ void PrecedentWalk::visit_unary(const Part& part) {
 }
 
 void PrecedentWalk::visit_binary(const Part& part) {
-  const Node& node = part.at();
-  if (node.op == Operator::range) return visit_range(part);
-  if (node.op == Operator::intersect) return visit_intersection(part);
-  const Use use = node.op == Operator::unite ? part.use : part.value_use();
+  const formula::Node& node = part.at();
+  if (node.op == formula::Operator::range) return visit_range(part);
+  if (node.op == formula::Operator::intersect) return visit_intersection(part);
+  const Use use = node.op == formula::Operator::unite ? part.use : part.value_use();
   push(part.child(part.tree->at(node.first_child).next, use));
   push(part.child(node.first_child, use));
 }
@@ -212,13 +214,13 @@ void PrecedentWalk::visit_binary(const Part& part) {
 /// The written block that a part is, followed through names; nothing for anything else.
 std::optional<PrecedentWalk::Leaf> PrecedentWalk::leaf(Part part) const {
   constexpr int longest_chain = 16;
-  for (int steps = 0; part.at().kind == NodeKind::name; ++steps) {
+  for (int steps = 0; part.at().kind == formula::NodeKind::name; ++steps) {
     Part target;
     if (steps == longest_chain || !find_name(part, target)) return std::nullopt;
     part = target;
   }
-  if (part.at().kind != NodeKind::area) return std::nullopt;
-  const SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
+  if (part.at().kind != formula::NodeKind::area) return std::nullopt;
+  const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
   Leaf found{part.tree->areas[part.at().payload], part.sheet};
   if (!qualifier.present()) return found;
   const Book* book = qualifier.broken ? nullptr : book_of(part, qualifier);
@@ -228,13 +230,13 @@ std::optional<PrecedentWalk::Leaf> PrecedentWalk::leaf(Part part) const {
 }
 
 void PrecedentWalk::visit_range(const Part& part) {
-  const NodeIndex left = part.at().first_child;
-  const NodeIndex right = part.tree->at(left).next;
+  const formula::NodeIndex left = part.at().first_child;
+  const formula::NodeIndex right = part.tree->at(left).next;
   const auto first = leaf(part.child(left, part.use));
   const auto last = leaf(part.child(right, part.use));
   if (first && last && first->sheet == last->sheet && first->area.shape == AreaShape::cell &&
       last->area.shape == AreaShape::cell) {
-    AreaRef area = first->area;
+    formula::AreaRef area = first->area;
     area.last_row = last->area.first_row;
     area.last_column = last->area.first_column;
     area.shape = AreaShape::area;
@@ -250,15 +252,15 @@ void PrecedentWalk::visit_range(const Part& part) {
 
 void PrecedentWalk::visit_intersection(const Part& part) {
   std::vector<Leaf> leaves;
-  NodeIndex index = part.node;
-  while (part.tree->at(index).op == Operator::intersect) {
-    const NodeIndex left = part.tree->at(index).first_child;
+  formula::NodeIndex index = part.node;
+  while (part.tree->at(index).op == formula::Operator::intersect) {
+    const formula::NodeIndex left = part.tree->at(index).first_child;
     const auto found = leaf(part.child(part.tree->at(left).next, part.use));
     if (!found) break;
     leaves.push_back(*found);
     index = left;
   }
-  const auto first = part.tree->at(index).op == Operator::intersect
+  const auto first = part.tree->at(index).op == formula::Operator::intersect
                          ? std::nullopt
                          : leaf(part.child(index, part.use));
   if (!first || leaves.size() > 0xFFFF) {

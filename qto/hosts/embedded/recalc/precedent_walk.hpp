@@ -23,21 +23,21 @@ class PrecedentWalk {
  private:
   /// A part of a tree that is to be gone through.
   struct Part {
-    const SyntaxTree* tree = nullptr;
-    NodeIndex node = no_node;
+    const formula::SyntaxTree* tree = nullptr;
+    formula::NodeIndex node = formula::no_node;
     const Book* book = nullptr;  ///< where the tree belongs
     Sheet* sheet = nullptr;      ///< of references without a sheet; null: the formula's own
     Use use = Use::single;
     bool array = false;  ///< operations run over all elements
 
-    const Node& at() const { return tree->at(node); }
-    Part child(NodeIndex index, Use child_use) const;
+    const formula::Node& at() const { return tree->at(node); }
+    Part child(formula::NodeIndex index, Use child_use) const;
     /// What an operand of a value operator or a scalar argument is used for.
     Use value_use() const { return array ? Use::full : Use::single; }
   };
   /// A reference that is written out, or named.
   struct Leaf {
-    AreaRef area;
+    formula::AreaRef area;
     Sheet* sheet = nullptr;
   };
 
@@ -51,7 +51,7 @@ class PrecedentWalk {
   void visit_intersection(const Part& part);
   void visit_call(const Part& part);
   void visit_called_name(const Part& call);
-  Part argument(const Part& call, NodeIndex node, int position, SpecialFunction function,
+  Part argument(const Part& call, formula::NodeIndex node, int position, SpecialFunction function,
                 const FunctionSpec* spec) const;
   Use special_use(const Part& call, int position, SpecialFunction function) const;
   bool visit_fixed_index(const Part& call);
@@ -59,11 +59,11 @@ class PrecedentWalk {
   void visit_sum_range(const Part& call);
   void push(const Part& part) { work_.push_back(part); }
 
-  void add(const AreaRef& area, Sheet* sheet, Use use);
-  void add_span(const Part& part, const SheetQualifier& qualifier, const Book& book);
-  const Book* book_of(const Part& part, const SheetQualifier& qualifier) const;
+  void add(const formula::AreaRef& area, Sheet* sheet, Use use);
+  void add_span(const Part& part, const formula::SheetQualifier& qualifier, const Book& book);
+  const Book* book_of(const Part& part, const formula::SheetQualifier& qualifier) const;
   /// For a qualifier whose book is not open.
-  void note_unreachable(const Part& part, const SheetQualifier& qualifier);
+  void note_unreachable(const Part& part, const formula::SheetQualifier& qualifier);
   const DefinedName* find_name(const Part& part, Part& target) const;
   std::optional<Leaf> leaf(Part part) const;
   bool is_local(const Part& part, std::string_view name) const;
@@ -74,7 +74,7 @@ class PrecedentWalk {
   const OpenBooks* open_;
   const FunctionTable& functions_;
   std::vector<Part> work_;
-  std::vector<std::pair<const SyntaxTree*, std::string_view>> locals_;
+  std::vector<std::pair<const formula::SyntaxTree*, std::string_view>> locals_;
   std::set<std::pair<const DefinedName*, Use>> names_seen_;
   PrecedentList list_;
 };

@@ -1,6 +1,6 @@
 #include "qto/hosts/embedded/recalc/precedents.hpp"
 
-#include "qto/hosts/embedded/formula/structured_reference.hpp"
+#include "qto/hosts/embedded/formulas/table_target.hpp"
 #include "qto/hosts/embedded/recalc/precedent_walk.hpp"
 
 namespace qto::embedded {

@@ -5,19 +5,19 @@
 #include <span>
 #include <vector>
 
+#include "qto/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/evaluate/environment.hpp"
-#include "qto/hosts/embedded/formula/syntax_tree.hpp"
 #include "qto/hosts/embedded/recalc/open_books.hpp"
 
 namespace qto::embedded {
 
 /// One reference that a formula reads, relative to the formula's cell.
 struct Precedent {
-  AreaRef area;
+  formula::AreaRef area;
   /// Null: the sheet of the formula.
   Sheet* sheet = nullptr;
   /// Stands instead of the area where the row or table depends on the formula's cell.
-  const StructuredRef* structured = nullptr;
+  const formula::StructuredRef* structured = nullptr;
   /// Only what this and so many following references have in common is read.
   std::uint16_t meets = 0;
   /// Only the cell in the formula's own row or column is read.

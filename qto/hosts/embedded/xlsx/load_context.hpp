@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "qto/hosts/embedded/book/book.hpp"
-#include "qto/hosts/embedded/formula/formula_intern.hpp"
+#include "qto/hosts/embedded/formulas/formula_intern.hpp"
 #include "qto/hosts/embedded/xlsx/package.hpp"
 
 namespace qto::embedded {

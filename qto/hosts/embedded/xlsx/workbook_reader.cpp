@@ -4,7 +4,7 @@
 
 #include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/formula/compiled_formula.hpp"
+#include "qto/hosts/embedded/formulas/compiled_formula.hpp"
 #include "qto/hosts/embedded/xlsx/drawing_part.hpp"
 #include "qto/hosts/embedded/xlsx/external_link_part.hpp"
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"

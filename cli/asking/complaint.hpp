@@ -1,0 +1,25 @@
+#pragma once
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+#include "cli/asking/exit_status.hpp"
+
+namespace qto::cli {
+
+/// Why there is no answer, for people and for programs.
+struct Complaint : std::runtime_error {
+  Complaint(ExitStatus exit_status, const std::string& text, std::string number_text = {})
+      : std::runtime_error(text), status(exit_status), number(std::move(number_text)) {}
+  ExitStatus status;
+  std::string number;  ///< of the engine's refusal, "" otherwise
+  std::string file;    ///< of an unreadable book: the file, the part of it and the line there
+  std::string part;
+  long line = 0;
+};
+
+/// Prints it on standard error, or as a JSON object on standard output.
+void print_complaint(const Complaint& complaint, bool json);
+
+}  // namespace qto::cli

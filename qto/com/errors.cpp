@@ -1,0 +1,56 @@
+#include "qto/com/errors.hpp"
+
+#include <new>
+#include <string_view>
+
+namespace qto::server {
+
+std::int32_t current_error_number() noexcept {
+  constexpr std::uint32_t run_time_error = 0x800A0000, no_memory = 0x8007000E, failed = 0x80004005;
+  try {
+    throw;
+  } catch (const AutomationError& error) {
+    return error.number;
+  } catch (const NumberedFailure& failure) {
+    const bool small = failure.number > 0 && failure.number <= 0xFFFF;
+    return small ? static_cast<std::int32_t>(run_time_error + failure.number) : failure.number;
+  } catch (const std::bad_alloc&) {
+    return static_cast<std::int32_t>(no_memory);
+  } catch (...) {
+    return static_cast<std::int32_t>(failed);
+  }
+}
+
+namespace {
+
+std::string_view text_of(std::int32_t number) {
+  switch (static_cast<ErrorNumber>(number)) {
+    case ErrorNumber::wrong_object:
+      return "The object cannot be followed: give one cell, a chart's series or a ModelPart.";
+    case ErrorNumber::no_formula:
+      return "The start cell holds no formula.";
+    case ErrorNumber::circular_reference:
+      return "The start workbook holds a circular reference.";
+    case ErrorNumber::out_of_range:
+      return "The value is out of range, or the property cannot be written in this state.";
+    case ErrorNumber::unknown_token:
+      return "A formula holds a part of a kind that is not known.";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string current_error_text() {
+  try {
+    throw;
+  } catch (const AutomationError& error) {
+    return std::string(text_of(error.number));
+  } catch (const std::exception& failure) {
+    return failure.what();
+  } catch (...) {
+    return "";
+  }
+}
+
+}  // namespace qto::server
