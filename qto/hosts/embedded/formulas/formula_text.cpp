@@ -1,9 +1,9 @@
 #include "qto/hosts/embedded/formulas/formula_text.hpp"
 
-#include "qto/hosts/embedded/formulas/link_qualifier.hpp"
 #include "qto/formula/reference_text.hpp"
-#include "qto/hosts/embedded/formulas/table_target.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
+#include "qto/hosts/embedded/formulas/link_qualifier.hpp"
+#include "qto/hosts/embedded/formulas/table_target.hpp"
 
 namespace qto::embedded {
 namespace {
