@@ -55,10 +55,11 @@ bench: benchmarks ## generate the benchmark books and measure
 format: dev-packages ## format the sources in place
 	clang-format -i $(SOURCES)
 
-check: dev-packages ## formatting and the direction of includes
+check: dev-packages ## formatting, the direction of includes, names of files
 	@echo "clang-format: every source file"
 	@clang-format --dry-run --Werror $(SOURCES)
 	python3 tools/check_includes.py
+	python3 tools/check_names.py
 
 packages:
 	@tools/install_packages.sh

@@ -1,13 +1,8 @@
 #include "cli/tracing.hpp"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-
 #include "cli/asking/complaint.hpp"
 #include "cli/asking/exit_status.hpp"
 #include "qto/automation/error.hpp"
-#include "qto/automation/file_path.hpp"
 #include "qto/diagnostics/stream_viewer.hpp"
 #include "qto/diagnostics/trace_outputs.hpp"
 
@@ -15,12 +10,12 @@ namespace qto::cli {
 namespace {
 
 void open_log(const std::string& file) {
-  std::FILE* const opened = text::open_file(file, "w");
-  if (!opened)
-    throw Complaint(wrong_usage,
-                    "--trace " + file + ": cannot be written: " + std::strerror(errno));
-  std::fclose(opened);
   diagnostics::set_trace_log(file, "qto");
+  try {
+    diagnostics::open_trace_log();
+  } catch (const NumberedFailure& failure) {
+    throw Complaint(wrong_usage, std::string("--trace: ") + failure.what());
+  }
   diagnostics::set_log_output(true);
 }
 

@@ -6,10 +6,12 @@
 //   qto inputs plan.xlsx 'Summary!C7' --trace-viewer fd:3 3>&1 >/dev/null | example_trace_viewer -
 
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -17,13 +19,22 @@
 
 namespace {
 
+/// Removes a socket that an earlier run left behind. Anything else at that path stays.
+bool make_room(const char* path) {
+  struct stat found {};
+  if (lstat(path, &found) != 0) return true;
+  if (S_ISSOCK(found.st_mode)) return unlink(path) == 0;
+  errno = EEXIST;
+  return false;
+}
+
 /// The first client of a socket at that path, or -1.
 int first_client(const char* path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (std::strlen(path) >= sizeof address.sun_path) return -1;
+  if (std::strlen(path) >= sizeof address.sun_path) return errno = ENAMETOOLONG, -1;
   std::strcpy(address.sun_path, path);
-  unlink(path);  // left behind by an earlier run
+  if (!make_room(path)) return -1;
   const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
   if (bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) return -1;
   if (listen(listener, 1) != 0) return -1;

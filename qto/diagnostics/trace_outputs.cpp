@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <string_view>
 #include <utility>
 
 #include "qto/automation/error.hpp"
@@ -20,6 +22,26 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+constexpr std::string_view first_words = "Tracing ";
+constexpr std::string_view second_line = "Session started ";
+
+/// Whether opening the file for writing would destroy something else than a trace. Devices and
+/// pipes hold nothing that could be lost.
+bool holds_something_else(const std::string& file_name) {
+  std::error_code unknown;
+  if (!std::filesystem::is_regular_file(text::to_path(file_name), unknown)) return false;
+  const File file(text::open_file(file_name, "rb"));
+  if (!file) return true;
+  char buffer[512];
+  const std::string_view head(buffer, std::fread(buffer, 1, sizeof buffer, file.get()));
+  if (head.empty()) return false;
+  const std::size_t title_end = head.find('\n');
+  return !head.starts_with(first_words) || title_end == std::string_view::npos ||
+         !head.substr(title_end + 1).starts_with(second_line);
+}
+
 class Log {
  public:
   void name(std::string file_name, std::string title) {
@@ -28,31 +50,35 @@ class Log {
     title_ = std::move(title);
   }
 
-  void write(const std::string& line) {
-    if (!file_) open();
-    // What a failing program did last is what the log is for.
-    if (std::fprintf(file_.get(), "%s\n", line.c_str()) < 0 || std::fflush(file_.get()) != 0)
-      fail();
-  }
-
- private:
   void open() {
+    if (file_) return;
+    if (holds_something_else(file_name_))
+      fail("it holds something else than a trace, and nothing else is replaced");
     file_.reset(text::open_file(file_name_, "w"));
-    if (!file_) fail();
+    if (!file_) fail(std::strerror(errno));
     const std::time_t now = std::time(nullptr);
     char moment[32] = "";
     std::strftime(moment, sizeof moment, "%Y-%m-%d %H:%M:%S", std::localtime(&now));
-    std::fprintf(file_.get(), "Tracing %s\nSession started %s\n\n", title_.c_str(), moment);
+    std::fprintf(file_.get(), "%s%s\n%s%s\n\n", first_words.data(), title_.c_str(),
+                 second_line.data(), moment);
   }
 
-  [[noreturn]] void fail() {
-    throw NumberedFailure(file_access_error, "the trace log " + file_name_ +
-                                                 " cannot be written: " + std::strerror(errno));
+  void write(const std::string& line) {
+    open();
+    // What a failing program did last is what the log is for.
+    if (std::fprintf(file_.get(), "%s\n", line.c_str()) < 0 || std::fflush(file_.get()) != 0)
+      fail(std::strerror(errno));
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& why) {
+    throw NumberedFailure(file_access_error,
+                          "the trace log " + file_name_ + " cannot be written: " + why);
   }
 
   std::string file_name_;
   std::string title_;
-  std::unique_ptr<std::FILE, CloseFile> file_;
+  File file_;
 };
 
 struct State {
@@ -101,6 +127,8 @@ std::string trace_line(QualifiedName name, std::int32_t depth) {
 void set_trace_log(std::string file_name, std::string application_title) {
   state().log.name(std::move(file_name), std::move(application_title));
 }
+
+void open_trace_log() { state().log.open(); }
 
 void set_log_output(bool on) { state().log_on = on; }
 

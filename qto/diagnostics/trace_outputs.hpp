@@ -12,8 +12,12 @@ namespace qto::diagnostics {
 std::string trace_line(QualifiedName name, std::int32_t depth);
 
 /// Names the file of the trace log and the client whose title heads it. The file is opened at the
-/// first line (an existing one is replaced) and stays open; naming a file again begins a new log.
+/// first line and stays open; naming a file again begins a new log. A trace that was written before
+/// is replaced, any other file with content never: that log cannot be written.
 void set_trace_log(std::string file_name, std::string application_title);
+/// Opens the named log without waiting for its first line. Throws NumberedFailure when it cannot be
+/// written.
+void open_trace_log();
 /// Whether entries are written to the log; off by default. A log that cannot be written is reported
 /// as an error once and switched off.
 void set_log_output(bool on);

@@ -33,7 +33,6 @@ TEST(Trace, is_written_to_a_file_before_or_behind_the_command) {
   const std::string file = testing::TempDir() + "qto_command_trace.txt";
   for (const auto& arguments : {std::vector<std::string>{"inputs", plan(), "C7", "--trace", file},
                                 {"--trace", file, "inputs", plan(), "C7"}}) {
-    std::ofstream(file) << "an older trace";
     const Outcome outcome = run_qto(arguments);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, run_qto({"inputs", plan(), "C7"}).out);
@@ -42,6 +41,24 @@ TEST(Trace, is_written_to_a_file_before_or_behind_the_command) {
     EXPECT_THAT(trace, HasSubstr("\nDrillDown.FindInputs\n\tDrillDown.set_up\n"));
   }
   std::filesystem::remove(file);
+}
+
+TEST(Trace, replaces_no_file_that_is_not_a_trace) {
+  const TemporaryFile book("traced.xlsx", broken_book());
+  const std::string link = testing::TempDir() + "qto_link_to_book";
+  std::filesystem::remove(link);
+  std::filesystem::create_symlink(book.path(), link);
+  const std::string before = contents(book.path());
+  for (const auto& arguments :
+       {std::vector<std::string>{"inputs", book.path(), "A1", "--trace", book.path()},
+        {"inputs", book.path(), "A1", "--trace", link},
+        {"part", "--trace", book.path(), "A1"}}) {
+    const Outcome outcome = run_qto(arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("something else than a trace")) << outcome.out;
+    EXPECT_EQ(contents(book.path()), before);
+  }
+  std::filesystem::remove(link);
 }
 
 TEST(Trace, that_cannot_be_written_is_refused) {

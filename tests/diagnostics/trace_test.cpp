@@ -105,11 +105,12 @@ TEST_F(Trace, SwitchedInTheMiddleOfCallsStaysBalanced) {
 
 TEST_F(Trace, LogIsHeadedOnceReplacesAnOlderOneAndStaysOpen) {
   const auto file = std::filesystem::temp_directory_path() / "qto_trace_test.log";
-  std::ofstream(file) << "old";
+  const std::string old = "Tracing another\nSession started then\n\nMain.IsURL\n";
+  std::ofstream(file) << old;
   set_trace_log(file.string(), "the client");
   set_tracing(true);
   inner();
-  EXPECT_EQ(contents(file), "old");  // output is off
+  EXPECT_EQ(contents(file), old);  // output is off
   set_log_output(true);
   middle();
   set_log_output(false);
