@@ -27,7 +27,12 @@ if(QTO_SANITIZE)
     $<BUILD_INTERFACE:-fsanitize=address;-fno-omit-frame-pointer;${behaviour}>)
   target_link_options(qto_flags INTERFACE $<BUILD_INTERFACE:-fsanitize=address,undefined>)
 endif()
-install(TARGETS qto_flags EXPORT qto-targets)
+
+# The headers that clients see.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/qto/public_headers.txt)
+file(STRINGS ${PROJECT_SOURCE_DIR}/qto/public_headers.txt QTO_PUBLIC_HEADERS REGEX "^qto/")
+list(TRANSFORM QTO_PUBLIC_HEADERS PREPEND ${PROJECT_SOURCE_DIR}/)
 
 # qto_sources(<variable> <glob>...): the files for the system that is built for. Those whose names
 # end in _windows are for Windows alone, those in _posix, _icu and _openssl for the others.
@@ -48,13 +53,17 @@ function(qto_sources variable)
 endfunction()
 
 # qto_layer(<target> <folders> [<library>...]): the static library of a folder, or of a list of
-# them. The libraries it looks down on are part of its interface, so a client links one name.
+# them. The libraries it looks down on are part of its interface, so a client links one name. Its
+# public headers are installed with it, see qto_install().
 function(qto_layer target folders)
   list(TRANSFORM folders PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   list(TRANSFORM folders APPEND /*.cpp OUTPUT_VARIABLE globs)
   qto_sources(sources ${globs})
   list(TRANSFORM folders APPEND /*.hpp OUTPUT_VARIABLE globs)
   qto_sources(headers ${globs})
+  set(internal ${headers})
+  list(REMOVE_ITEM internal ${QTO_PUBLIC_HEADERS})
+  list(REMOVE_ITEM headers _ ${internal})
   if(sources)
     add_library(${target} STATIC ${sources})
     set(scope PUBLIC)
@@ -67,7 +76,14 @@ function(qto_layer target folders)
   target_link_libraries(${target} ${scope} qto::flags ${ARGN})
   target_sources(${target} ${scope} FILE_SET HEADERS
     BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
-  install(TARGETS ${target} EXPORT qto-targets FILE_SET HEADERS)
+endfunction()
+
+# qto_install(<component> <target>...): the libraries of a component of the CMake package, with their
+# public headers.
+function(qto_install component)
+  install(TARGETS ${ARGN} EXPORT qto-${component}-targets FILE_SET HEADERS)
+  install(EXPORT qto-${component}-targets NAMESPACE qto::
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qto)
 endfunction()
 
 # qto_test(<area> <library>...): one test program for tests/<area>.

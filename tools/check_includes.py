@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Holds the direction of includes: every layer sees only the layers below it.
+"""Holds the direction of includes: every layer sees only the layers below it, and clients see only
+the public headers (qto/public_headers.txt), which see nothing else either.
 
     tools/check_includes.py [ROOT]
 
@@ -70,7 +71,12 @@ HOUSES = (
 )
 ALL_LEVELS = {folder: level for levels, _ in HOUSES for folder, level in levels.items()}
 
-# Clients of the library: what each sees besides the public headers under qto/.
+# The headers that are installed, and the one among them that includes what most clients need.
+PUBLIC_HEADERS = "qto/public_headers.txt"
+UMBRELLA = "qto/qto.hpp"
+PUBLIC_ONLY = ("cli", "examples")
+
+# Clients of the library: what each sees besides headers under qto/.
 CLIENTS = {
     "cli": ("cli",),
     "examples": ("examples",),
@@ -93,9 +99,13 @@ def layer_of(path):
     return None
 
 
-def refusal(source, target):
+def refusal(source, target, public):
     """Why the file source must not include the file target, or None when it may."""
     client, root = source.split("/")[0], target.split("/")[0]
+    if root == "qto" and target not in public and (client in PUBLIC_ONLY or source in public):
+        return "is not public, see " + PUBLIC_HEADERS
+    if source == UMBRELLA or (target == UMBRELLA and client in CLIENTS):
+        return None
     if client in CLIENTS:
         if root != "qto" and root not in CLIENTS[client]:
             return f"{client} does not see {root}"
@@ -124,7 +134,7 @@ def includes_of(text):
             yield number, found.group(1), found.group(2)
 
 
-def check_file(path, text, exists):
+def check_file(path, text, exists, public):
     """The findings of one file as (line, message)."""
     if path.endswith(".hpp") and not any(map(PRAGMA_ONCE.match, text.splitlines())):
         yield 1, "no #pragma once"
@@ -137,7 +147,7 @@ def check_file(path, text, exists):
         elif not exists(target):
             yield line, f'"{target}" does not exist'
         else:
-            why = refusal(path, target)
+            why = refusal(path, target, public)
             if why:
                 yield line, f'"{target}": {why}'
 
@@ -167,6 +177,13 @@ def find_cycles(edges):
                 on_path.pop()
 
 
+def public_headers(root):
+    """The table of public headers with the line of each; empty where there is none."""
+    table = pathlib.Path(root, PUBLIC_HEADERS)
+    lines = table.read_text(encoding="utf-8").splitlines() if table.is_file() else []
+    return {line: number for number, line in enumerate(lines, 1) if not line.startswith("#")}
+
+
 def check_tree(root):
     """All findings below root, sorted: (file, line, message)."""
     root = pathlib.Path(root)
@@ -178,9 +195,12 @@ def check_tree(root):
     def exists(path):
         return path in texts or (root / path).is_file()
 
-    findings = []
+    public = public_headers(root)
+    findings = [(PUBLIC_HEADERS, line, f'"{header}" does not exist')
+                for header, line in public.items() if header not in texts]
     for path, text in texts.items():
-        findings += [(path, line, message) for line, message in check_file(path, text, exists)]
+        findings += [(path, line, message)
+                     for line, message in check_file(path, text, exists, public)]
     edges = {
         path: [(line, target) for line, _, target in includes_of(text)]
         for path, text in texts.items()

@@ -7,7 +7,6 @@
 #include "cli/terminal/prompt.hpp"
 #include "qto/automation/file_path.hpp"
 #include "qto/host/host.hpp"
-#include "qto/hosts/embedded/objects/checks/open_error.hpp"
 
 namespace qto::cli {
 namespace {
@@ -21,9 +20,8 @@ Ref<host::Workbook> open_asking(embedded::Application& application, const Argume
   };
   try {
     return open(password_for(arguments, name));
-  } catch (const embedded::OpenError& error) {
-    if (error.kind != embedded::OpenFailureKind::encrypted || arguments.open != OpenPolicy::ask)
-      throw;
+  } catch (const host::OpenError& error) {
+    if (error.kind != host::OpenFailureKind::encrypted || arguments.open != OpenPolicy::ask) throw;
     progress.hide();
     const std::string password = prompt_hidden(fmt::format("Password of {}: ", name));
     if (password.empty()) throw;
@@ -40,7 +38,7 @@ Ref<host::Workbook> open_start_book(embedded::Application& application, const Ar
     // Only now: the folders are for linked books, this one must be where it is said to be.
     for (const std::string& folder : arguments.folders) application.add_search_folder(folder);
     return book;
-  } catch (const embedded::OpenError& error) {
+  } catch (const host::OpenError& error) {
     Complaint complaint(unreadable, open_failure_text(error, true));
     complaint.file = error.file;
     complaint.part = error.part;

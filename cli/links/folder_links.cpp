@@ -1,16 +1,12 @@
 #include "cli/links/folder_links.hpp"
 
 #include <algorithm>
-#include <string_view>
 
 #include "cli/asking/complaint.hpp"
+#include "cli/links/open_failures.hpp"
 #include "cli/terminal/interrupt.hpp"
 #include "qto/automation/file_path.hpp"
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/objects/checks/full_name.hpp"
-#include "qto/hosts/embedded/objects/locate_file.hpp"
-#include "qto/hosts/embedded/objects/resolve_links.hpp"
-#include "qto/hosts/embedded/xlsx/open_workbook.hpp"
 
 namespace qto::cli {
 namespace {
@@ -39,48 +35,16 @@ std::vector<std::string> books_in(const std::string& folder) {
   return books;
 }
 
-FolderLinks::Link link_of(const embedded::Book& book, std::size_t number,
-                          const embedded::StoredNames& stored) {
-  const embedded::ExternalBook& external = book.externals[number];
-  FolderLinks::Link link;
-  link.workbook = external.kind == embedded::ExternalBook::Kind::workbook;
-  if (!link.workbook) {
-    link.source = external.application + "|" + external.document;
-    return link;
-  }
-  link.source = embedded::stored_name(book, number, stored);
-  link.internet = embedded::is_internet_address(link.source);
-  const std::string place = external.folder + external.name;
-  if (!link.internet && embedded::is_file_here(place))
-    link.found_at = text::from_path(text::to_path(embedded::native_path(place)).lexically_normal());
-  return link;
-}
-
 FolderLinks::BookLinks links_of(const std::string& file, const Arguments& arguments) {
-  FolderLinks::BookLinks links;
-  const std::string password =
-      password_for(arguments, text::from_path(text::to_path(file).filename()));
-  const auto read = [&](const std::string& key) {
-    embedded::OpenOptions options;
-    options.links_only = true;
-    options.password = key;
-    return embedded::open_workbook(file, options);
-  };
+  FolderLinks::BookLinks book;
+  const std::string name = text::from_path(text::to_path(file).filename());
   try {
-    const auto book = read(password);
-    embedded::StoredNames stored;
-    embedded::resolve_links(*book, arguments.folders, stored);
-    for (std::size_t i = 0; i < book->externals.size(); ++i) {
-      const embedded::ExternalBook& external = book->externals[i];
-      const bool known = external.kind == embedded::ExternalBook::Kind::workbook
-                             ? !external.name.empty()
-                             : !external.application.empty();
-      if (known) links.links.push_back(link_of(*book, i, stored));
-    }
-  } catch (const embedded::OpenFailure& failure) {
-    links.problem = failure.message().substr(file.size() + 2);
+    book.links =
+        embedded::read_stored_links(file, arguments.folders, password_for(arguments, name));
+  } catch (const host::OpenError& error) {
+    book.problem = open_failure_text(error, false);
   }
-  return links;
+  return book;
 }
 
 }  // namespace
@@ -96,7 +60,7 @@ FolderLinks read_folder_links(const Arguments& arguments, Progress& progress) {
     progress.count_one();
   }
   for (const auto& [file, book] : found.books)
-    for (const FolderLinks::Link& link : book.links)
+    for (const embedded::StoredLink& link : book.links)
       if (const auto target = found.books.find(link.found_at); target != found.books.end())
         target->second.referred_to_by.push_back(file);
   return found;

@@ -7,19 +7,14 @@
 #include "cli/asking/arguments.hpp"
 #include "cli/output/json_writer.hpp"
 #include "cli/terminal/progress.hpp"
+#include "qto/hosts/embedded/stored_links.hpp"
 
 namespace qto::cli {
 
 /// The links between the books of a folder and its subfolders.
 struct FolderLinks {
-  struct Link {
-    std::string source;    ///< as the book stores it
-    std::string found_at;  ///< "" when no file is there
-    bool workbook = true;
-    bool internet = false;
-  };
   struct BookLinks {
-    std::vector<Link> links;
+    std::vector<embedded::StoredLink> links;
     std::vector<std::string> referred_to_by;  ///< full names
     std::string problem;                      ///< why its links could not be read, or ""
   };

@@ -7,6 +7,8 @@
 namespace qto::cli {
 namespace {
 
+using Kind = embedded::StoredLink::Kind;
+
 /// Books of the folder by their place in it, others by their full name.
 std::string shown(const FolderLinks& found, const std::string& file) {
   const auto inside = text::to_path(file).lexically_relative(text::to_path(found.folder));
@@ -14,9 +16,10 @@ std::string shown(const FolderLinks& found, const std::string& file) {
   return one_line(within ? text::from_path(inside) : file);
 }
 
-std::string link_text(const FolderLinks& found, const FolderLinks::Link& link) {
-  if (!link.workbook) return one_line(link.source) + "  (another application)";
-  if (link.internet) return one_line(link.source) + "  (internet address, not contacted)";
+std::string link_text(const FolderLinks& found, const embedded::StoredLink& link) {
+  if (link.kind == Kind::application) return one_line(link.source) + "  (another application)";
+  if (link.kind == Kind::internet)
+    return one_line(link.source) + "  (internet address, not contacted)";
   if (link.found_at.empty()) return one_line(link.source) + "  (not found)";
   return shown(found, link.found_at);
 }
@@ -43,8 +46,8 @@ Counts count(const FolderLinks& found) {
   for (const auto& [file, book] : found.books) {
     counts.links += book.links.size();
     counts.unreadable += !book.problem.empty();
-    for (const FolderLinks::Link& link : book.links)
-      counts.missing += link.workbook && !link.internet && link.found_at.empty();
+    for (const embedded::StoredLink& link : book.links)
+      counts.missing += link.kind == Kind::workbook && link.found_at.empty();
   }
   return counts;
 }
@@ -54,7 +57,7 @@ Counts count(const FolderLinks& found) {
 void print_folder_links(const FolderLinks& found) {
   for (const auto& [file, book] : found.books) {
     fmt::print("{}\n", heading(found, file, book));
-    for (const FolderLinks::Link& link : book.links)
+    for (const embedded::StoredLink& link : book.links)
       fmt::print("    → {}\n", link_text(found, link));
   }
   const Counts counts = count(found);
@@ -77,11 +80,12 @@ void write_folder_links(const FolderLinks& found) {
     json.member("FullName", file);
     json.key("Links");
     json.begin_array();
-    for (const FolderLinks::Link& link : book.links) {
+    for (const embedded::StoredLink& link : book.links) {
       json.begin_object();
       json.member("FullNameWithPath", link.source);
-      json.member("Kind", link.workbook ? "workbook" : "application");
-      if (link.workbook) {
+      const bool workbook = link.kind != Kind::application;
+      json.member("Kind", workbook ? "workbook" : "application");
+      if (workbook) {
         json.member("Exists", !link.found_at.empty());
         json.member("FoundAt", link.found_at);
       }

@@ -26,6 +26,6 @@ class OpenFailures {
 };
 
 /// The failure in words, without the name of the file; a password is asked for by its option.
-std::string open_failure_text(const embedded::OpenError& error, bool start_book);
+std::string open_failure_text(const host::OpenError& error, bool start_book);
 
 }  // namespace qto::cli

@@ -6,6 +6,7 @@
 #include "qto/host/constants.hpp"
 #include "qto/host/defined_name.hpp"
 #include "qto/host/failure.hpp"
+#include "qto/host/open_error.hpp"
 #include "qto/host/pivot_table.hpp"
 #include "qto/host/range.hpp"
 #include "qto/host/sheet.hpp"

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include "qto/hosts/embedded/objects/checks/open_error.hpp"
 #include "tests/objects/book_file.hpp"
 #include "tests/objects/desk.hpp"
 
@@ -77,7 +76,7 @@ TEST(OpenFailed, TellsTheReasonBeforeTheCallFails) {
   const TemporaryFolder folder;
   Application app;
   std::string told;
-  app.open_failed().add([&](const OpenError& error) { told = error.what(); });
+  app.open_failed().add([&](const host::OpenError& error) { told = error.what(); });
   EXPECT_FAILS(app.Workbooks()->Open(folder / "none.xlsx"));
   EXPECT_EQ(told, folder / "none.xlsx" + ": no such file");
   EXPECT_FAILS(app.Workbooks()->Open(folder.path()));

@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "qto/hosts/embedded/objects/checks/open_error.hpp"
 #include "tests/objects/book_file.hpp"
 #include "tests/objects/desk.hpp"
 
@@ -11,10 +10,10 @@ namespace {
 constexpr const char* one_cell = "<row r='1'><c r='A1'><v>7</v></c></row>";
 constexpr const char* linked_cell = "<row r='1'><c r='A1'><f>[1]Sheet1!A1*2</f><v>22</v></c></row>";
 
-OpenFailureKind kind_of_failure(const Application& app, const std::string& file) {
+host::OpenFailureKind kind_of_failure(const Application& app, const std::string& file) {
   try {
     app.Workbooks()->Open(file);
-  } catch (const OpenError& error) {
+  } catch (const host::OpenError& error) {
     EXPECT_NE(std::string(error.what()), "");
     return error.kind;
   }
@@ -65,7 +64,7 @@ TEST(Workbooks, ForeignPathsAndSearchFolders) {
   EXPECT_EQ(books->Open(folder.path() + "\\sub\\Part.xlsx")->Path(), folder / "sub");
   EXPECT_EQ(books->Open("D:\\Elsewhere\\Part.xlsx")->Path(),
             folder / "sub");  // active book's folder
-  EXPECT_EQ(kind_of_failure(app, "D:\\Elsewhere\\Far.xlsx"), OpenFailureKind::not_found);
+  EXPECT_EQ(kind_of_failure(app, "D:\\Elsewhere\\Far.xlsx"), host::OpenFailureKind::not_found);
   app.add_search_folder(folder / "far");
   EXPECT_EQ(books->Open("D:\\Elsewhere\\Far.xlsx")->Path(), folder / "far");
   books->Item("Far.xlsx")->Close(false);
@@ -88,10 +87,10 @@ TEST(Workbooks, FailuresSayWhatIsWrong) {
   const TemporaryFolder folder;
   std::ofstream(folder / "text.xlsx") << "just text";
   Application app;
-  EXPECT_EQ(kind_of_failure(app, folder / "text.xlsx"), OpenFailureKind::not_a_package);
-  EXPECT_EQ(kind_of_failure(app, folder / "none.xlsx"), OpenFailureKind::not_found);
-  EXPECT_EQ(kind_of_failure(app, folder.path()), OpenFailureKind::not_found);
-  EXPECT_EQ(kind_of_failure(app, ""), OpenFailureKind::not_found);
+  EXPECT_EQ(kind_of_failure(app, folder / "text.xlsx"), host::OpenFailureKind::not_a_package);
+  EXPECT_EQ(kind_of_failure(app, folder / "none.xlsx"), host::OpenFailureKind::not_found);
+  EXPECT_EQ(kind_of_failure(app, folder.path()), host::OpenFailureKind::not_found);
+  EXPECT_EQ(kind_of_failure(app, ""), host::OpenFailureKind::not_found);
   for (const char* address : {"http://a.example/b.xlsx", "HTTPS://a.example/b.xlsx", "ftp://a/b"})
     EXPECT_FAILS(app.Workbooks()->Open(address));
   EXPECT_EQ(app.Workbooks()->Count(), 0);

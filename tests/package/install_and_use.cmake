@@ -10,11 +10,18 @@ function(run)
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 
+# use(<client> <expected output> <argument>...): builds a client and runs it.
+function(use client expected)
+  set(folder ${WORK}/${client})
+  run(${CMAKE_COMMAND} -S ${CLIENTS}/${client} -B ${folder} -G ${GENERATOR}
+    -D CMAKE_CXX_COMPILER=${COMPILER} -D CMAKE_PREFIX_PATH=${WORK}/prefix)
+  run(${CMAKE_COMMAND} --build ${folder})
+  run(${folder}/client ${ARGN})
+  if(NOT output STREQUAL "${expected}\n")
+    message(FATAL_ERROR "unexpected answer of ${client}: ${output}")
+  endif()
+endfunction()
+
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix)
-run(${CMAKE_COMMAND} -S ${CLIENT} -B ${WORK}/client -G ${GENERATOR}
-  -D CMAKE_CXX_COMPILER=${COMPILER} -D CMAKE_PREFIX_PATH=${WORK}/prefix)
-run(${CMAKE_COMMAND} --build ${WORK}/client)
-run(${WORK}/client/client ${BOOK})
-if(NOT output STREQUAL "Costs!D8\n")
-  message(FATAL_ERROR "unexpected answer of the client: ${output}")
-endif()
+use(client "Costs!D8" ${BOOK})
+use(engine_client "80040001")

@@ -38,7 +38,7 @@ void Application::set_open_progress(void (*progress)(double, void*), void* data)
   object_->open_options.progress_data = data;
 }
 
-Event<const OpenError&>& Application::open_failed() { return object_->open_failed; }
+Event<const host::OpenError&>& Application::open_failed() { return object_->open_failed; }
 
 Event<std::string_view, bool&>& Application::hyperlink_followed() {
   return object_->hyperlink_followed;

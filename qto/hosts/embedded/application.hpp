@@ -7,6 +7,7 @@
 
 #include "qto/automation/event.hpp"
 #include "qto/host/application.hpp"
+#include "qto/host/open_error.hpp"
 #include "qto/host/workbook.hpp"
 #include "qto/host/workbooks.hpp"
 
@@ -14,7 +15,6 @@ namespace qto::embedded {
 
 class ApplicationObject;
 class Book;
-struct OpenError;
 
 /// The spreadsheet application of this process: opens workbook files, calculates, answers the
 /// object model. The facade is a handle like any other; the open books live until it and every
@@ -45,7 +45,7 @@ class Application {
   void set_open_progress(void (*progress)(double fraction, void* data), void* data);
   /// Raised before Workbooks.Open fails because of the file: tells why to whoever sees only that it
   /// failed. The text never holds a password.
-  Event<const OpenError&>& open_failed();
+  Event<const host::OpenError&>& open_failed();
   /// Raised for an address that is to be followed (mail, browser). A handler sets the flag when it
   /// has taken it; otherwise Workbook.FollowHyperlink fails.
   Event<std::string_view, bool&>& hyperlink_followed();

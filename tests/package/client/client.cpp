@@ -2,9 +2,7 @@
 
 #include <cstdio>
 
-#include "qto/engine/drill_down.hpp"
-#include "qto/host/host.hpp"
-#include "qto/hosts/embedded/application.hpp"
+#include "qto/qto.hpp"
 
 int main(int argc, char** argv) {
   if (argc != 2) return 1;

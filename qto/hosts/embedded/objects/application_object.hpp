@@ -8,6 +8,7 @@
 
 #include "qto/automation/event.hpp"
 #include "qto/host/application.hpp"
+#include "qto/host/open_error.hpp"
 #include "qto/hosts/embedded/objects/open_book.hpp"
 #include "qto/hosts/embedded/recalc/calculator.hpp"
 #include "qto/hosts/embedded/recalc/open_books.hpp"
@@ -16,7 +17,6 @@
 namespace qto::embedded {
 
 class TextEvaluator;
-struct OpenError;
 
 /// The application: it owns the open books. Every handle holds it, so the books live until the
 /// client has let go of the last handle.
@@ -75,7 +75,7 @@ class ApplicationObject final : public host::Application, private OpenBooks {
   std::optional<double> fixed_now;
   OpenOptions open_options;
   /// Raised before Workbooks.Open fails because of the file.
-  Event<const OpenError&> open_failed;
+  Event<const host::OpenError&> open_failed;
   /// Raised by Workbook.FollowHyperlink; a handler sets the flag when it has taken the address.
   Event<std::string_view, bool&> hyperlink_followed;
   /// Size of every window in rows and columns of an ordinary sheet (15 points, 64 pixels).

@@ -1,7 +1,6 @@
 #include "qto/hosts/embedded/objects/workbooks_object.hpp"
 
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
-#include "qto/hosts/embedded/objects/checks/open_error.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/locate_file.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
@@ -10,7 +9,7 @@ namespace qto::embedded {
 namespace {
 
 [[noreturn]] void fail_to_open(const ApplicationObject& application, const OpenFailure& failure) {
-  const OpenError error(failure);
+  const host::OpenError error = failure.for_clients();
   application.open_failed(error);
   throw error;
 }
