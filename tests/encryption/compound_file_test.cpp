@@ -4,7 +4,7 @@
 
 #include <random>
 
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
+#include "qto/hosts/embedded/encryption/encrypted_package.hpp"
 #include "tests/support/compound_writer.hpp"
 
 namespace qto::embedded {

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
 #include "tests/support/encrypting.hpp"
 
 namespace qto::test {

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <string>
 
-#include "qto/hosts/embedded/formats/builtin_formats.hpp"
+#include "qto/hosts/embedded/formats/number_format.hpp"
 #include "tests/formats/format_table.hpp"
 
 namespace qto::embedded::formats {

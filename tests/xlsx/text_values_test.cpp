@@ -6,7 +6,7 @@
 
 #include "qto/hosts/embedded/xlsx/external_target.hpp"
 #include "qto/hosts/embedded/xlsx/part_path.hpp"
-#include "qto/hosts/embedded/xlsx/sheet_names.hpp"
+#include "qto/hosts/embedded/xlsx/workbook_part.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 #include "tests/support/local_path.hpp"
 

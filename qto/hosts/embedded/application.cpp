@@ -5,8 +5,8 @@
 #include "qto/hosts/embedded/objects/application_object.hpp"
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
+#include "qto/hosts/embedded/objects/links.hpp"
 #include "qto/hosts/embedded/objects/locate_file.hpp"
-#include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
 
 namespace qto::embedded {

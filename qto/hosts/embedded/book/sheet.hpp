@@ -7,8 +7,8 @@
 #include "qto/automation/address.hpp"
 #include "qto/hosts/embedded/book/cell_store.hpp"
 #include "qto/hosts/embedded/book/chart.hpp"
-#include "qto/hosts/embedded/book/pivot.hpp"
 #include "qto/hosts/embedded/book/sheet_layout.hpp"
+#include "qto/hosts/embedded/book/table.hpp"
 
 namespace qto::embedded {
 

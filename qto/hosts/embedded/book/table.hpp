@@ -29,4 +29,11 @@ struct Table {
   std::optional<Rect> totals() const noexcept;
 };
 
+/// A pivot table: where it stands, page fields included, and the text of its source.
+struct PivotModel {
+  std::string name;
+  Rect table_range;
+  std::string source;
+};
+
 }  // namespace qto::embedded

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "qto/hosts/embedded/encryption/agile_encryption.hpp"
-#include "qto/hosts/embedded/encryption/base64.hpp"
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
+#include "qto/hosts/embedded/encryption/bytes.hpp"
+#include "qto/hosts/embedded/encryption/encrypted_package.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -31,5 +32,8 @@ Bytes utf16_bytes(std::string_view text);
 
 /// The bytes cut or filled up with `filler` to a length.
 Bytes resized(ByteView bytes, std::size_t length, unsigned char filler);
+
+/// The bytes that a base64 text stands for; nothing when it is none or has more than 4,096 letters.
+std::optional<Bytes> from_base64(std::string_view text);
 
 }  // namespace qto::embedded

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
+#include "qto/hosts/embedded/encryption/encrypted_package.hpp"
 
 namespace qto::embedded {
 

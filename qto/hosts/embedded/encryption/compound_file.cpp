@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
+#include "qto/hosts/embedded/encryption/encrypted_package.hpp"
 
 namespace qto::embedded {
 namespace {

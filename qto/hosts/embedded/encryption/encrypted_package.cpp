@@ -5,7 +5,6 @@
 
 #include "qto/hosts/embedded/encryption/agile_encryption.hpp"
 #include "qto/hosts/embedded/encryption/compound_file.hpp"
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
 #include "qto/hosts/embedded/encryption/standard_encryption.hpp"
 
 namespace qto::embedded {

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "qto/hosts/embedded/encryption/hash_engine.hpp"
+#include "qto/hosts/embedded/encryption/digest.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <new>
 
-#include "qto/hosts/embedded/encryption/hash_engine.hpp"
+#include "qto/hosts/embedded/encryption/digest.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "qto/hosts/embedded/encryption/cipher.hpp"
 #include "qto/hosts/embedded/encryption/digest.hpp"
-#include "qto/hosts/embedded/encryption/encryption_fault.hpp"
+#include "qto/hosts/embedded/encryption/encrypted_package.hpp"
 
 namespace qto::embedded {
 namespace {

@@ -1,5 +1,6 @@
 #include "qto/hosts/embedded/formats/number_format.hpp"
 
+#include <array>
 #include <cmath>
 
 #include "qto/hosts/embedded/formats/format_parser.hpp"
@@ -70,6 +71,50 @@ bool render(const Section& section, double value, bool date1904, std::string& ou
   }
   return true;
 }
+
+constexpr std::array<std::string_view, 50> make_table() {
+  std::array<std::string_view, 50> table{};
+  table[0] = "General";
+  table[1] = "0";
+  table[2] = "0.00";
+  table[3] = "#,##0";
+  table[4] = "#,##0.00";
+  table[5] = R"("$"#,##0_);\("$"#,##0\))";
+  table[6] = R"("$"#,##0_);[Red]\("$"#,##0\))";
+  table[7] = R"("$"#,##0.00_);\("$"#,##0.00\))";
+  table[8] = R"("$"#,##0.00_);[Red]\("$"#,##0.00\))";
+  table[9] = "0%";
+  table[10] = "0.00%";
+  table[11] = "0.00E+00";
+  table[12] = "# ?/?";
+  table[13] = R"(# ??/??)";
+  // 14 and 22 follow the system's short date, which is m/d/yyyy under en-US.
+  table[14] = "m/d/yyyy";
+  table[15] = "d-mmm-yy";
+  table[16] = "d-mmm";
+  table[17] = "mmm-yy";
+  table[18] = "h:mm AM/PM";
+  table[19] = "h:mm:ss AM/PM";
+  table[20] = "h:mm";
+  table[21] = "h:mm:ss";
+  table[22] = "m/d/yyyy h:mm";
+  table[37] = "#,##0_);(#,##0)";
+  table[38] = "#,##0_);[Red](#,##0)";
+  table[39] = "#,##0.00_);(#,##0.00)";
+  table[40] = "#,##0.00_);[Red](#,##0.00)";
+  table[41] = R"(_(* #,##0_);_(* \(#,##0\);_(* "-"_);_(@_))";
+  table[42] = R"(_("$"* #,##0_);_("$"* \(#,##0\);_("$"* "-"_);_(@_))";
+  table[43] = R"(_(* #,##0.00_);_(* \(#,##0.00\);_(* "-"??_);_(@_))";
+  table[44] = R"(_("$"* #,##0.00_);_("$"* \(#,##0.00\);_("$"* "-"??_);_(@_))";
+  table[45] = "mm:ss";
+  table[46] = "[h]:mm:ss";
+  table[47] = "mm:ss.0";
+  table[48] = "##0.0E+0";
+  table[49] = "@";
+  return table;
+}
+
+constexpr auto kTable = make_table();
 
 }  // namespace
 
@@ -148,6 +193,11 @@ std::string NumberFormat::format_text(std::string_view text) const {
   std::string out;
   append_slots(*text_section_, text, out);
   return out;
+}
+
+std::string_view builtin_format(int num_fmt_id) {
+  if (num_fmt_id < 0 || num_fmt_id >= static_cast<int>(kTable.size())) return {};
+  return kTable[static_cast<std::size_t>(num_fmt_id)];
 }
 
 }  // namespace qto::embedded::formats

@@ -57,4 +57,8 @@ std::string general_text(double value);
 std::string cell_text(const NumberFormat& format, double value, bool date1904,
                       double column_width_chars);
 
+/// The format code behind a number format id that a workbook may use without declaring it
+/// (ECMA-376 Part 1, 18.8.30), as it shows under en-US settings. Empty for ids without one.
+std::string_view builtin_format(int num_fmt_id);
+
 }  // namespace qto::embedded::formats

@@ -28,4 +28,11 @@ struct ChartPlace {
   void select(int series = -1) const;
 };
 
+/// The chart at a place: the chart sheet itself or an embedded one. Throws when it is gone.
+Ref<host::Chart> chart_at(const ChartPlace& place);
+/// The activated chart of a book, or null.
+Ref<host::Chart> active_chart(OpenBook& book);
+/// The selected series; only while OpenBook::chart_selection names one.
+Ref<host::Series> selected_series(OpenBook& book);
+
 }  // namespace qto::embedded

@@ -4,7 +4,7 @@
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/functions/registry.hpp"
-#include "qto/hosts/embedded/objects/cells/block_values.hpp"
+#include "qto/hosts/embedded/objects/cells/cell_values.hpp"
 #include "qto/hosts/embedded/objects/link_formula.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
 #include "qto/hosts/embedded/objects/references/rewrite_tokens.hpp"

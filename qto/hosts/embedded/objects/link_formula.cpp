@@ -6,8 +6,8 @@
 #include "qto/formula/qualifier.hpp"
 #include "qto/hosts/embedded/objects/application_object.hpp"
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
+#include "qto/hosts/embedded/objects/links.hpp"
 #include "qto/hosts/embedded/objects/references/rewrite_tokens.hpp"
-#include "qto/hosts/embedded/objects/resolve_links.hpp"
 
 namespace qto::embedded {
 namespace {

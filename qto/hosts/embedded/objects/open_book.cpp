@@ -1,7 +1,7 @@
 #include "qto/hosts/embedded/objects/open_book.hpp"
 
 #include "qto/hosts/embedded/objects/application_object.hpp"
-#include "qto/hosts/embedded/objects/chart_sheet_object.hpp"
+#include "qto/hosts/embedded/objects/chart_objects.hpp"
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
 #include "qto/hosts/embedded/objects/workbook_object.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"

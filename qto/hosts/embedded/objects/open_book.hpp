@@ -10,8 +10,8 @@
 #include "qto/host/sheet.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
 #include "qto/hosts/embedded/formulas/formula_intern.hpp"
+#include "qto/hosts/embedded/objects/links.hpp"
 #include "qto/hosts/embedded/objects/name_index.hpp"
-#include "qto/hosts/embedded/objects/resolve_links.hpp"
 #include "qto/hosts/embedded/recalc/circular_references.hpp"
 
 namespace qto::embedded {

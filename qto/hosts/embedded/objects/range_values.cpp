@@ -1,6 +1,5 @@
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
-#include "qto/hosts/embedded/objects/cells/block_values.hpp"
-#include "qto/hosts/embedded/objects/cells/cell_text.hpp"
+#include "qto/hosts/embedded/objects/cells/cell_values.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/range_object.hpp"
 

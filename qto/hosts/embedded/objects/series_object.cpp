@@ -2,7 +2,7 @@
 
 #include "qto/host/range.hpp"
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
-#include "qto/hosts/embedded/objects/chart_selection.hpp"
+#include "qto/hosts/embedded/objects/chart_place.hpp"
 #include "qto/hosts/embedded/objects/evaluation.hpp"
 
 namespace qto::embedded {

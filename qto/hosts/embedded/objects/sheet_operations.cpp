@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/objects/checks/password.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
 
 namespace qto::embedded {
+
 bool another_is_visible(const Book& book, const Sheet& sheet) {
   return std::any_of(book.sheets().begin(), book.sheets().end(), [&](const auto& other) {
     return other.get() != &sheet && other->visibility == SheetVisibility::visible;
@@ -48,6 +50,23 @@ void select_sheet(OpenBook& book, Sheet& sheet) {
 
 bool is_active(const OpenBook& book, const Sheet& sheet) {
   return book.application().active_book() == &book && &book.active_sheet() == &sheet;
+}
+
+void check_sheet_name(const Book& book, std::string_view name, const Sheet* self) {
+  constexpr std::size_t longest = 31;
+  const bool possible = !name.empty() && text::utf16_length(name) <= longest &&
+                        name.find_first_of(":\\/?*[]") == std::string_view::npos &&
+                        name.front() != '\'' && name.back() != '\'';
+  if (!possible) fail("Not possible as a sheet name: " + std::string(name));
+  const Sheet* other = book.find_sheet(name);
+  if (other && other != self) fail("There is a sheet " + other->name + " already");
+}
+
+std::string free_sheet_name(const Book& book) {
+  for (std::size_t number = book.sheets().size() + 1;; ++number) {
+    std::string name = "Sheet" + std::to_string(number);
+    if (!book.find_sheet(name)) return name;
+  }
 }
 
 }  // namespace qto::embedded

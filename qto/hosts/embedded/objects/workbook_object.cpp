@@ -5,9 +5,9 @@
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
 #include "qto/hosts/embedded/objects/checks/password.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
-#include "qto/hosts/embedded/objects/checks/sheet_names.hpp"
+#include "qto/hosts/embedded/objects/links.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
-#include "qto/hosts/embedded/objects/resolve_links.hpp"
+#include "qto/hosts/embedded/objects/sheet_operations.hpp"
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
 
 namespace qto::embedded {

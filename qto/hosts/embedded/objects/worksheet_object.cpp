@@ -2,8 +2,8 @@
 
 #include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
+#include "qto/hosts/embedded/objects/chart_objects.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
-#include "qto/hosts/embedded/objects/embedded_chart_object.hpp"
 #include "qto/hosts/embedded/objects/evaluation.hpp"
 #include "qto/hosts/embedded/objects/name_object.hpp"
 #include "qto/hosts/embedded/objects/pivot_object.hpp"

@@ -7,7 +7,7 @@
 
 #include "qto/hosts/embedded/book/sheet.hpp"
 #include "qto/hosts/embedded/xlsx/load_context.hpp"
-#include "qto/hosts/embedded/xlsx/xml_attributes.hpp"
+#include "qto/hosts/embedded/xlsx/xml_events.hpp"
 
 namespace qto::embedded {
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "qto/hosts/embedded/xlsx/cell_error.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"

@@ -9,7 +9,7 @@
 #include "qto/hosts/embedded/xlsx/cell_formulas.hpp"
 #include "qto/hosts/embedded/xlsx/load_context.hpp"
 #include "qto/hosts/embedded/xlsx/string_item.hpp"
-#include "qto/hosts/embedded/xlsx/xml_attributes.hpp"
+#include "qto/hosts/embedded/xlsx/xml_events.hpp"
 
 namespace qto::embedded {
 

@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/xlsx/chart_part.hpp"
+#include "qto/hosts/embedded/xlsx/part_readers.hpp"
 
 #include <algorithm>
 #include <string>
@@ -6,6 +6,7 @@
 
 #include "qto/hosts/embedded/xlsx/chart_kind.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
+#include "qto/hosts/embedded/xlsx/relationships.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
@@ -180,6 +181,29 @@ class ChartHandler final : public XmlHandler {
   std::string* sink_ = nullptr;
 };
 
+struct ChartFrame {
+  std::string name;
+  std::string relationship;
+};
+
+class DrawingHandler final : public XmlHandler {
+ public:
+  explicit DrawingHandler(std::vector<ChartFrame>& into) : into_(into) {}
+
+  void on_start(Space space, std::string_view name, const Attributes& attributes) override {
+    if (space == Space::sheet_drawing && name == "cNvPr") {
+      name_ = attributes.text("name");
+      decode_escapes(name_);
+    } else if (space == Space::chart && name == "chart") {
+      into_.push_back({name_, std::string(attributes.relationship())});
+    }
+  }
+
+ private:
+  std::vector<ChartFrame>& into_;
+  std::string name_;  ///< of the frame that is being read
+};
+
 }  // namespace
 
 std::vector<ChartSeries> read_chart(Package& package, const Package::Part& part) {
@@ -188,6 +212,21 @@ std::vector<ChartSeries> read_chart(Package& package, const Package::Part& part)
   PartStream stream = package.open(part);
   read_xml(stream, handler);
   return series;
+}
+
+std::vector<ChartModel> read_drawing(Package& package, const Package::Part& part) {
+  std::vector<ChartFrame> frames;
+  DrawingHandler handler(frames);
+  PartStream stream = package.open(part);
+  read_xml(stream, handler);
+  const Relationships links(package, part.name);
+  std::vector<ChartModel> charts;
+  for (const ChartFrame& frame : frames) {
+    const Relationship* link = links.by_id(frame.relationship);
+    const Package::Part* chart = link ? package.find(link->part) : nullptr;
+    if (chart) charts.push_back({frame.name, read_chart(package, *chart)});
+  }
+  return charts;
 }
 
 }  // namespace qto::embedded

@@ -1,9 +1,8 @@
-#include "qto/hosts/embedded/xlsx/external_link_part.hpp"
+#include "qto/hosts/embedded/xlsx/part_readers.hpp"
 
 #include <string>
 #include <utility>
 
-#include "qto/hosts/embedded/xlsx/cell_error.hpp"
 #include "qto/hosts/embedded/xlsx/external_target.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/relationships.hpp"

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
+
+#include "qto/hosts/embedded/encryption/bytes.hpp"
 
 namespace qto::embedded {
 
@@ -12,5 +16,9 @@ class Package;
 
 /// Throws the OpenFailure that says what a zip container without a workbook holds instead.
 [[noreturn]] void refuse_package(const Package& package);
+
+/// The package inside an encrypted workbook file; nothing when the file is no compound file and so
+/// cannot be one. Throws OpenFailure when it is one and cannot be read with that password.
+std::optional<Bytes> read_encrypted_file(const std::string& file, std::string_view password);
 
 }  // namespace qto::embedded

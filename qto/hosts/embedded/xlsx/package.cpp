@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "qto/automation/file_path.hpp"
-#include "qto/hosts/embedded/xlsx/encrypted_file.hpp"
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/part_path.hpp"

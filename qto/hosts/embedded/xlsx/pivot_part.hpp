@@ -5,7 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "qto/hosts/embedded/book/pivot.hpp"
+#include "qto/hosts/embedded/book/table.hpp"
 #include "qto/hosts/embedded/xlsx/package.hpp"
 
 namespace qto::embedded {

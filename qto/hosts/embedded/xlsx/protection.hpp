@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "qto/hosts/embedded/book/sheet.hpp"
-#include "qto/hosts/embedded/xlsx/xml_attributes.hpp"
+#include "qto/hosts/embedded/xlsx/xml_events.hpp"
 
 namespace qto::embedded {
 

@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/xlsx/shared_strings.hpp"
+#include "qto/hosts/embedded/xlsx/part_readers.hpp"
 
 #include "qto/hosts/embedded/xlsx/string_item.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"

@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/xlsx/sheet_part.hpp"
+#include "qto/hosts/embedded/xlsx/part_readers.hpp"
 
 #include "qto/hosts/embedded/xlsx/cell_reader.hpp"
 #include "qto/hosts/embedded/xlsx/sheet_settings.hpp"

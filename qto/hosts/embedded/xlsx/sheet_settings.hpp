@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "qto/hosts/embedded/book/sheet.hpp"
-#include "qto/hosts/embedded/xlsx/xml_attributes.hpp"
+#include "qto/hosts/embedded/xlsx/xml_events.hpp"
 
 namespace qto::embedded {
 

@@ -1,9 +1,9 @@
-#include "qto/hosts/embedded/xlsx/styles_part.hpp"
+#include "qto/hosts/embedded/xlsx/part_readers.hpp"
 
 #include <unordered_map>
 #include <vector>
 
-#include "qto/hosts/embedded/formats/builtin_formats.hpp"
+#include "qto/hosts/embedded/formats/number_format.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"

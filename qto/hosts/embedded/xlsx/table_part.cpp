@@ -1,4 +1,4 @@
-#include "qto/hosts/embedded/xlsx/table_part.hpp"
+#include "qto/hosts/embedded/xlsx/part_readers.hpp"
 
 #include <algorithm>
 #include <string>

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "qto/automation/text.hpp"
 #include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/protection.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
@@ -87,6 +88,17 @@ WorkbookPart read_workbook_part(Package& package, const Package::Part& part) {
   if (workbook.sheets.size() > limits::sheets)
     package.fail(OpenFailureKind::too_large, part.name, 0, "the workbook has too many sheets");
   return workbook;
+}
+
+std::string SheetNames::unique(const std::string& name) {
+  if (!name.empty() && taken_.insert(text::fold_case(name)).second) return name;
+  int& number = numbered_[text::fold_case(name)];
+  for (;;) {
+    ++number;
+    std::string candidate = name.empty() ? "Sheet" + std::to_string(number)
+                                         : name + " (" + std::to_string(number + 1) + ")";
+    if (taken_.insert(text::fold_case(candidate)).second) return candidate;
+  }
 }
 
 }  // namespace qto::embedded

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "qto/hosts/embedded/book/sheet.hpp"
@@ -35,5 +37,15 @@ struct WorkbookPart {
 
 /// Throws OpenFailure when the part is no workbook or is damaged.
 WorkbookPart read_workbook_part(Package& package, const Package::Part& part);
+
+/// Makes the sheet names of a file usable: none is empty, no two are the same but for letter case.
+class SheetNames {
+ public:
+  std::string unique(const std::string& name);
+
+ private:
+  std::unordered_set<std::string> taken_;
+  std::unordered_map<std::string, int> numbered_;  ///< the last number tried, by wanted name
+};
 
 }  // namespace qto::embedded

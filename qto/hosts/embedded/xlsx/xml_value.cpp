@@ -141,4 +141,11 @@ std::optional<double> serial_of_iso(std::string_view text, bool date1904) noexce
   return time ? std::optional(day + *time) : std::nullopt;
 }
 
+ErrorValue error_from(std::string_view text) noexcept {
+  using enum ErrorValue;
+  for (const ErrorValue known : {null, div0, value, ref, name, num, na, getting_data, spill, calc})
+    if (text == error_text(known)) return known;
+  return value;
+}
+
 }  // namespace qto::embedded

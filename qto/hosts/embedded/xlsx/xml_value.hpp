@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "qto/automation/variant.hpp"
+
 /// Values as the XML of a workbook writes them. No locale plays a part.
 namespace qto::embedded {
 
@@ -24,5 +26,8 @@ void cut_to_units(std::string& text, std::size_t units);
 
 /// The serial number of a moment in ISO 8601 form: date, time or both. Nothing for other texts.
 std::optional<double> serial_of_iso(std::string_view text, bool date1904) noexcept;
+
+/// The error value that a file writes as such a text; #VALUE! for kinds that came later.
+ErrorValue error_from(std::string_view text) noexcept;
 
 }  // namespace qto::embedded

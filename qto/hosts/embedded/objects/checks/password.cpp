@@ -3,7 +3,7 @@
 #include <charconv>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/encryption/base64.hpp"
+#include "qto/hosts/embedded/encryption/bytes.hpp"
 #include "qto/hosts/embedded/encryption/digest.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
 

@@ -7,6 +7,7 @@
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
 #include "qto/hosts/embedded/objects/editing/typed_constant.hpp"
 #include "qto/hosts/embedded/objects/link_formula.hpp"
+#include "qto/hosts/embedded/objects/range_object.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -128,6 +129,23 @@ void write_number_format(OpenBook& open, Sheet& sheet, const std::vector<Rect>& 
     Cell& cell = sheet.cells.touch(pos);
     cell.set_style(book.styles.with_format(cell.style(), code));
   });
+}
+
+void RangeObject::put_value(const Variant& value) {
+  write_value(sheet_->open(), sheet_->sheet(), blocks(), value);
+}
+
+void RangeObject::put_Formula(std::string_view formula) {
+  write_typed(sheet_->open(), sheet_->sheet(), blocks(), formula);
+}
+
+void RangeObject::put_FormulaArray(std::string_view formula) {
+  if (more_) fail("An array formula fills one block");
+  write_array_formula(sheet_->open(), sheet_->sheet(), block_, formula);
+}
+
+void RangeObject::put_NumberFormat(std::string_view code) {
+  write_number_format(sheet_->open(), sheet_->sheet(), blocks(), code);
 }
 
 }  // namespace qto::embedded

@@ -1,11 +1,18 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "qto/hosts/embedded/book/book.hpp"
 
+/// What a book knows of the books that it links to, while those come and go.
 namespace qto::embedded {
+
+/// Tells the book that a linked book of that name was opened: what reads it must be calculated.
+void links_changed(Book& book, std::string_view linked_name);
+/// Before a linked book is closed: remembers its present values, as a file does.
+void remember_values(Book& book, const Book& linked);
 
 /// The full names of a book's linked workbooks as its file stores them, in the order of its links;
 /// "" (or nothing at the end) for those that are where the file says.
