@@ -1,155 +1,71 @@
-// Parses every formula of workbooks that calls one of the functions drilled intelligently, with the
-// options that follow least, and counts how the drilling of each call ended.
-// Usage: run_drills [--list] FILE...
+// Tries the drilling of formulas on whole workbooks: what it decides, and whether it misses
+// anything that a value rests on. Ends with 1 when it does.
 
-#include <array>
-#include <chrono>
-#include <cstdio>
+#include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "qto/diagnostics/error_report.hpp"
-#include "qto/host/host.hpp"
 #include "qto/hosts/embedded/application.hpp"
-#include "qto/links/linked_books.hpp"
-#include "qto/links/main.hpp"
-#include "qto/parser/parser.hpp"
+#include "tests/conformance/drill_counts.hpp"
+#include "tests/conformance/perturbation/report.hpp"
 
 namespace {
 
 using namespace qto;
+using namespace qto::embedded::conformance;
 
-constexpr std::array special_functions{
-    std::pair{TokenType::if_function, "IF"},  std::pair{TokenType::vlookup, "VLOOKUP"},
-    std::pair{TokenType::hlookup, "HLOOKUP"}, std::pair{TokenType::lookup, "LOOKUP"},
-    std::pair{TokenType::match, "MATCH"},     std::pair{TokenType::index, "INDEX"},
-    std::pair{TokenType::sumif, "SUMIF"},     std::pair{TokenType::indirect, "INDIRECT"},
-    std::pair{TokenType::offset, "OFFSET"}};
-constexpr std::array<const char*, drill_verdict_count> verdict_names{
-    "decided",      "not found", "both branches", "condition error",
-    "no reference", "no table",  "failed"};
+constexpr double moment = 45352.5;  // of every calculation
 
-struct Totals {
-  std::int64_t formulas = 0, unresolved = 0, reports = 0;
-  std::array<std::array<std::int64_t, drill_verdict_count>, special_functions.size()> calls{};
+struct Wanted {
+  std::vector<std::string> files;
+  bool list = false;
+  bool perturb = false;
+  PerturbationPlan plan;
 };
 
-class Drills {
- public:
-  Drills(Totals& totals, bool list) : totals_(totals), list_(list) {
-    auto options = make_ref<DrillOptions>();
-    options->ShowMinimal();
-    parser_.putref_ParseOptions(options);
-  }
+void read_arguments(CLI::App& command, Wanted& wanted) {
+  command.add_option("files", wanted.files, "workbooks");
+  command.add_flag("--list", wanted.list, "each formula that could not be decided");
+  command.add_flag("--perturb", wanted.perturb,
+                   "change cells that were not followed, and expect the same values");
+  command
+      .add_option("--per-pattern", wanted.plan.per_pattern,
+                  "formulas tried among copies of each other; 0: all")
+      ->capture_default_str();
+  command.add_option("--limit-seconds", wanted.plan.seconds, "for the drilling of one book")
+      ->capture_default_str();
+  command.add_option("--rounds", wanted.plan.rounds, "changes of all cells at once")
+      ->capture_default_str();
+  command.add_option("--seed", wanted.plan.seed, "of what is drawn")->capture_default_str();
+}
 
-  void run(const Ref<host::Workbook>& book) {
-    for (std::int32_t i = 1; i <= book->WorksheetsCount(); ++i) {
-      const auto sheet = book->Worksheets(i);
-      const Rect used = sheet->UsedRange()->block();
-      for (CellPos at = used.first; at.row <= used.last.row; ++at.row)
-        for (at.column = used.first.column; at.column <= used.last.column; ++at.column)
-          if (sheet->cell_has_formula(at)) drill(*sheet, at);
-    }
-    add_counts();
-  }
-
-  std::string last_report;
-
- private:
-  void drill(const host::Worksheet& sheet, CellPos at) {
-    text_.clear();
-    sheet.append_cell_formula(at, text_);
-    if (!calls_special_function()) return;
-    ++totals_.formulas;
-    auto part = make_ref<ModelPart>();
-    part->Create(sheet.Cells(at.row, at.column), "Range", "");
-    const DrillVerdicts before = parser_.Verdicts();
-    last_report.clear();
-    parser_.AddParentRange(*part);
-    parser_.Parse(*part);
-    parser_.RemoveParentRange();
-    if (list_) tell(before, *part, sheet.cell_value(at).is_error());
-  }
-
-  bool calls_special_function() const {
-    for (const auto& [type, name] : special_functions)
-      if (text_.find(std::string(name) + "(") != std::string::npos) return true;
-    return false;
-  }
-
-  void tell(const DrillVerdicts& before, ModelPart& part, bool is_error) const {
-    const DrillVerdicts& now = parser_.Verdicts();
-    std::string what;
-    if (now.unresolved_formulas() != before.unresolved_formulas()) what = "unresolved reference";
-    for (const auto& [type, name] : special_functions)
-      for (std::size_t i = 1; i < drill_verdict_count; ++i)
-        if (now.count(type, DrillVerdict(i)) != before.count(type, DrillVerdict(i)))
-          what += std::string(what.empty() ? "" : "; ") + name + ": " + verdict_names[i];
-    if (what.empty() && last_report.empty()) return;
-    if (is_error) what += " (the result is an error)";
-    std::cout << "  " << part.WorkSheetName() << "!" << part.AddressShort() << "  " << what << "  "
-              << last_report << "  " << text_.substr(0, 400) << '\n';
-  }
-
-  void add_counts() {
-    const DrillVerdicts& now = parser_.Verdicts();
-    totals_.unresolved += now.unresolved_formulas();
-    for (std::size_t f = 0; f < special_functions.size(); ++f)
-      for (std::size_t i = 0; i < drill_verdict_count; ++i)
-        totals_.calls[f][i] += now.count(special_functions[f].first, DrillVerdict(i));
-  }
-
-  Totals& totals_;
-  bool list_;
-  Parser parser_;
-  std::string text_;
-};
-
-void print(const Totals& totals) {
-  std::printf("%lld formulas; %lld not drilled for an unresolved reference; %lld error reports\n",
-              static_cast<long long>(totals.formulas), static_cast<long long>(totals.unresolved),
-              static_cast<long long>(totals.reports));
-  std::printf("%-10s", "");
-  for (const char* name : verdict_names) std::printf("%16s", name);
-  std::printf("\n");
-  for (std::size_t f = 0; f < special_functions.size(); ++f) {
-    std::printf("%-10s", special_functions[f].second);
-    for (const std::int64_t count : totals.calls[f])
-      std::printf("%16lld", static_cast<long long>(count));
-    std::printf("\n");
+void perturb_file(const std::string& file, const PerturbationPlan& plan,
+                  PerturbationResult& total) {
+  try {
+    embedded::Application application;
+    application.set_now(moment);
+    const Ref<host::Workbook> book = application.Workbooks()->Open(file);
+    PerturbationResult result = perturb(book, plan);
+    print_line(std::cout, file, result);
+    for (const Miss& miss : result.shown) print(std::cout, miss);
+    total.add(std::move(result));
+  } catch (const std::exception& failure) {
+    std::cout << file << ": " << failure.what() << std::endl;
   }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  bool list = false;
-  Totals totals;
-  for (int i = 1; i < argc; ++i) {
-    if (std::string_view(argv[i]) == "--list") {
-      list = true;
-      continue;
-    }
-    const auto start = std::chrono::steady_clock::now();
-    const std::int64_t formulas = totals.formulas;
-    try {
-      embedded::Application application;
-      Main::set_shared_application(application.ref());
-      Main::reset_books();
-      Drills drills(totals, list);
-      const int token =
-          diagnostics::error_reported().add([&](const diagnostics::ErrorReport& report) {
-            ++totals.reports;
-            drills.last_report = report.description + " in " + std::string(report.member);
-          });
-      drills.run(application.Workbooks()->Open(argv[i]));
-      diagnostics::error_reported().remove(token);
-    } catch (const std::exception& failure) {
-      std::cout << failure.what() << '\n';
-    }
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    std::cout << argv[i] << ": " << totals.formulas - formulas << " formulas, " << took.count()
-              << " s" << std::endl;
+  CLI::App command("Tries the drilling of formulas on whole workbooks.");
+  Wanted wanted;
+  read_arguments(command, wanted);
+  CLI11_PARSE(command, argc, argv);
+  if (!wanted.perturb) {
+    count_drills(wanted.files, wanted.list);
+    return 0;
   }
-  print(totals);
-  return 0;
+  PerturbationResult total;
+  for (const std::string& file : wanted.files) perturb_file(file, wanted.plan, total);
+  print_totals(std::cout, total);
+  return total.misses[0] + total.misses[1] == 0 ? 0 : 1;
 }
