@@ -11,9 +11,10 @@
 namespace qto {
 
 DrillDown::DrillDown()
-    : start_part_(make_ref<ModelPart>()),
+    : context_(Main::context()),
+      start_part_(make_ref<ModelPart>(context_)),
       parts_analysed_(make_ref<ModelParts>()),
-      clsParser_(std::make_unique<Parser>()),
+      clsParser_(std::make_unique<Parser>(context_)),
       memory_baseline_(available_memory()) {
   Procedure proc("DrillDown", "Class_Initialize");
   release_lost_graphs();
@@ -86,9 +87,9 @@ void DrillDown::putref_StartUnderlyingObject(const Ref<Object>& object) {
   } else if (kind != "Series") {
     throw AutomationError(ErrorNumber::wrong_object);
   }
-  if (!proc.step([&] { Main::set_shared_application(host_object->Application()); })) return;
+  if (!proc.step([&] { enter_context(host_object->Application()); })) return;
   start_object_ = object;
-  start_part_ = make_ref<ModelPart>();
+  start_part_ = make_ref<ModelPart>(context_);
   start_part_->Create(object, kind);
 }
 
@@ -97,11 +98,23 @@ void DrillDown::accept_part(const Ref<ModelPart>& part) {
   (void)proc.step([&] {
     const auto object = ref_cast<host::HostObject>(part->UnderlyingObject());
     if (!object) throw NumberedFailure(91, "the part has no object in an open workbook");
-    Main::set_shared_application(object->Application());
+    enter_context(object->Application());
     start_part_ = part;
+    start_part_->join(context_);
     start_object_ = part;
     start_workbook_ = part->Workbook();
   });
+}
+
+void DrillDown::enter_context(const Ref<host::Application>& application) {
+  Main::set_shared_application(application);
+  context_ = Main::context();
+  clsParser_->set_context(context_);
+}
+
+host::Application& DrillDown::application() const {
+  if (!context_->application()) throw NumberedFailure(91, "there is no spreadsheet application");
+  return *context_->application();
 }
 
 void DrillDown::check_range(const Ref<host::Range>& range) {

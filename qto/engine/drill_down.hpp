@@ -8,7 +8,7 @@
 #include "qto/automation/event.hpp"
 #include "qto/automation/object.hpp"
 #include "qto/host/workbook.hpp"
-#include "qto/links/linked_books.hpp"
+#include "qto/links/context.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
 #include "qto/options/drill_options.hpp"
@@ -58,7 +58,7 @@ class DrillDown : public Object {
   /// workbook above it, several cells) and 80040002 for a cell without formula outside pivot
   /// tables.
   void putref_StartUnderlyingObject(const Ref<Object>& object);
-  /// Shared by all DrillDown objects; a new one empties both.
+  /// Shared by all DrillDown objects over one application; a new one empties both.
   const Ref<LinkedBooks>& BooksOpened() const;
   const Ref<LinkedBooks>& BooksNotOpened() const;
   /// Levels that DrillHere goes down; 0 (as at first): no bound. Negative raises 80040004.
@@ -92,6 +92,8 @@ class DrillDown : public Object {
   // Start object
   void accept_part(const Ref<ModelPart>& part);
   void check_range(const Ref<host::Range>& range);
+  void enter_context(const Ref<host::Application>& application);
+  host::Application& application() const;
 
   // Set-up and limits
   void set_up();
@@ -139,6 +141,7 @@ class DrillDown : public Object {
   bool duplicate_book_name_open(const Ref<ModelPart>& part);
   void add_linked_book(const ModelPart& part, qtoReasonNotOpened reason, std::string_view password);
 
+  Ref<Context> context_;
   Ref<ModelPart> start_part_;
   Ref<Object> start_object_;
   Ref<host::Workbook> start_workbook_;

@@ -1,6 +1,5 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
-#include "qto/links/main.hpp"
 
 /// Properties that give and take plain fields.
 namespace qto {
@@ -62,12 +61,12 @@ void DrillDown::put_IgnoreConstantIfZeroOrOne(bool ignore) noexcept {
 
 const Ref<LinkedBooks>& DrillDown::BooksOpened() const {
   Procedure proc("DrillDown", "BooksOpened[Get]");
-  return Main::BooksOpened();
+  return context_->BooksOpened();
 }
 
 const Ref<LinkedBooks>& DrillDown::BooksNotOpened() const {
   Procedure proc("DrillDown", "BooksNotOpened[Get]");
-  return Main::BooksNotOpened();
+  return context_->BooksNotOpened();
 }
 
 }  // namespace qto

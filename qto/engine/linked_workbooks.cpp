@@ -1,16 +1,16 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/links/path_helpers.hpp"
 
 namespace qto {
 namespace {
 
 /// Opens read-only; a host failure is a null result.
-Ref<host::Workbook> try_open(const std::string& full_name, const std::string& password) {
+Ref<host::Workbook> try_open(host::Application& app, const std::string& full_name,
+                             const std::string& password) {
   try {
-    return Main::shared_application()->Workbooks()->Open(full_name, {}, true, password);
+    return app.Workbooks()->Open(full_name, {}, true, password);
   } catch (const std::exception&) {
     return nullptr;
   }
@@ -28,14 +28,14 @@ void bring_to_front(host::Application& app) {
 
 qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
   Procedure proc("DrillDown", "open_linked_book");
-  const auto& app = Main::shared_application();
+  host::Application& app = application();
   const std::string full_name = part->WorkBookFullName();
   const auto record = [&](qtoReasonNotOpened reason, std::string_view password = {}) {
     add_linked_book(*part, reason, password);
     return reason;
   };
   Ref<host::Workbook> active;
-  if (!proc.step([&] { active = app->ActiveWorkbook(); })) return record(qtownoOther);
+  if (!proc.step([&] { active = app.ActiveWorkbook(); })) return record(qtownoOther);
   if (!Main::FileExists(full_name)) return record(qtownoNotFound);
   if (duplicate_book_name_open(part)) return qtoWNOOK;
   if (Main::IsURL(full_name)) {
@@ -43,13 +43,13 @@ qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
     BeforeInternetAccess(part->WorkBookPath(), part->WorkBookName(), cancel);
     if (cancel) return record(qtownoUserDecision);
   }
-  bring_to_front(*app);
+  bring_to_front(app);
   std::string password;
-  auto workbook = try_open(full_name, password);
+  auto workbook = try_open(app, full_name, password);
   if (!workbook) {
     raise_about(AskForPassword, part, password);
     if (password.empty()) return record(qtownoOther);
-    workbook = try_open(full_name, password);
+    workbook = try_open(app, full_name, password);
   }
   qtoReasonNotOpened reason = qtoWNOOK;
   if (!workbook) {
@@ -68,7 +68,7 @@ qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
 
 bool DrillDown::duplicate_book_name_open(const Ref<ModelPart>& part) {
   Procedure proc("DrillDown", "duplicate_book_name_open");
-  auto open = Main::shared_application()->Workbooks()->find(part->WorkBookName());
+  auto open = application().Workbooks()->find(part->WorkBookName());
   if (!open) return false;
   bool proceed = false;
   DuplicateBookName(open, part->WorkBookPath(), part->WorkBookName(), proceed);
@@ -83,11 +83,12 @@ void DrillDown::add_linked_book(const ModelPart& part, qtoReasonNotOpened reason
   book->put_Path(part.WorkBookPath());
   book->put_Name(part.WorkBookName());
   book->put_WhyNotOpened(reason);
+  book->set_application(context_->application());
   if (reason == qtoWNOOK) {
     book->put_Password(password);
-    Main::BooksOpened()->AddExisting(book);
+    context_->BooksOpened()->AddExisting(book);
   } else {
-    Main::BooksNotOpened()->AddExisting(book);
+    context_->BooksNotOpened()->AddExisting(book);
   }
 }
 

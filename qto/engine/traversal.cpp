@@ -6,7 +6,6 @@
 #include "qto/engine/drill_down.hpp"
 #include "qto/engine/part_graph.hpp"
 #include "qto/host/application.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
@@ -103,7 +102,7 @@ class DrillDown::Walk {
 
 void DrillDown::yield() {
   try {
-    if (const auto& app = Main::shared_application()) app->yield();
+    if (const auto& app = context_->application()) app->yield();
   } catch (const AutomationError&) {
     throw;
   } catch (const std::exception&) {

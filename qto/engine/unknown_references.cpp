@@ -7,7 +7,6 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 
 namespace qto {
 namespace {
@@ -52,19 +51,18 @@ void DrillDown::clsParser_UnknownObjectFound(Ref<ModelPart>& unknown, Ref<ModelP
 }
 
 void DrillDown::follow_unknown(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
-  const auto& app = Main::shared_application();
-  if (app->Workbooks()->find(unknown->WorkBookName())) return try_to_find(unknown, *list);
+  if (application().Workbooks()->find(unknown->WorkBookName())) return try_to_find(unknown, *list);
   const std::string full_name = unknown->WorkBookFullName();
-  const auto linked = Main::BooksOpened()->find(full_name);
+  const auto linked = context_->BooksOpened()->find(full_name);
   if (!linked) {
     // A book that was not opened once is not offered again.
-    if (!Main::BooksNotOpened()->find(full_name)) ask_to_open(unknown, list);
+    if (!context_->BooksNotOpened()->find(full_name)) ask_to_open(unknown, list);
     return;
   }
-  if (linked->OpenIt(app)) return try_to_find(unknown, *list);
-  Main::BooksOpened()->Remove(full_name);
+  if (linked->OpenIt(context_->application())) return try_to_find(unknown, *list);
+  context_->BooksOpened()->Remove(full_name);
   linked->put_WhyNotOpened(qtownoOther);
-  Main::BooksNotOpened()->AddExisting(linked);
+  context_->BooksNotOpened()->AddExisting(linked);
 }
 
 void DrillDown::ask_to_open(Ref<ModelPart>& unknown, Ref<ModelParts>& list) {
@@ -87,13 +85,13 @@ void DrillDown::try_to_find(const Ref<ModelPart>& part, ModelParts& list) {
 }
 
 void DrillDown::find_range_of(const Ref<ModelPart>& part, ModelParts& list) {
-  const auto workbook = Main::shared_application()->Workbooks()->find(part->WorkBookName());
+  const auto workbook = application().Workbooks()->find(part->WorkBookName());
   bool removed = false;
   for (const auto& sheet : sheets_of(workbook, part->WorkSheetName())) {
     Rect block;
     if (!sheet->find_block(part->AddressShort(), block)) break;
     if (!std::exchange(removed, true)) list.remove(part->Key());
-    const auto record = make_ref<SheetRecord>(sheet);
+    const auto record = make_ref<SheetRecord>(sheet, context_);
     for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
       for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
         auto cell = make_ref<ModelPart>();
@@ -106,7 +104,7 @@ void DrillDown::find_range_of(const Ref<ModelPart>& part, ModelParts& list) {
 }
 
 void DrillDown::find_name_of(const Ref<ModelPart>& part) {
-  const auto workbook = Main::shared_application()->Workbooks()->find(part->WorkBookName());
+  const auto workbook = application().Workbooks()->find(part->WorkBookName());
   Ref<host::DefinedName> name;
   if (workbook && part->WorkSheetName().empty()) {
     name = workbook->find_name(part->AddressShort());

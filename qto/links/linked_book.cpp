@@ -79,7 +79,7 @@ void LinkedBook::put_Password(std::string_view password) {
 void LinkedBook::CloseBook() {
   Procedure proc("LinkedBook", "CloseBook");
   if (why_not_opened_ != qtoWNOOK) return;
-  const Ref<host::Application>& app = Main::shared_application();
+  const Ref<host::Application>& app = application_ ? application_ : Main::shared_application();
   if (!app) return;
   try {
     if (const auto book = app->Workbooks()->find(name_)) book->Close(false);

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "qto/automation/enumerations.hpp"
 #include "qto/automation/object.hpp"
@@ -36,7 +37,15 @@ class LinkedBook : public Object {
   /// Closes the workbook without saving if the engine had opened it; failures are ignored.
   void CloseBook();
 
+  // Inside the engine only
+
+  /// The application that the workbook belongs to; without one, the shared application does.
+  void set_application(Ref<host::Application> application) {
+    application_ = std::move(application);
+  }
+
  private:
+  Ref<host::Application> application_;
   qtoReasonNotOpened why_not_opened_ = qtoWNOOK;
   bool local_file_ = false;
   std::string name_;

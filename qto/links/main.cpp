@@ -1,41 +1,34 @@
 #include "qto/links/main.hpp"
 
+#include <utility>
+
+#include "qto/automation/apartment.hpp"
+#include "qto/automation/error.hpp"
 #include "qto/diagnostics/mail_report.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/follow_hyperlink.hpp"
-#include "qto/links/linked_books.hpp"
+#include "qto/links/contexts.hpp"
 
 namespace qto::Main {
 namespace {
 
-struct State {
-  Ref<host::Application> application;
-  Ref<LinkedBooks> opened = make_ref<LinkedBooks>();
-  Ref<LinkedBooks> not_opened = make_ref<LinkedBooks>();
-};
-
-State& state() {
-  static State instance;
-  return instance;
-}
+thread_local constinit ApartmentState<Contexts> contexts;
 
 }  // namespace
 
-const Ref<host::Application>& shared_application() { return state().application; }
+const Ref<Context>& context() { return contexts.get().current(); }
+
+const Ref<host::Application>& shared_application() { return context()->application(); }
 
 void set_shared_application(Ref<host::Application> application) {
-  state().application = std::move(application);
+  contexts.get().enter(std::move(application));
   diagnostics::set_follow_hyperlink(follow_hyperlink);  // how error reports are sent
 }
 
-const Ref<LinkedBooks>& BooksOpened() { return state().opened; }
-const Ref<LinkedBooks>& BooksNotOpened() { return state().not_opened; }
+const Ref<LinkedBooks>& BooksOpened() { return context()->BooksOpened(); }
+const Ref<LinkedBooks>& BooksNotOpened() { return context()->BooksNotOpened(); }
 
-void reset_books() {
-  state().opened = make_ref<LinkedBooks>();
-  state().not_opened = make_ref<LinkedBooks>();
-}
+void reset_books() { contexts.get().reset_books(); }
 
 std::string inpivottable(const Ref<host::Range>& range) {
   Procedure proc("Main", "inpivottable");
@@ -46,6 +39,37 @@ std::string inpivottable(const Ref<host::Range>& range) {
       if (app->Intersect(table->TableRange2(), range)) source = table->SourceData();
   });
   return source;
+}
+
+namespace {
+
+class ClosedAgain {
+ public:
+  explicit ClosedAgain(Ref<host::Workbook> book) : book_(std::move(book)) {}
+  ClosedAgain(const ClosedAgain&) = delete;
+  ClosedAgain& operator=(const ClosedAgain&) = delete;
+  ~ClosedAgain() {
+    try {
+      book_->Close(false);
+    } catch (const std::exception&) {
+      // An empty book that stays open does no harm.
+    }
+  }
+
+ private:
+  Ref<host::Workbook> book_;
+};
+
+}  // namespace
+
+void follow_hyperlink(std::string_view address) {
+  const auto& app = shared_application();
+  if (!app) throw NumberedFailure(91, "no spreadsheet application is at work yet");
+  const auto books = app->Workbooks();
+  if (books->Count() > 0) return books->Item(1)->FollowHyperlink(address);
+  const auto added = books->Add();
+  const ClosedAgain closed_again(added);
+  added->FollowHyperlink(address);
 }
 
 }  // namespace qto::Main

@@ -1,19 +1,22 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "qto/automation/ref.hpp"
 #include "qto/host/application.hpp"
+#include "qto/links/context.hpp"
 
-namespace qto {
+/// The shared module: what the drills of an apartment have in common, as clients of the surface see
+/// it. A drill and its parts work in the context that they hold.
+namespace qto::Main {
 
-class LinkedBooks;
+/// The context of the start object that was accepted last on this thread.
+const Ref<Context>& context();
 
-/// The shared module: what every drill of the process has in common.
-namespace Main {
-
-/// The spreadsheet application of the last accepted start object; null in a fresh process.
+/// Its application; null in a fresh apartment.
 const Ref<host::Application>& shared_application();
+/// Makes the context of an application the current one.
 void set_shared_application(Ref<host::Application> application);
 
 /// The linked workbooks that the engine opened, and those that it could not or was not to open.
@@ -26,5 +29,9 @@ void reset_books();
 /// the range, the last one in the host's order decides.
 std::string inpivottable(const Ref<host::Range>& range);
 
-}  // namespace Main
-}  // namespace qto
+/// Asks the shared application to follow an address (mail, browser) through its first open
+/// workbook, or through a new one that is closed again. Throws when that fails or when there is no
+/// application yet.
+void follow_hyperlink(std::string_view address);
+
+}  // namespace qto::Main

@@ -30,7 +30,9 @@ class ModelParts;
 /// when somebody asks for them.
 class ModelPart : public Object {
  public:
-  ModelPart();
+  /// `context` is that of the drill that makes the part. A part of a client's making works in the
+  /// context of the start object that was accepted last.
+  explicit ModelPart(Ref<Context> context = nullptr);
   ~ModelPart() override;
   std::string_view TypeName() const noexcept override { return "ModelPart"; }
 
@@ -64,7 +66,7 @@ class ModelPart : public Object {
   bool LocalFile() const noexcept;
   /// The host workbook; nothing for an unknown part.
   Ref<host::Workbook> Workbook() const;
-  /// The application that all parts share.
+  /// The application of the drill that made the part.
   Ref<host::Application> ExcelApplication() const;
   void putref_ParentRange(Ref<host::Range> range);
   /// Name of the chart object of an embedded chart's series, "" otherwise.
@@ -155,6 +157,8 @@ class ModelPart : public Object {
   void put_HasError(bool value) noexcept;
   /// Gives up both precedent lists.
   void clear_precedents();
+  /// Gives a client's part that becomes the start of a drill its context.
+  void join(const Ref<Context>& context);
 
   // A drill reads and sets these for every part. The properties above do the same, each as a
   // procedure of its own.
@@ -203,6 +207,7 @@ class ModelPart : public Object {
   };
   /// What most parts of a large drill never need.
   struct Rare {
+    Ref<Context> context;  // of a cell part its sheet's record has it
     Ref<Object> underlying;
     Ref<host::Workbook> workbook;
     Ref<host::Range> parent_range;
@@ -219,6 +224,10 @@ class ModelPart : public Object {
   void set(Flag flag, bool on) noexcept { flags_ = on ? flags_ | flag : flags_ & ~flag; }
   Rare& rare();
   const Rare& rare() const noexcept;
+  const Ref<Context>& own_context() const noexcept {
+    return sheet_ ? sheet_->context : rare().context;
+  }
+  const Ref<host::Application>& application() const;
   bool has_object() const noexcept { return sheet_ || rare().underlying; }
   static Type type_of(std::string_view likely_type) noexcept;
 

@@ -17,13 +17,15 @@ ModelPart::Type ModelPart::type_of(std::string_view likely_type) noexcept {
   return likely_type.empty() ? Type::none : Type::other;
 }
 
-ModelPart::ModelPart() : formula_contains_constant_(qtoNoConstantInFormula) {
+ModelPart::ModelPart(Ref<Context> context) : formula_contains_constant_(qtoNoConstantInFormula) {
   procedure("ModelPart", "Class_Initialize", [this] { flags_ = exists | unknown; });
+  if (context) rare().context = std::move(context);
 }
 
 void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
                        std::string_view unknown_name) {
   Procedure proc("ModelPart", "Create");
+  rare().context = own_context();
   sheet_ = nullptr;
   rare().underlying = object;
   type_ = type_of(likely_type);
@@ -121,7 +123,7 @@ void ModelPart::create_range(const Ref<host::Range>& range) {
   // UnderlyingObject gives back.
   (void)proc.step([&] {
     if (range->CellsCount() == 1) {
-      sheet_ = make_ref<SheetRecord>(range->Worksheet());
+      sheet_ = make_ref<SheetRecord>(range->Worksheet(), rare().context);
       pos_ = range->block().first;
       set(local_file, sheet_->local_file);
       return;

@@ -64,7 +64,18 @@ Ref<host::Workbook> ModelPart::Workbook() const {
 
 Ref<host::Application> ModelPart::ExcelApplication() const {
   Procedure proc("ModelPart", "ExcelApplication[Get]");
-  return Main::shared_application();
+  return application();
+}
+
+const Ref<host::Application>& ModelPart::application() const {
+  const auto& context = own_context();
+  return context ? context->application() : Main::shared_application();
+}
+
+void ModelPart::join(const Ref<Context>& context) {
+  if (own_context()) return;
+  if (sheet_) sheet_ = make_ref<SheetRecord>(sheet_->sheet, context);
+  rare().context = context;
 }
 
 void ModelPart::putref_ParentRange(Ref<host::Range> range) {
@@ -215,6 +226,7 @@ void ModelPart::forget_cell() {
   texts.address_short = address_of(pos_);
   texts.work_sheet_name = sheet_->name;
   texts.workbook = sheet_->workbook;
+  texts.context = sheet_->context;
   sheet_ = nullptr;
 }
 

@@ -1,6 +1,5 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
 #include "qto/model/selection_keeper.hpp"
@@ -32,7 +31,7 @@ void ModelPart::check_relative_name() {
   Procedure proc("ModelPart", "check_relative_name");
   if (type_ != Type::name) return;
   (void)proc.step([&] {
-    const auto& app = Main::shared_application();
+    const auto app = application();
     if (!app) return;
     const auto name = ref_cast<host::DefinedName>(rare().underlying);
     SelectionKeeper selection(app);

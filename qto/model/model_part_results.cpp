@@ -53,7 +53,7 @@ void ModelPart::SetResultsValues() {
   Procedure proc("ModelPart", "SetResultsValues");
   if (has(results_set)) return;
   std::int32_t style = host::xlA1;
-  if (const auto& app = Main::shared_application())
+  if (const auto& app = application())
     if (!proc.step([&] { style = app->ReferenceStyle(); })) return;
   check_still_exists();
   if (has(results_set)) return;  // found again, and set on the way

@@ -1,12 +1,15 @@
 #include "qto/model/sheet_record.hpp"
 
+#include <utility>
+
 #include "qto/links/path_helpers.hpp"
 #include "qto/model/part_key.hpp"
 
 namespace qto {
 
-SheetRecord::SheetRecord(const Ref<host::Worksheet>& worksheet)
-    : sheet(worksheet),
+SheetRecord::SheetRecord(const Ref<host::Worksheet>& worksheet, Ref<Context> drill_context)
+    : context(std::move(drill_context)),
+      sheet(worksheet),
       workbook(worksheet->Workbook()),
       name(worksheet->Name()),
       local_file(!Main::IsURL(workbook->Path())),

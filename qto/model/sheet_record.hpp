@@ -6,14 +6,17 @@
 #include "qto/automation/ref.hpp"
 #include "qto/host/workbook.hpp"
 #include "qto/host/worksheet.hpp"
+#include "qto/links/context.hpp"
 
 namespace qto {
 
 /// What all cell parts of one sheet have in common, read from the host once for all of them.
 struct SheetRecord : RefCounted {
-  /// Reads name, workbook and the kind of location of a sheet.
-  explicit SheetRecord(const Ref<host::Worksheet>& worksheet);
+  /// Reads name, workbook and the kind of location of a sheet. The context is that of the drill;
+  /// none for a part that a client makes.
+  SheetRecord(const Ref<host::Worksheet>& worksheet, Ref<Context> context);
 
+  Ref<Context> context;
   Ref<host::Worksheet> sheet;
   Ref<host::Workbook> workbook;
   std::string name;

@@ -3,7 +3,6 @@
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
 #include "qto/parser/let_bindings.hpp"

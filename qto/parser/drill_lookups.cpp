@@ -6,7 +6,6 @@
 #include "qto/automation/text.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
 #include "qto/parser/parser.hpp"
@@ -82,8 +81,8 @@ DrillVerdict Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
     const std::int32_t index = whole_number_behind(argument_value(args[2]));
     if (!table) return DrillVerdict::not_found;
     const auto line = by_column ? table->Columns(1) : table->Rows(1);
-    const auto place = Main::shared_application()->WorksheetFunction()->Match(
-        wanted, line, approximate ? 1.0 : 0.0);
+    const auto place =
+        application().WorksheetFunction()->Match(wanted, line, approximate ? 1.0 : 0.0);
     if (!place || *place == 0) return DrillVerdict::not_found;
     const auto along = static_cast<std::int32_t>(*place);
     add_cell_part(by_column ? table->Cells(along, index) : table->Cells(index, along));
@@ -109,7 +108,7 @@ DrillVerdict Parser::parse_lookup(Tokens tokens, std::size_t& position) {
   } else {
     const auto vector = local_eval_range(vector_text);
     if (!vector) return DrillVerdict::not_found;
-    const auto place = Main::shared_application()->WorksheetFunction()->Match(wanted, vector);
+    const auto place = application().WorksheetFunction()->Match(wanted, vector);
     if (!place || *place == 0) return DrillVerdict::not_found;
     const auto result = args.size() > 2 ? local_eval_range(text_to_evaluate(args[2])) : vector;
     if (!result) throw NumberedFailure(91, "the result vector of LOOKUP is no range");
@@ -144,7 +143,7 @@ DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
                                 ? Variant(criterion_text.substr(1, criterion_text.size() - 2))
                                 : lookup_value(args[1]);
   const auto sums = args.size() > 2 ? local_eval_range(text_to_evaluate(args[2])) : nullptr;
-  const auto functions = Main::shared_application()->WorksheetFunction();
+  const auto functions = application().WorksheetFunction();
   const CellPos last = last_to_test(*range, *functions, criterion);
   // The sum range is paired with the criteria range by position from its top-left cell.
   for (std::int32_t row = 1; row <= last.row; ++row) {

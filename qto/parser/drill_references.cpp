@@ -1,7 +1,6 @@
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/argument_values.hpp"
 #include "qto/parser/arguments.hpp"
 #include "qto/parser/parser.hpp"
@@ -60,8 +59,8 @@ DrillVerdict Parser::parse_indirect(Tokens tokens, std::size_t& position) {
   const std::vector<Tokens> args = get_args(tokens, position);
   std::string target = text_behind(argument_value(args[0]));
   if (args.size() > 1 && !flag_behind(argument_value(args[1])))
-    target = Main::shared_application()->ConvertFormula(
-        target, host::xlR1C1, host::xlA1, ref_cast<host::Range>(part_->UnderlyingObject()));
+    target = application().ConvertFormula(target, host::xlR1C1, host::xlA1,
+                                          ref_cast<host::Range>(part_->UnderlyingObject()));
   const DrillVerdict verdict = parse_indirect_real(target);
   if (options().parse_indirect != qtodrillindirectboth) return verdict;
   for (const Tokens argument : args) {

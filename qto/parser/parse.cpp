@@ -2,18 +2,25 @@
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/diagnostics/subject.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
 
-Parser::Parser() : all_(make_ref<ModelParts>()) { Procedure proc("Parser", "Class_Initialize"); }
+Parser::Parser(Ref<Context> context) : context_(std::move(context)), all_(make_ref<ModelParts>()) {
+  Procedure proc("Parser", "Class_Initialize");
+}
 
 Parser::~Parser() = default;
 
 void Parser::putref_ParseOptions(Ref<DrillOptions> options) {
   Procedure proc("Parser", "ParseOptions[Set]");
   options_ = std::move(options);
+}
+
+void Parser::set_context(const Ref<Context>& context) {
+  if (context_ == context) return;
+  context_ = context;
+  records_.clear();
 }
 
 const DrillOptions::Settings& Parser::options() {
@@ -55,7 +62,7 @@ void Parser::enter_part(ModelPart& part) {
     last_record_ = part.sheet_record();
     own_worksheet_ = last_record_ ? last_record_->sheet : find_sheet(own_book_, own_sheet_);
   }
-  const auto& app = Main::shared_application();
+  const auto& app = context_->application();
   const auto first = app ? app->Workbooks()->find(1) : nullptr;
   form_sheet_ = first && first->WorksheetsCount() > 0 ? first->Worksheets(1) : nullptr;
 }

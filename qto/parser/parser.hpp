@@ -12,6 +12,7 @@
 #include "qto/host/range.hpp"
 #include "qto/host/workbook.hpp"
 #include "qto/host/worksheet.hpp"
+#include "qto/links/main.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
 #include "qto/options/drill_options.hpp"
@@ -29,7 +30,7 @@ bool leaves_something_out(const DrillOptions::Settings& options);
 /// engine; a DrillDown owns one.
 class Parser {
  public:
-  Parser();
+  explicit Parser(Ref<Context> context = Main::context());
   ~Parser();
 
   /// Unknown part, the list that holds it, and an answer: a number other than 0 is raised.
@@ -42,6 +43,9 @@ class Parser {
   void Parse(ModelPart& part, bool just_read = false);
   /// The options to read; without any, those of a new DrillOptions apply.
   void putref_ParseOptions(Ref<DrillOptions> options);
+
+  /// The context of the start object; parts are made in it.
+  void set_context(const Ref<Context>& context);
 
   /// The parts whose formulas are being drilled, most recent last.
   void AddParentRange(ModelPart& part);
@@ -80,6 +84,7 @@ class Parser {
   void check_token_for_name(TokenTable& table, std::size_t i);
 
   // Resolution
+  host::Application& application() const;
   Ref<host::Workbook> find_book(std::string_view book);
   Ref<host::Worksheet> find_sheet(std::string_view book, std::string_view sheet);
   void workbook_name_found(Qualifiers at, std::string_view name);
@@ -144,6 +149,7 @@ class Parser {
   void flag_contains_constant(std::string_view text);
   void parse_zeros_blanks_dates_intelligently();
 
+  Ref<Context> context_;
   std::vector<Ref<ModelPart>> parents_;
   Ref<DrillOptions> options_;
   Ref<ModelPart> part_;

@@ -1,8 +1,6 @@
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/linked_books.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/parser.hpp"
 #include "qto/parser/written_name.hpp"
 
@@ -22,15 +20,15 @@ void Parser::add_new_range_found(const Qualifiers& at, std::string_view address)
 /// A book that the engine opened earlier and somebody closed since.
 bool Parser::reopen_linked_book(std::string_view path, std::string_view book) {
   bool opened = false;
-  Main::BooksOpened()->for_each([&](LinkedBook& linked) {
+  context_->BooksOpened()->for_each([&](LinkedBook& linked) {
     if (linked.Path() == path && linked.Name() == book)
-      opened = linked.OpenIt(Main::shared_application());
+      opened = linked.OpenIt(context_->application());
   });
   return opened;
 }
 
 void Parser::add_unknown_range(const Qualifiers& at, std::string_view address) {
-  auto part = make_ref<ModelPart>();
+  auto part = make_ref<ModelPart>(context_);
   part->Create(nullptr, "Range", address);
   part->put_WorkBookPath(at.path);
   part->put_WorkBookName(undouble_apostrophes(at.book));
@@ -47,7 +45,7 @@ void Parser::add_possible_name_found(const Qualifiers& at, std::string_view name
     part_->put_HasError(true);
     return;
   }
-  auto part = make_ref<ModelPart>();
+  auto part = make_ref<ModelPart>(context_);
   if (!proc.step([&] { part->putref_ParentRange(parent_range()); })) return;
   part->Create(nullptr, "Name", name);
   part->put_WorkBookPath(at.path);
@@ -135,9 +133,9 @@ Ref<SheetRecord> Parser::record_named(const Ref<host::Workbook>& workbook, std::
 /// One record per sheet, as long as the sheet keeps its name and place.
 Ref<SheetRecord> Parser::record_of(const Ref<host::Worksheet>& sheet) {
   const std::uint64_t stamp = sheet->IdentityStamp();
-  if (stamp == 0) return make_ref<SheetRecord>(sheet);
+  if (stamp == 0) return make_ref<SheetRecord>(sheet, context_);
   Ref<SheetRecord>& record = records_[stamp];
-  if (!record) record = make_ref<SheetRecord>(sheet);
+  if (!record) record = make_ref<SheetRecord>(sheet, context_);
   return record;
 }
 

@@ -1,7 +1,6 @@
-#include "qto/automation/text.hpp"
+#include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
-#include "qto/links/main.hpp"
 #include "qto/parser/parser.hpp"
 #include "qto/parser/written_name.hpp"
 
@@ -42,10 +41,15 @@ bool Parser::is_book_open(std::string_view book) {
   return find_book(book) != nullptr;
 }
 
+host::Application& Parser::application() const {
+  if (!context_->application()) throw NumberedFailure(91, "there is no spreadsheet application");
+  return *context_->application();
+}
+
 /// Probe: the open workbook of that name.
 Ref<host::Workbook> Parser::find_book(std::string_view book) {
   if (own_workbook_ && book == own_book_) return own_workbook_;
-  const auto& app = Main::shared_application();
+  const auto& app = context_->application();
   if (!app) return nullptr;
   const auto workbooks = app->Workbooks();
   if (const auto found = workbooks->find(book)) return found;
@@ -69,8 +73,7 @@ void Parser::workbook_name_found(Qualifiers at, std::string_view name) {
   }
   (void)proc.step([&] {
     const auto open = find_book(at.book);
-    const auto workbook =
-        open ? open : Main::shared_application()->Workbooks()->Item(trim_white_space(at.book));
+    const auto workbook = open ? open : application().Workbooks()->Item(trim_white_space(at.book));
     add_name_part(workbook->Names(name), name);
   });
 }
@@ -82,21 +85,21 @@ void Parser::worksheet_name_found(const Qualifiers& at, std::string_view name) {
     std::string local_name(name);
     if (!sheet || !sheet->find_name(name)) {
       // Written without its sheet: the active workbook knows which sheet it belongs to.
-      const std::string full = Main::shared_application()->Names(name)->Name();
+      const std::string full = application().Names(name)->Name();
       const std::size_t mark = full.find('!');
       std::string sheet_name(at.sheet);
       if (mark != std::string::npos) {
         sheet_name = without_apostrophes(full.substr(0, mark));
         local_name = full.substr(mark + 1);
       }
-      sheet = Main::shared_application()->Workbooks()->Item(at.book)->Worksheets(sheet_name);
+      sheet = application().Workbooks()->Item(at.book)->Worksheets(sheet_name);
     }
     add_name_part(sheet->Names(local_name), local_name);
   });
 }
 
 void Parser::add_name_part(const Ref<Object>& name_object, std::string_view name) {
-  auto part = make_ref<ModelPart>();
+  auto part = make_ref<ModelPart>(context_);
   part->putref_ParentRange(parent_range());
   part->Create(name_object, "Name", name);
   found_->AddExisting(part);

@@ -111,7 +111,7 @@ void Parser::link_found(const LinkText& link, std::string_view item) {
   const std::string application(link.application);
   const std::string document(link.document);
   const std::string location(item);
-  auto part = make_ref<ModelPart>();
+  auto part = make_ref<ModelPart>(context_);
   if (!proc.step([&] { part->putref_ParentRange(parent_range()); })) return;
   part->Create(nullptr, "!LINK", application + "|" + document + "!" + location);
   part->put_CheckedForPrecedents(true);
