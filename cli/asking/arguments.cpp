@@ -8,7 +8,7 @@
 #include <iterator>
 #include <utility>
 
-#include "cli/asking/exit_status.hpp"
+#include "cli/asking/complaint.hpp"
 #include "cli/asking/nearest.hpp"
 #include "cli/terminal/terminal.hpp"
 #include "qto/automation/text.hpp"

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "cli/asking/complaint.hpp"
-#include "cli/links/open_failures.hpp"
+#include "cli/links/linked_books.hpp"
 #include "cli/terminal/prompt.hpp"
 #include "qto/automation/file_path.hpp"
 #include "qto/host/host.hpp"

@@ -1,6 +1,6 @@
 #include "cli/output/part_json.hpp"
 
-#include "cli/output/displayed.hpp"
+#include "cli/output/part_text.hpp"
 #include "qto/hosts/embedded/formats/serial_date.hpp"
 
 namespace qto::cli {

@@ -2,13 +2,23 @@
 
 #include <algorithm>
 
-#include "cli/output/displayed.hpp"
 #include "qto/automation/address.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/links/linked_books.hpp"
 #include "qto/links/main.hpp"
 
 namespace qto::cli {
+
+Ref<ModelPart> displayed(ModelPart& part) {
+  Ref<ModelPart> shown(&part);
+  if (part.is_range() && part.sheet_record() && !part.IsUnknown() && !part.ResultsSet()) {
+    shown = make_ref<ModelPart>();
+    shown->create_cell(part.sheet_record(), part.cell());
+  }
+  shown->SetResultsValues();
+  return shown;
+}
+
 namespace {
 
 constexpr std::size_t formula_letters = 60;

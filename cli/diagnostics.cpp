@@ -1,8 +1,13 @@
-#include "cli/tracing.hpp"
+#include "cli/diagnostics.hpp"
+
+#include <fmt/format.h>
+
+#include <memory>
 
 #include "cli/asking/complaint.hpp"
-#include "cli/asking/exit_status.hpp"
+#include "cli/terminal/prompt.hpp"
 #include "qto/automation/error.hpp"
+#include "qto/diagnostics/console_dialog.hpp"
 #include "qto/diagnostics/stream_viewer.hpp"
 #include "qto/diagnostics/trace_outputs.hpp"
 
@@ -42,5 +47,17 @@ Tracing::~Tracing() {
   diagnostics::set_viewer_output(false);
   diagnostics::set_trace_viewer(nullptr);
 }
+
+AskAboutReports::AskAboutReports(const Arguments& arguments, Progress& progress) {
+  if (arguments.reports != ReportPolicy::ask) return;
+  diagnostics::set_error_dialog(std::make_shared<diagnostics::ConsoleDialog>(
+      [&progress](std::string_view text) {
+        progress.hide();
+        fmt::print(stderr, "{}", text);
+      },
+      [](std::string_view question) { return prompt_line(std::string(question)); }));
+}
+
+AskAboutReports::~AskAboutReports() { diagnostics::set_error_dialog(nullptr); }
 
 }  // namespace qto::cli
