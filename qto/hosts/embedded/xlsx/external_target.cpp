@@ -9,7 +9,7 @@
 namespace qto::embedded {
 namespace {
 
-bool is_separator(char c) noexcept { return c == '/' || c == '\\'; }
+bool is_path_separator(char c) noexcept { return c == '/' || c == '\\'; }
 
 bool has_drive(std::string_view path) noexcept {
   const auto letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
@@ -19,7 +19,7 @@ bool has_drive(std::string_view path) noexcept {
 bool is_share(std::string_view path) noexcept { return path.starts_with("\\\\"); }
 
 FileLocation split(std::string path, char separator) {
-  std::replace_if(path.begin(), path.end(), is_separator, separator);
+  std::replace_if(path.begin(), path.end(), is_path_separator, separator);
   const std::size_t name = path.find_last_of(separator) + 1;
   return {path.substr(0, name), path.substr(name)};
 }
