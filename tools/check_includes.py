@@ -47,7 +47,19 @@ EMBEDDED_LEVELS = {
 COM_LEVELS = {"qto/com": 0}
 LATE_BOUND_LEVELS = {"qto/hosts/late_bound": 0}
 # The automation surface stands above the engine and the hosts.
-SERVER_LEVELS = {"qto/server": 0}
+SERVER_LEVELS = {
+    "qto/server/tables": 0,
+    "qto/server/module": 1,
+    "qto/server/calls": 2,
+    "qto/server/description": 3,
+    "qto/server/events": 3,
+    "qto/server/wrappers": 4,
+    "qto/server/binding": 5,
+    "qto/server/engine_tables": 6,
+    "qto/server/host_tables": 6,
+    "qto/server/registration": 6,
+    "qto/server/exports": 7,
+}
 CLI_LEVELS = {
     "cli/terminal": 0,
     "cli/output": 1,

@@ -36,7 +36,9 @@ def main(arguments):
             print(error, file=sys.stderr)
             return 1
         if done < 0:
-            print(f"{library}: the registry file cannot be written", file=sys.stderr)
+            why = {0x80070005: "permission denied", 0x80070070: "no space left on the device"}
+            print(f"{library}: the registry {registry_file()} cannot be written: "
+                  + why.get(done & 0xFFFFFFFF, f"{done & 0xFFFFFFFF:08X}"), file=sys.stderr)
             return 1
         print(f"{library}: {arguments[0]}ed")
     return 0

@@ -15,7 +15,7 @@
 /// The component object model's binary interfaces, laid out as its clients expect them: function
 /// tables in this order, variants of 24 bytes (16 where pointers have 32 bits), texts as counted
 /// UTF-16.
-namespace qto::server::com {
+namespace qto::com {
 
 using Result = std::int32_t;
 
@@ -24,9 +24,13 @@ inline constexpr Result ok = 0;
 inline constexpr Result no_more = 1;  ///< success that says "no" or "fewer than asked for"
 inline constexpr Result not_implemented = failure(0x80004001);
 inline constexpr Result no_interface = failure(0x80004002);
+inline constexpr Result operation_aborted = failure(0x80004004);
 inline constexpr Result null_pointer = failure(0x80004003);
+inline constexpr Result unknown_interface = failure(0x80020001);
 inline constexpr Result see_exception = failure(0x80020009);  ///< ExceptionInfo tells
 inline constexpr Result bad_index = failure(0x8002000B);
+inline constexpr Result access_denied = failure(0x80070005);
+inline constexpr Result disk_full = failure(0x80070070);
 inline constexpr Result invalid_argument = failure(0x80070057);
 inline constexpr Result disconnected = failure(0x80010108);  ///< the object was released
 inline constexpr Result no_aggregation = failure(0x80040110);
@@ -70,6 +74,7 @@ enum VariantType : std::uint16_t {
   vt_bool = 11,
   vt_variant = 12,
   vt_unknown = 13,
+  vt_decimal = 14,
   vt_i1 = 16,
   vt_u1 = 17,
   vt_u2 = 18,
@@ -172,6 +177,27 @@ struct EnumerationOf : Unknown {
   virtual Result QTO_CALL Clone(EnumerationOf** out) = 0;
 };
 using EnumVariant = EnumerationOf<ComVariant>;
+
+// How clients connect to the events of an object.
+/// One connection of a connection point, as its enumerator gives it; the sink is counted.
+struct ConnectData {
+  Unknown* sink;
+  std::uint32_t cookie;
+};
+using EnumConnections = EnumerationOf<ConnectData>;
+struct ConnectionPointContainer;
+struct ConnectionPoint : Unknown {
+  virtual Result QTO_CALL GetConnectionInterface(Guid* id) = 0;
+  virtual Result QTO_CALL GetConnectionPointContainer(ConnectionPointContainer** out) = 0;
+  virtual Result QTO_CALL Advise(Unknown* sink, std::uint32_t* cookie) = 0;
+  virtual Result QTO_CALL Unadvise(std::uint32_t cookie) = 0;
+  virtual Result QTO_CALL EnumConnections(com::EnumConnections** out) = 0;
+};
+using EnumConnectionPoints = EnumerationOf<ConnectionPoint*>;
+struct ConnectionPointContainer : Unknown {
+  virtual Result QTO_CALL EnumConnectionPoints(com::EnumConnectionPoints** out) = 0;
+  virtual Result QTO_CALL FindConnectionPoint(const Guid& id, ConnectionPoint** out) = 0;
+};
 #pragma GCC diagnostic pop
 
-}  // namespace qto::server::com
+}  // namespace qto::com

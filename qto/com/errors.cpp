@@ -3,7 +3,7 @@
 #include <new>
 #include <string_view>
 
-namespace qto::server {
+namespace qto::com {
 
 std::int32_t current_error_number() noexcept {
   constexpr std::uint32_t run_time_error = 0x800A0000, no_memory = 0x8007000E, failed = 0x80004005;
@@ -53,4 +53,4 @@ std::string current_error_text() {
   }
 }
 
-}  // namespace qto::server
+}  // namespace qto::com

@@ -6,7 +6,7 @@
 
 #include "qto/automation/error.hpp"
 
-namespace qto::server {
+namespace qto::com {
 
 /// The standard error numbers of late-bound calls.
 enum class CallError : std::uint32_t {
@@ -44,4 +44,4 @@ std::int32_t guarded(Run&& run) noexcept {
   }
 }
 
-}  // namespace qto::server
+}  // namespace qto::com

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cstdio>
 
-namespace qto::server {
+namespace qto::com {
 
 std::string guid_text(const Guid& g) {
   char out[39];
@@ -37,4 +37,4 @@ std::optional<Guid> parse_guid(std::string_view text) {
   return good ? std::optional(guid) : std::nullopt;
 }
 
-}  // namespace qto::server
+}  // namespace qto::com

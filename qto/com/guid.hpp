@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace qto::server {
+namespace qto::com {
 
 /// A globally unique identifier, laid out as clients pass it.
 struct Guid {
@@ -27,4 +27,4 @@ std::string guid_text(const Guid& guid);
 /// The identifier of such a text, with or without braces; nothing when it is none.
 std::optional<Guid> parse_guid(std::string_view text);
 
-}  // namespace qto::server
+}  // namespace qto::com

@@ -4,7 +4,7 @@
 
 #include "qto/com/com.hpp"
 
-namespace qto::server::com {
+namespace qto::com {
 
 /// A reference that its holder releases.
 template <class Interface>
@@ -35,4 +35,4 @@ class Holder {
   Interface* held_ = nullptr;
 };
 
-}  // namespace qto::server::com
+}  // namespace qto::com

@@ -6,7 +6,7 @@
 
 /// Memory that changes hands at the boundary: the system's own on Windows, so that any client can
 /// free it. All throw std::bad_alloc.
-namespace qto::server::com {
+namespace qto::com {
 
 /// A counted text, followed by a zero that is not counted.
 Text allocate_text(std::u16string_view text);
@@ -22,4 +22,4 @@ Array* allocate_list(std::uint32_t count);
 /// Releases what the variant owns and makes it empty. By-reference variants own nothing.
 void clear(ComVariant& variant) noexcept;
 
-}  // namespace qto::server::com
+}  // namespace qto::com

@@ -4,7 +4,7 @@
 
 #include "qto/com/memory.hpp"
 
-namespace qto::server::com {
+namespace qto::com {
 namespace {
 
 constexpr std::size_t header = 8;  // keeps the text aligned; the count takes the last four bytes
@@ -68,4 +68,4 @@ void clear(ComVariant& variant) noexcept {
   variant = ComVariant();
 }
 
-}  // namespace qto::server::com
+}  // namespace qto::com

@@ -6,7 +6,7 @@
 
 #include "qto/com/memory.hpp"
 
-namespace qto::server::com {
+namespace qto::com {
 
 static_assert(sizeof(ComVariant) == sizeof(VARIANT) && sizeof(Array) == sizeof(SAFEARRAY) + 8);
 
@@ -41,4 +41,4 @@ void clear(ComVariant& variant) noexcept {
   if (FAILED(VariantClear(reinterpret_cast<VARIANT*>(&variant)))) variant = ComVariant();
 }
 
-}  // namespace qto::server::com
+}  // namespace qto::com

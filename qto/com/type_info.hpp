@@ -3,7 +3,7 @@
 #include "qto/com/com.hpp"
 
 /// What clients ask about types.
-namespace qto::server::com {
+namespace qto::com {
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
@@ -62,4 +62,4 @@ struct TypeInfo : Unknown {
 };
 #pragma GCC diagnostic pop
 
-}  // namespace qto::server::com
+}  // namespace qto::com

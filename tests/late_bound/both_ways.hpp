@@ -6,7 +6,7 @@
 
 #include "qto/hosts/late_bound/late_bound.hpp"
 #include "qto/links/main.hpp"
-#include "tests/late_bound/veil.hpp"
+#include "tests/late_bound/played_server.hpp"
 #include "tests/support/text_book.hpp"
 
 namespace qto::test {
@@ -26,14 +26,14 @@ class Driven {
   template <class T>
   Ref<T> given(const Ref<T>& native) {
     if (!by_name_ || !native) return native;
-    const auto foreign = veils.over(native);
+    const auto foreign = server.stub_of(native);
     return ref_cast<T>(late_bound::proxy_of(*foreign.get()));
   }
   Ref<host::Workbook> open(const std::string& path) {
     return given(books.app.ref())->Workbooks()->Open(path);
   }
 
-  Veils veils;
+  PlayedServer server;
   Books books;
 
  private:

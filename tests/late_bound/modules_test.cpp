@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "qto/com/com_values.hpp"
 #include "qto/com/memory.hpp"
-#include "qto/server/dispatch.hpp"
-#include "qto/server/engine_tables.hpp"
-#include "qto/server/host_tables.hpp"
-#include "tests/late_bound/veil.hpp"
+#include "qto/com/values.hpp"
+#include "qto/server/calls/dispatch.hpp"
+#include "qto/server/engine_tables/library.hpp"
+#include "qto/server/host_tables/library.hpp"
+#include "tests/late_bound/played_server.hpp"
 #include "tests/server/module_client.hpp"
 
 namespace qto::test {
@@ -32,7 +32,7 @@ struct Modules : testing::Test {
   Held cell(const char16_t* sheet_name, const char16_t* address) {
     const std::string path = QTO_SOURCE_DIR "/examples/workbooks/plan.xlsx";
     const Bstr file(std::u16string(path.begin(), path.end())), name(sheet_name), at(address);
-    const Held application(host.create(application_table.class_id));
+    const Held application(host.create(server::host_tables::application_table.class_id));
     const Held books(object_of(application.get(), u"Workbooks"));
     const Held book(object_of(books.get(), u"Open", {file.variant()}));
     const Held sheet(object_of(book.get(), u"Worksheets", {name.variant()}));
@@ -40,7 +40,7 @@ struct Modules : testing::Test {
   }
   /// The addresses of the inputs of a start object.
   std::string inputs(com::Dispatch* start, Held* first = nullptr) {
-    const Held drill(engine.create(drill_down_table.class_id));
+    const Held drill(engine.create(server::engine_tables::drill_down_table.class_id));
     EXPECT_EQ(call(drill.get(), u"StartUnderlyingObject", call_put_ref, {of(start)}), 0);
     EXPECT_EQ(call(drill.get(), u"FindInputs", call_method, {}), 0);
     const Held list(object_of(drill.get(), u"InputCells"));
@@ -58,7 +58,7 @@ struct Modules : testing::Test {
 };
 
 TEST_F(Modules, AnotherServersObjectsAreDrilledByName) {
-  Veils veils;
+  PlayedServer server;
   std::string direct, by_name;
   {
     const Held start = cell(u"Summary", u"C7");
@@ -68,37 +68,41 @@ TEST_F(Modules, AnotherServersObjectsAreDrilledByName) {
   EXPECT_EQ(engine.call("DllCanUnloadNow"), 0);
   EXPECT_EQ(host.call("DllCanUnloadNow"), 0);
   {
-    const auto veiled = veils.over(cell(u"Summary", u"C7"));
+    const auto veiled = server.stub_of(cell(u"Summary", u"C7"));
     auto* start = static_cast<com::Dispatch*>(veiled.get());
     Held first;
     by_name = inputs(start, &first);
-    EXPECT_GT(veils.calls, 100);
+    EXPECT_GT(server.calls, 100);
     // What goes out is the application's own object.
     const Held object(object_of(first.get(), u"UnderlyingObject"));
     ASSERT_TRUE(object);
-    EXPECT_TRUE(veils.covers(object.get()));
+    EXPECT_TRUE(server.covers(object.get()));
     const Held book(object_of(first.get(), u"Workbook"));
-    EXPECT_TRUE(veils.covers(book.get()));
+    EXPECT_TRUE(server.covers(book.get()));
     EXPECT_EQ(text_of(book.get(), u"Name"), "plan.xlsx");
   }
   EXPECT_EQ(by_name, direct);
   EXPECT_GT(direct.size(), 100u);
   EXPECT_EQ(engine.call("DllCanUnloadNow"), 0);
-  EXPECT_EQ(veils.held(), 0u);
+  EXPECT_EQ(server.held(), 0u);
   EXPECT_EQ(host.call("DllCanUnloadNow"), 0);
 }
 
 TEST_F(Modules, ObjectsOfOtherClassesAreRefused) {
-  Veils veils;
-  const Held drill(engine.create(drill_down_table.class_id));
+  PlayedServer server;
+  const Held drill(engine.create(server::engine_tables::drill_down_table.class_id));
   const auto refusal = [&](const com::Holder<com::Unknown>& object) {
     return static_cast<std::uint32_t>(call(drill.get(), u"StartUnderlyingObject", call_put_ref,
                                            {of(static_cast<com::Dispatch*>(object.get()))}));
   };
-  EXPECT_EQ(refusal(veils.over(Held(host.create(application_table.class_id)))), 0x80040001);
-  EXPECT_EQ(refusal(veils.over(Held(engine.create(drill_options_table.class_id)))), 0x80040001);
-  EXPECT_EQ(refusal(veils.over(cell(u"Summary", u"Z99"))), 0x80040002);
-  EXPECT_EQ(refusal(veils.over(cell(u"Summary", u"C7:C8"))), 0x80040001);
+  EXPECT_EQ(
+      refusal(server.stub_of(Held(host.create(server::host_tables::application_table.class_id)))),
+      0x80040001);
+  EXPECT_EQ(refusal(server.stub_of(
+                Held(engine.create(server::engine_tables::drill_options_table.class_id)))),
+            0x80040001);
+  EXPECT_EQ(refusal(server.stub_of(cell(u"Summary", u"Z99"))), 0x80040002);
+  EXPECT_EQ(refusal(server.stub_of(cell(u"Summary", u"C7:C8"))), 0x80040001);
 }
 
 }  // namespace

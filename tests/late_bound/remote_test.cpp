@@ -6,7 +6,7 @@
 namespace qto::test {
 namespace {
 
-/// A book behind veils.
+/// A book behind server.
 struct Remote : testing::Test {
   Driven host{true};
   Ref<host::Workbook> book = host.given(
@@ -43,9 +43,9 @@ TEST_F(Remote, OneProxyStandsForOneObject) {
   EXPECT_NE(sheet->IdentityStamp(), book->Worksheets("Other")->IdentityStamp());
   const auto range = sheet->Range("A1");
   EXPECT_EQ(range->Worksheet(), sheet);
-  const std::size_t held = host.veils.held();
+  const std::size_t held = host.server.held();
   for (int i = 0; i < 3; ++i) (void)sheet->Range("A1")->value();
-  EXPECT_EQ(host.veils.held(), held);
+  EXPECT_EQ(host.server.held(), held);
 }
 
 TEST_F(Remote, ValuesCrossInBothDirections) {
@@ -122,7 +122,7 @@ TEST_F(Remote, FailuresCarryNumberAndCall) {
   EXPECT_EQ(failure_of([&] { app->Workbooks()->Open("/nowhere/none.xlsx"); }).number,
             host::general_failure);
   EXPECT_NE(failure_of([&] { app->Intersect(sheet->Range("A1"), nullptr); }).number, 0);
-  host.veils.fail_at(1, false, com::failure(0x80010108));
+  host.server.fail_at(1, false, com::failure(0x80010108));
   EXPECT_EQ(failure_of([&] { (void)book->Name(); }).number, static_cast<std::int32_t>(0x80010108));
 }
 
@@ -146,7 +146,7 @@ TEST_F(Remote, AnApplicationThatEvaluatesForSheetsAloneIsEnough) {
   std::vector<Variant> known;
   for (const auto& [piece, cell] : pieces) known.push_back(sheet->value_in_cell(cell, piece));
   Driven plain(true);
-  plain.veils.hidden = {u"ValueInCell", u"RangeInCell"};
+  plain.server.hidden = {u"ValueInCell", u"RangeInCell"};
   const auto other =
       plain.given(plain.books.add("A1=2; A2=text; A3=TRUE; A4==1/0; B1==A1*3; "
                                   "B2==A1:A4; C1=2024-05-06"));
@@ -169,7 +169,7 @@ TEST_F(Remote, OtherClassesAreRefused) {
   EXPECT_EQ(refused(book->find_name("Rate")), 0x80040001);
   EXPECT_EQ(refused(sheet->Range("A1:A2")), 0x80040001);
   EXPECT_EQ(refused(sheet->Range("A1")), 0x80040002);
-  const auto options = host.veils.over(make_ref<DrillOptions>());
+  const auto options = host.server.stub_of(make_ref<DrillOptions>());
   const Ref<Object> foreign = late_bound::proxy_of(*options.get());
   EXPECT_EQ(foreign->TypeName(), "DrillOptions");
   EXPECT_EQ(refused(foreign), 0x80040001);
@@ -184,13 +184,13 @@ std::string inputs_with_fault(std::int64_t n, bool always, std::int64_t* calls =
   const Ref<host::Range> start = host.given(host.books.range("C1"));
   const Reports reports;
   const auto drill = make_ref<DrillDown>();
-  host.veils.fail_at(n, always);
+  host.server.fail_at(n, always);
   (void)raised_by([&] {
     drill->putref_StartUnderlyingObject(start);
     drill->FindInputs();
   });
-  if (calls) *calls = host.veils.calls;
-  host.veils.fail_at(0);
+  if (calls) *calls = host.server.calls;
+  host.server.fail_at(0);
   return listed(drill->InputCells()) + reports.text();
 }
 

@@ -1,9 +1,9 @@
-#include "qto/server/dispatch.hpp"
+#include "qto/server/calls/dispatch.hpp"
 
 #include <gtest/gtest.h>
 
 #include "qto/engine/drill_down.hpp"
-#include "qto/server/enumerator.hpp"
+#include "qto/server/tables/enumerator.hpp"
 #include "tests/server/late_bound.hpp"
 #include "tests/support/text_book.hpp"
 

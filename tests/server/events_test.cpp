@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "qto/server/connection.hpp"
+#include "qto/server/events/connection.hpp"
 #include "tests/server/late_bound.hpp"
 #include "tests/support/text_book.hpp"
 
@@ -21,10 +21,23 @@ class Handler final : public EventSink {
   Answer answer_;
 };
 
-Connection connect(const LateBound& source, Handler::Answer answer) {
-  return Connection(*source.table, source.object,
-                    checked_sink(*source.table, make_ref<Handler>(std::move(answer))));
-}
+/// A connection that ends with its holder.
+class Connection {
+ public:
+  Connection(const LateBound& source, Handler::Answer answer)
+      : source_(source.object),
+        list_(ConnectionList::of(*source.table, *source_)),
+        cookie_(list_->add(make_ref<Handler>(std::move(answer)))) {}
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection() { disconnect(); }
+  void disconnect() { list_->remove(cookie_); }
+
+ private:
+  Ref<Object> source_;
+  Ref<ConnectionList> list_;
+  std::uint32_t cookie_;
+};
 
 int inputs_of(const LateBound& drill, const Ref<Object>& start) {
   drill.put("StartUnderlyingObject", Variant(start));
@@ -38,7 +51,7 @@ TEST(Events, AnswersComeBackThroughTheirArguments) {
   Books books("A1=2; B1==A1*A1; C1==B1*A1; D1==C1");
   const LateBound drill("DrillDown");
   std::string seen;
-  Connection connection = connect(drill, [&](std::int32_t id, std::span<Variant> arguments) {
+  Connection connection(drill, [&](std::int32_t id, std::span<Variant> arguments) {
     if (id != before_get_precedents) return;
     ASSERT_EQ(arguments.size(), 2u);
     EXPECT_EQ(arguments[1], Variant(false));
@@ -55,7 +68,7 @@ TEST(Events, AnswersComeBackThroughTheirArguments) {
 TEST(Events, WrongAnswersLeaveThePresets) {
   Books books("A1=2; B1==A1*A1");
   const LateBound drill("DrillDown");
-  Connection connection = connect(drill, [&](std::int32_t id, std::span<Variant> arguments) {
+  Connection connection(drill, [&](std::int32_t id, std::span<Variant> arguments) {
     if (id != before_get_precedents) return;
     arguments[0] = Variant(Ref<Object>(make_ref<DrillOptions>()));
     arguments[1] = Variant(ErrorValue::na);
@@ -67,7 +80,7 @@ TEST(Events, TextAnswersComeBackToo) {
   const LateBound part("ModelPart");
   part.put("Title", Variant("good"));
   std::string seen;
-  const Connection connection = connect(part, [&](std::int32_t id, std::span<Variant> arguments) {
+  const Connection connection(part, [&](std::int32_t id, std::span<Variant> arguments) {
     seen += part.table->events[static_cast<std::size_t>(id) - 1].name;
     seen += " " + arguments[0].text();
     arguments[1] = Variant("better");
@@ -78,18 +91,41 @@ TEST(Events, TextAnswersComeBackToo) {
 }
 
 TEST(Events, ClassesWithoutEventsRefuse) {
-  EXPECT_THROW(connect(LateBound("DrillOptions"), {}), std::invalid_argument);
+  EXPECT_THROW(Connection(LateBound("DrillOptions"), {}), std::invalid_argument);
 }
 
-TEST(Events, AConnectionHoldsItsObject) {
+TEST(Events, ConnectionsLastAsLongAsTheObjectAndDoNotKeepIt) {
   auto part = std::make_unique<LateBound>("ModelPart");
-  const Ref<Object> object = part->object;
-  const std::uint32_t before = object->ref_count();
-  {
-    const Connection connection = connect(*part, [](auto, auto) {});
-    EXPECT_EQ(object->ref_count(), before + 1);
-  }
-  EXPECT_EQ(object->ref_count(), before);
+  const ClassTable& table = *part->table;
+  part->put("Title", Variant("before"));
+  int changes = 0;
+  const Ref<EventSink> sink = make_ref<Handler>([&](auto, auto) { ++changes; });
+  const std::uint32_t cookie = ConnectionList::of(table, *part->object)->add(sink);
+  part->run("Create", {Variant(), Variant("Range")});
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(ConnectionList::of(table, *part->object)->sinks().size(), 1u);
+  EXPECT_TRUE(ConnectionList::of(table, *part->object)->remove(cookie));
+  EXPECT_EQ(sink->ref_count(), 1u);
+  ConnectionList::of(table, *part->object)->add(sink);
+  EXPECT_EQ(part->object->ref_count(), 1u);
+  part.reset();
+  EXPECT_EQ(sink->ref_count(), 1u);
+}
+
+TEST(Events, ASinkIsNotCalledOnceItIsDisconnected) {
+  const LateBound part("ModelPart");
+  part.put("Title", Variant("before"));
+  const Ref<ConnectionList> list = ConnectionList::of(*part.table, *part.object);
+  std::uint32_t second = 0;
+  int first_calls = 0, second_calls = 0;
+  list->add(make_ref<Handler>([&](auto, auto) {
+    ++first_calls;
+    list->remove(second);
+  }));
+  second = list->add(make_ref<Handler>([&](auto, auto) { ++second_calls; }));
+  part.run("Create", {Variant(), Variant("Range")});
+  EXPECT_EQ(first_calls, 1);
+  EXPECT_EQ(second_calls, 0);
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "qto/engine/drill_down.hpp"
-#include "qto/server/engine_tables.hpp"
+#include "qto/server/engine_tables/library.hpp"
 #include "tests/server/shown.hpp"
 #include "tests/support/text_book.hpp"
 
-namespace qto::server::com {
+namespace qto::server {
 
 /// How a compiler sees the interface in the type library. (Not in the nameless
 /// namespace, where it would hold that nobody implements it.)
@@ -20,6 +20,7 @@ struct ModelPartsInterface : Dispatch {
 
 namespace {
 
+using namespace engine_tables;
 using test::Books;
 
 /// The place of a member in its interface, behind the seven functions of Dispatch.
@@ -43,8 +44,8 @@ TEST(FunctionTable, HasAFunctionForEveryMember) {
 }
 
 TEST(FunctionTable, CollectionsAreDrivenByPlace) {
-  const auto face = shown("ModelParts"), part = shown("ModelPart");
-  auto* parts = static_cast<ModelPartsInterface*>(face.get());
+  const auto wrapper = shown("ModelParts"), part = shown("ModelPart");
+  auto* parts = static_cast<ModelPartsInterface*>(wrapper.get());
   std::int32_t count = -1;
   EXPECT_EQ(parts->get_Count(&count), ok);
   EXPECT_EQ(count, 0);
@@ -138,10 +139,10 @@ TEST(FunctionTable, ByReferenceArgumentsAreAnswered) {
   Unknown* part = given.get();
   part->AddRef();  // the variable's own
   EXPECT_EQ(call_at(parts.get(), 0, &part), ok);
-  const Holder<Unknown> answered(part), expected(face_of(own));
+  const Holder<Unknown> answered(part), expected(wrapper_of(own));
   EXPECT_EQ(answered.get(), expected.get());
   events->BeforeItemAdded.remove(token);
 }
 
 }  // namespace
-}  // namespace qto::server::com
+}  // namespace qto::server

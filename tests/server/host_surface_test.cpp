@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "qto/automation/variant_list.hpp"
-#include "qto/com/convert.hpp"
-#include "qto/server/enumerator.hpp"
+#include "qto/com/conversion.hpp"
+#include "qto/server/tables/enumerator.hpp"
 #include "tests/server/late_bound.hpp"
 #include "tests/support/text_book.hpp"
 

@@ -3,9 +3,9 @@
 #include <initializer_list>
 #include <string>
 
-#include "qto/server/dispatch.hpp"
-#include "qto/server/engine_library.hpp"
-#include "qto/server/module.hpp"
+#include "qto/server/calls/dispatch.hpp"
+#include "qto/server/engine_tables/library.hpp"
+#include "qto/server/module/module.hpp"
 
 namespace qto::server {
 

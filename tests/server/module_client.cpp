@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "qto/automation/text.hpp"
-#include "qto/com/com_values.hpp"
-#include "qto/server/dispatch.hpp"
+#include "qto/com/values.hpp"
+#include "qto/server/calls/dispatch.hpp"
 
 namespace qto::server {
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "qto/com/com.hpp"
+#include "qto/server/tables/table.hpp"
 
 /// A client of the shared libraries that knows nothing but their binary interface.
 namespace qto::server {

@@ -1,22 +1,29 @@
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
-#include "qto/server/dispatch.hpp"
-#include "qto/server/engine_tables.hpp"
-#include "qto/server/host_tables.hpp"
-#include "qto/server/registry.hpp"
+#include "qto/server/calls/dispatch.hpp"
+#include "qto/server/engine_tables/library.hpp"
+#include "qto/server/host_tables/library.hpp"
+#include "qto/server/registration/registry_posix.hpp"
 #include "tests/server/module_client.hpp"
 
 namespace qto::server {
 namespace {
 
-using namespace com;
+using namespace engine_tables;
+using host_tables::application_table;
+
 namespace fs = std::filesystem;
 
 bool is_loaded(const char* path) {
@@ -156,6 +163,67 @@ TEST(Module, EntersItselfIntoTheRegistry) {
   EXPECT_EQ(engine.call("DllUnregisterServer"), 0);
   EXPECT_EQ(read_registry(*file).size(), 1u);
   unsetenv("XDG_DATA_HOME");
+  fs::remove_all(folder);
+}
+
+/// Fills a registry from several processes at once.
+int register_at_once(const fs::path& file, const std::vector<const LibraryTable*>& libraries) {
+  std::vector<pid_t> children;
+  for (const LibraryTable* library : libraries) {
+    const pid_t child = fork();
+    if (child == 0) {
+      int failed = 0;
+      for (int i = 0; i < 50; ++i) failed |= update_registry(file, *library, "/lib/one.so");
+      _exit(failed != 0);
+    }
+    children.push_back(child);
+  }
+  int failures = 0;
+  for (const pid_t child : children) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    failures += status != 0;
+  }
+  return failures;
+}
+
+TEST(Registry, RegistrationsAtOnceLoseNoClass) {
+  const fs::path folder = fs::temp_directory_path() / ("qto-at-once-" + std::to_string(getpid()));
+  std::array<ClassTable, 4> tables{};
+  std::array<const ClassTable*, 4> classes{};
+  std::array<LibraryTable, 4> libraries{};
+  std::vector<const LibraryTable*> all;
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    tables[i] = engine_tables::drill_down_table;
+    tables[i].class_id = own_guid(static_cast<std::uint32_t>(0x8000 + i));
+    classes[i] = &tables[i];
+    libraries[i] = engine_library();
+    libraries[i].classes = {&classes[i], 1};
+    all.push_back(&libraries[i]);
+  }
+  EXPECT_EQ(register_at_once(folder / "servers", all), 0);
+  EXPECT_EQ(read_registry(folder / "servers").size(), all.size());
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
+  fs::remove_all(folder);
+}
+
+TEST(Registry, AFullDiskLeavesTheFileAsItWas) {
+  const fs::path folder = fs::temp_directory_path() / ("qto-full-" + std::to_string(getpid()));
+  const fs::path file = folder / "servers";
+  ASSERT_EQ(update_registry(file, engine_library(), "/lib/one.so"), 0);
+  const auto before = fs::file_size(file);
+  const pid_t child = fork();
+  if (child == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit little{64, 64};
+    setrlimit(RLIMIT_FSIZE, &little);
+    _exit(update_registry(file, engine_library(), "/lib/another.so") == EFBIG ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(fs::file_size(file), before);
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
   fs::remove_all(folder);
 }
 

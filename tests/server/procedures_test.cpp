@@ -4,7 +4,7 @@
 #include <string>
 
 #include "qto/diagnostics/procedures.hpp"
-#include "qto/server/engine_library.hpp"
+#include "qto/server/engine_tables/library.hpp"
 
 namespace qto::server {
 namespace {

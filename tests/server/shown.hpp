@@ -3,17 +3,17 @@
 #include <cstdio>
 #include <string>
 
-#include "qto/com/com_values.hpp"
 #include "qto/com/holder.hpp"
-#include "qto/server/engine_library.hpp"
-#include "qto/server/face.hpp"
+#include "qto/com/values.hpp"
+#include "qto/server/engine_tables/library.hpp"
+#include "qto/server/wrappers/marshaling.hpp"
 
 /// What a client holds, for tests within one program.
-namespace qto::server::com {
+namespace qto::server {
 
 /// A new object of the engine as a client gets it.
 inline Holder<Dispatch> shown(const Ref<Object>& object) {
-  return Holder<Dispatch>(static_cast<Dispatch*>(face_of(object)));
+  return Holder<Dispatch>(static_cast<Dispatch*>(wrapper_of(object)));
 }
 inline Holder<Dispatch> shown(const char* class_name) {
   return shown(find_class(engine_library(), class_name)->create());
@@ -48,4 +48,4 @@ Result call_at(Dispatch* object, std::size_t place, Arguments... arguments) {
   return reinterpret_cast<Function>(table[7 + place])(object, arguments...);
 }
 
-}  // namespace qto::server::com
+}  // namespace qto::server

@@ -4,9 +4,9 @@
 #include <set>
 #include <sstream>
 
-#include "qto/server/describe.hpp"
-#include "qto/server/engine_library.hpp"
-#include "qto/server/host_library.hpp"
+#include "qto/server/description/describe.hpp"
+#include "qto/server/engine_tables/library.hpp"
+#include "qto/server/host_tables/library.hpp"
 
 namespace qto::server {
 namespace {

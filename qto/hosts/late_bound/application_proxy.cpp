@@ -16,16 +16,16 @@ Ref<host::Workbooks> ApplicationProxy::Workbooks() {
 }
 
 Ref<host::Workbook> ApplicationProxy::ActiveWorkbook() {
-  return object<host::Workbook>(Member::ActiveWorkbook, "Workbook");
+  return object<host::Workbook>(HostMember::ActiveWorkbook, "Workbook");
 }
 
 Ref<host::Sheet> ApplicationProxy::ActiveSheet() {
-  return any_object<host::Sheet>(Member::ActiveSheet);
+  return any_object<host::Sheet>(HostMember::ActiveSheet);
 }
 
 /// Applications answer the surface or the frame of a chart that is selected as a whole.
 Ref<Object> ApplicationProxy::Selection() {
-  const Ref<Object> selected = any_object<Object>(Member::Selection);
+  const Ref<Object> selected = any_object<Object>(HostMember::Selection);
   if (const auto frame = ref_cast<host::ChartObject>(selected)) return frame->Chart();
   if (selected && selected->TypeName() == "ChartArea")
     if (const auto area = ref_cast<host::HostObject>(selected)) return area->Parent();
@@ -33,45 +33,47 @@ Ref<Object> ApplicationProxy::Selection() {
 }
 
 Ref<host::Window> ApplicationProxy::ActiveWindow() {
-  return object<host::Window>(Member::ActiveWindow, "Window");
+  return object<host::Window>(HostMember::ActiveWindow, "Window");
 }
 
 Ref<host::Chart> ApplicationProxy::ActiveChart() {
-  return object<host::Chart>(Member::ActiveChart, "Chart");
+  return object<host::Chart>(HostMember::ActiveChart, "Chart");
 }
 
 void ApplicationProxy::Goto(const Ref<host::Range>& reference, bool scroll) {
-  call(Member::Goto, {Variant(reference), Variant(scroll)});
+  call(HostMember::Goto, {Variant(reference), Variant(scroll)});
 }
 
 Ref<host::Range> ApplicationProxy::Intersect(const Ref<host::Range>& a, const Ref<host::Range>& b) {
-  return object<host::Range>(Member::Intersect, "Range", {Variant(a), Variant(b)});
+  return object<host::Range>(HostMember::Intersect, "Range", {Variant(a), Variant(b)});
 }
 
 std::string ApplicationProxy::ConvertFormula(std::string_view formula, std::int32_t from_style,
                                              std::int32_t to_style,
                                              const Ref<host::Range>& relative_to) {
   if (!relative_to)
-    return text(Member::ConvertFormula, {Variant(formula), Variant(from_style), Variant(to_style)});
-  return text(Member::ConvertFormula, {Variant(formula), Variant(from_style), Variant(to_style),
-                                       std::nullopt, Variant(relative_to)});
+    return text(HostMember::ConvertFormula,
+                {Variant(formula), Variant(from_style), Variant(to_style)});
+  return text(HostMember::ConvertFormula, {Variant(formula), Variant(from_style), Variant(to_style),
+                                           std::nullopt, Variant(relative_to)});
 }
 
 Ref<host::WorksheetFunction> ApplicationProxy::WorksheetFunction() {
-  return need<host::WorksheetFunction>(Member::WorksheetFunction, "WorksheetFunction");
+  return need<host::WorksheetFunction>(HostMember::WorksheetFunction, "WorksheetFunction");
 }
 
 Ref<host::DefinedName> ApplicationProxy::find_name(std::string_view name) {
   try {
-    const Remote names = part(Member::Names, "Names");
-    return existing(find_object<host::DefinedName>(names, Member::Item, "Name", {Variant(name)}));
+    const Remote names = part(HostMember::Names, "Names");
+    return existing(
+        find_object<host::DefinedName>(names, HostMember::Item, "Name", {Variant(name)}));
   } catch (const host::HostFailure&) {
     return nullptr;
   }
 }
 
 Ref<host::DefinedName> ApplicationProxy::Names(std::string_view name) {
-  return item<host::DefinedName>(part(Member::Names, "Names"), Member::Item, "Name",
+  return item<host::DefinedName>(part(HostMember::Names, "Names"), HostMember::Item, "Name",
                                  {Variant(name)});
 }
 

@@ -14,14 +14,14 @@ class ApplicationProxy final : public ProxyOf<host::Application> {
   Ref<Object> Selection() override;
   Ref<host::Window> ActiveWindow() override;
   Ref<host::Chart> ActiveChart() override;
-  std::string Caption() override { return text(Member::Caption); }
-  std::int32_t ReferenceStyle() override { return number(Member::ReferenceStyle); }
-  bool ScreenUpdating() override { return flag(Member::ScreenUpdating); }
-  void put_ScreenUpdating(bool on) override { put(Member::ScreenUpdating, Variant(on)); }
-  bool EnableEvents() override { return flag(Member::EnableEvents); }
-  void put_EnableEvents(bool on) override { put(Member::EnableEvents, Variant(on)); }
-  bool DisplayAlerts() override { return flag(Member::DisplayAlerts); }
-  void put_DisplayAlerts(bool on) override { put(Member::DisplayAlerts, Variant(on)); }
+  std::string Caption() override { return text(HostMember::Caption); }
+  std::int32_t ReferenceStyle() override { return number(HostMember::ReferenceStyle); }
+  bool ScreenUpdating() override { return flag(HostMember::ScreenUpdating); }
+  void put_ScreenUpdating(bool on) override { put(HostMember::ScreenUpdating, Variant(on)); }
+  bool EnableEvents() override { return flag(HostMember::EnableEvents); }
+  void put_EnableEvents(bool on) override { put(HostMember::EnableEvents, Variant(on)); }
+  bool DisplayAlerts() override { return flag(HostMember::DisplayAlerts); }
+  void put_DisplayAlerts(bool on) override { put(HostMember::DisplayAlerts, Variant(on)); }
   void Goto(const Ref<host::Range>& reference, bool scroll) override;
   Ref<host::Range> Intersect(const Ref<host::Range>& a, const Ref<host::Range>& b) override;
   std::string ConvertFormula(std::string_view formula, std::int32_t from_style,
@@ -33,7 +33,7 @@ class ApplicationProxy final : public ProxyOf<host::Application> {
   void yield() override;
 
   /// The application's own collection of workbooks.
-  Remote reach_workbooks() const { return part(Member::Workbooks, "Workbooks"); }
+  Remote reach_workbooks() const { return part(HostMember::Workbooks, "Workbooks"); }
 
  private:
   Ref<host::Application> application() const override;

@@ -10,24 +10,24 @@ Ref<host::Workbook> ChartProxy::Workbook() const {
   while (owner && owner->TypeName() != "Workbook" && owner->TypeName() != "Application")
     owner = owner->Parent();
   const auto book = ref_cast<host::Workbook>(owner);
-  if (!book) fail_nothing(Member::Parent);
+  if (!book) fail_nothing(HostMember::Parent);
   return book;
 }
 
 std::vector<Ref<host::Series>> ChartProxy::SeriesCollection() const {
-  return items<host::Series>(part(Member::SeriesCollection, "SeriesCollection"), "Series");
+  return items<host::Series>(part(HostMember::SeriesCollection, "SeriesCollection"), "Series");
 }
 
 void ChartProxy::SelectChartArea() {
-  (void)part(Member::ChartArea, "ChartArea").get(Member::Select, session());
+  (void)part(HostMember::ChartArea, "ChartArea").get(HostMember::Select, session());
 }
 
 std::string PivotTableProxy::SourceData() const {
-  const Variant source = get(Member::SourceData);
-  if (!source.is_array()) return converted(Member::SourceData, source, server::Shape::text).text();
+  const Variant source = get(HostMember::SourceData);
+  if (!source.is_array()) return converted(HostMember::SourceData, source, com::Shape::text).text();
   std::string all;
   for (const Variant& piece : source.array().items())
-    all += converted(Member::SourceData, piece, server::Shape::text).text();
+    all += converted(HostMember::SourceData, piece, com::Shape::text).text();
   return all;
 }
 

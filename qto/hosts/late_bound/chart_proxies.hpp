@@ -10,27 +10,29 @@ namespace qto::late_bound {
 class SeriesProxy final : public ProxyOf<host::Series> {
  public:
   using ProxyOf::ProxyOf;
-  std::string Name() const override { return text(Member::Name); }
-  std::string Formula() const override { return text(Member::Formula); }
-  std::string FormulaLocal() const override { return text(Member::FormulaLocal); }
-  std::string FormulaR1C1Local() const override { return text(Member::FormulaR1C1Local); }
-  std::int32_t ChartType() const override { return number(Member::ChartType); }
-  void Select() override { call(Member::Select); }
+  std::string Name() const override { return text(HostMember::Name); }
+  std::string Formula() const override { return text(HostMember::Formula); }
+  std::string FormulaLocal() const override { return text(HostMember::FormulaLocal); }
+  std::string FormulaR1C1Local() const override { return text(HostMember::FormulaR1C1Local); }
+  std::int32_t ChartType() const override { return number(HostMember::ChartType); }
+  void Select() override { call(HostMember::Select); }
 };
 
 class ChartProxy final : public ProxyOf<host::Chart> {
  public:
   using ProxyOf::ProxyOf;
-  std::string Name() const override { return text(Member::Name); }
-  int Index() const override { return number(Member::Index); }
+  std::string Name() const override { return text(HostMember::Name); }
+  int Index() const override { return number(HostMember::Index); }
   Ref<host::Workbook> Workbook() const override;
-  std::int32_t Visible() const override { return number(Member::Visible); }
-  void put_Visible(std::int32_t visibility) override { put(Member::Visible, Variant(visibility)); }
-  void Unprotect(std::string_view password) override {
-    call(Member::Unprotect, {Variant(password)});
+  std::int32_t Visible() const override { return number(HostMember::Visible); }
+  void put_Visible(std::int32_t visibility) override {
+    put(HostMember::Visible, Variant(visibility));
   }
-  void Select() override { call(Member::Select); }
-  void Activate() override { call(Member::Activate); }
+  void Unprotect(std::string_view password) override {
+    call(HostMember::Unprotect, {Variant(password)});
+  }
+  void Select() override { call(HostMember::Select); }
+  void Activate() override { call(HostMember::Activate); }
   std::vector<Ref<host::Series>> SeriesCollection() const override;
   void SelectChartArea() override;
 };
@@ -38,17 +40,17 @@ class ChartProxy final : public ProxyOf<host::Chart> {
 class ChartObjectProxy final : public ProxyOf<host::ChartObject> {
  public:
   using ProxyOf::ProxyOf;
-  std::string Name() const override { return text(Member::Name); }
-  Ref<host::Chart> Chart() const override { return need<host::Chart>(Member::Chart, "Chart"); }
-  void Activate() override { call(Member::Activate); }
+  std::string Name() const override { return text(HostMember::Name); }
+  Ref<host::Chart> Chart() const override { return need<host::Chart>(HostMember::Chart, "Chart"); }
+  void Activate() override { call(HostMember::Activate); }
 };
 
 class PivotTableProxy final : public ProxyOf<host::PivotTable> {
  public:
   using ProxyOf::ProxyOf;
-  std::string Name() const override { return text(Member::Name); }
+  std::string Name() const override { return text(HostMember::Name); }
   Ref<host::Range> TableRange2() const override {
-    return need<host::Range>(Member::TableRange2, "Range");
+    return need<host::Range>(HostMember::TableRange2, "Range");
   }
   /// The pieces of an array stand one after the other.
   std::string SourceData() const override;

@@ -8,8 +8,8 @@
 namespace qto::late_bound {
 
 /// The proxy of an application's object, of the class that its type information tells; the same one
-/// for the same object as long as somebody holds it. Throws server::CallFailure (type mismatch) for
+/// for the same object as long as somebody holds it. Throws com::CallFailure (type mismatch) for
 /// an object without late-bound calls, and host::HostFailure when it fails while it is looked at.
-Ref<Object> proxy_of(server::com::Unknown& unknown);
+Ref<Object> proxy_of(com::Unknown& unknown);
 
 }  // namespace qto::late_bound

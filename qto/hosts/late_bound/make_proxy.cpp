@@ -45,7 +45,7 @@ Ref<Object> make_proxy(const Ref<Session>& session, com::Holder<com::Dispatch> o
   Remote remote = session->remote(std::move(object), class_name);
   for (const Maker& maker : makers)
     if (maker.class_name == class_name) return maker.make(session, std::move(remote));
-  if (remote.has(Member::Application))
+  if (remote.has(HostMember::Application))
     return make_ref<OtherProxy>(session, std::move(remote), class_name);
   return make_ref<ForeignObject>(session, std::move(remote), class_name);
 }
@@ -53,9 +53,9 @@ Ref<Object> make_proxy(const Ref<Session>& session, com::Holder<com::Dispatch> o
 Ref<Object> proxy_of(com::Unknown& unknown) {
   void* found = nullptr;
   if (unknown.QueryInterface(com::iid_dispatch, &found) != com::ok || !found)
-    throw server::CallFailure(server::CallError::type_mismatch);
+    throw com::CallFailure(com::CallError::type_mismatch);
   const com::Holder<com::Dispatch> object(static_cast<com::Dispatch*>(found));
-  return Session::of(*object.get())->take(*object.get());
+  return Session::of(*object.get())->unmarshal(*object.get());
 }
 
 }  // namespace qto::late_bound

@@ -5,7 +5,7 @@
 
 namespace qto::late_bound {
 
-std::string_view name_of(Member member) noexcept {
+std::string_view name_of(HostMember member) noexcept {
   static constexpr std::string_view names[] = {
       "AcceptLabelsInFormulas",
       "Activate",
@@ -89,7 +89,7 @@ std::string_view name_of(Member member) noexcept {
       "WorksheetFunction",
       "Worksheets",
   };
-  static_assert(std::size(names) == static_cast<std::size_t>(Member::count_));
+  static_assert(std::size(names) == static_cast<std::size_t>(HostMember::count_));
   return names[static_cast<std::size_t>(member)];
 }
 

@@ -6,7 +6,7 @@
 namespace qto::late_bound {
 
 /// The members of an application's objects that are called by name.
-enum class Member : std::uint8_t {
+enum class HostMember : std::uint8_t {
   AcceptLabelsInFormulas,
   Activate,
   ActiveChart,
@@ -92,6 +92,6 @@ enum class Member : std::uint8_t {
 };
 
 /// The member as it is called.
-std::string_view name_of(Member member) noexcept;
+std::string_view name_of(HostMember member) noexcept;
 
 }  // namespace qto::late_bound

@@ -16,15 +16,15 @@ class ProxyOf : public Interface, public RemoteHandle {
     enter(*this, remote_);
   }
   Ref<host::HostObject> Parent() const override {
-    return any_object<host::HostObject>(Member::Parent);
+    return any_object<host::HostObject>(HostMember::Parent);
   }
-  bool exists() const noexcept override { return probe(Member::Application).has_value(); }
+  bool exists() const noexcept override { return probe(HostMember::Application).has_value(); }
 
  protected:
   /// Of an object that is reached later.
   explicit ProxyOf(Ref<Session> session) : RemoteHandle(std::move(session)) {}
   Ref<host::Application> application() const override {
-    return need<host::Application>(Member::Application, "Application");
+    return need<host::Application>(HostMember::Application, "Application");
   }
 };
 

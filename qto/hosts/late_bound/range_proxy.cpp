@@ -31,13 +31,13 @@ bool RangeProxy::exists() const noexcept { return remote_ ? ProxyOf::exists() : 
 void RangeProxy::read_place() const {
   // Applications cut addresses of many areas short.
   constexpr std::size_t longest_address = 240;
-  const std::string address = text(Member::Address);
+  const std::string address = text(HostMember::Address);
   const auto area = parse_area(std::string_view(address).substr(0, address.find(',')));
-  if (!area) fail_type(Member::Address);
+  if (!area) fail_type(HostMember::Address);
   block_ = area->rect();
   areas_ = address.size() < longest_address
                ? static_cast<std::int32_t>(std::count(address.begin(), address.end(), ',')) + 1
-               : count_of(part(Member::Areas, "Areas"));
+               : count_of(part(HostMember::Areas, "Areas"));
 }
 
 void RangeProxy::refresh_place() const noexcept {
@@ -50,7 +50,7 @@ void RangeProxy::refresh_place() const noexcept {
 }
 
 Ref<host::Worksheet> RangeProxy::Worksheet() const {
-  if (!sheet_) sheet_ = need<host::Worksheet>(Member::Worksheet, "Worksheet");
+  if (!sheet_) sheet_ = need<host::Worksheet>(HostMember::Worksheet, "Worksheet");
   return sheet_;
 }
 
@@ -67,7 +67,7 @@ int RangeProxy::AreasCount() const noexcept {
 std::int64_t RangeProxy::CellsCount() const noexcept {
   refresh_place();
   if (areas_ == 1) return block_.cells();
-  const auto count = probe(Member::Count);
+  const auto count = probe(HostMember::Count);
   if (!count) return block_.cells();
   if (const auto* whole = count->get_if<std::int32_t>()) return *whole;
   const auto* number = count->get_if<double>();
@@ -100,48 +100,48 @@ std::string RangeProxy::Address(bool row_absolute, bool column_absolute, std::in
                                 bool external) const {
   if (!remote_ && style == host::xlA1 && !external)
     return address_of(block_, row_absolute, column_absolute);
-  return text(Member::Address,
+  return text(HostMember::Address,
               {Variant(row_absolute), Variant(column_absolute), Variant(style), Variant(external)});
 }
 
 std::string RangeProxy::AddressLocal(bool row_absolute, bool column_absolute, std::int32_t style,
                                      bool external) const {
-  return text(Member::AddressLocal,
+  return text(HostMember::AddressLocal,
               {Variant(row_absolute), Variant(column_absolute), Variant(style), Variant(external)});
 }
 
 /// Null says that only some cells hold formulas.
-bool RangeProxy::HasFormula() const { return get(Member::HasFormula) == Variant(true); }
+bool RangeProxy::HasFormula() const { return get(HostMember::HasFormula) == Variant(true); }
 
 std::string RangeProxy::Text() const {
-  const Variant shown = get(Member::Text);
-  return shown.is_null() ? "" : converted(Member::Text, shown, server::Shape::text).text();
+  const Variant shown = get(HostMember::Text);
+  return shown.is_null() ? "" : converted(HostMember::Text, shown, com::Shape::text).text();
 }
 
 Ref<host::DefinedName> RangeProxy::find_name() const {
   try {
-    return find_object<host::DefinedName>(remote(), Member::Name, "Name");
+    return find_object<host::DefinedName>(remote(), HostMember::Name, "Name");
   } catch (const host::HostFailure&) {
     return nullptr;
   }
 }
 
 Ref<host::Range> RangeProxy::End(std::int32_t direction) const {
-  return need<host::Range>(Member::End, "Range", {Variant(direction)});
+  return need<host::Range>(HostMember::End, "Range", {Variant(direction)});
 }
 
 Ref<host::Range> RangeProxy::EntireRow() const {
-  return need<host::Range>(Member::EntireRow, "Range");
+  return need<host::Range>(HostMember::EntireRow, "Range");
 }
 
 Ref<host::Range> RangeProxy::EntireColumn() const {
-  return need<host::Range>(Member::EntireColumn, "Range");
+  return need<host::Range>(HostMember::EntireColumn, "Range");
 }
 
 std::optional<bool> RangeProxy::Hidden() const {
-  const Variant hidden = get(Member::Hidden);
+  const Variant hidden = get(HostMember::Hidden);
   if (hidden.is_null()) return std::nullopt;
-  return *converted(Member::Hidden, hidden, server::Shape::boolean).get_if<bool>();
+  return *converted(HostMember::Hidden, hidden, com::Shape::boolean).get_if<bool>();
 }
 
 }  // namespace qto::late_bound

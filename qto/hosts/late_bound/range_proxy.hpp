@@ -27,26 +27,28 @@ class RangeProxy final : public ProxyOf<host::Range> {
   std::string AddressLocal(bool row_absolute, bool column_absolute, std::int32_t style,
                            bool external) const override;
   bool HasFormula() const override;
-  std::string Formula() const override { return text(Member::Formula); }
-  std::string FormulaLocal() const override { return text(Member::FormulaLocal); }
-  std::string FormulaR1C1Local() const override { return text(Member::FormulaR1C1Local); }
-  Variant value() const override { return get(Member::Value); }
+  std::string Formula() const override { return text(HostMember::Formula); }
+  std::string FormulaLocal() const override { return text(HostMember::FormulaLocal); }
+  std::string FormulaR1C1Local() const override { return text(HostMember::FormulaR1C1Local); }
+  Variant value() const override { return get(HostMember::Value); }
   std::string Text() const override;
   Ref<host::DefinedName> find_name() const override;
   Ref<host::Range> End(std::int32_t direction) const override;
   Ref<host::Range> EntireRow() const override;
   Ref<host::Range> EntireColumn() const override;
   std::optional<bool> Hidden() const override;
-  void put_Hidden(bool hidden) override { put(Member::Hidden, Variant(hidden)); }
-  void Select() override { call(Member::Select); }
-  void put_value(const Variant& value) override { put(Member::Value, value); }
-  void put_Formula(std::string_view formula) override { put(Member::Formula, Variant(formula)); }
-  void put_FormulaArray(std::string_view formula) override {
-    put(Member::FormulaArray, Variant(formula));
+  void put_Hidden(bool hidden) override { put(HostMember::Hidden, Variant(hidden)); }
+  void Select() override { call(HostMember::Select); }
+  void put_value(const Variant& value) override { put(HostMember::Value, value); }
+  void put_Formula(std::string_view formula) override {
+    put(HostMember::Formula, Variant(formula));
   }
-  std::string NumberFormat() const override { return text(Member::NumberFormat); }
+  void put_FormulaArray(std::string_view formula) override {
+    put(HostMember::FormulaArray, Variant(formula));
+  }
+  std::string NumberFormat() const override { return text(HostMember::NumberFormat); }
   void put_NumberFormat(std::string_view code) override {
-    put(Member::NumberFormat, Variant(code));
+    put(HostMember::NumberFormat, Variant(code));
   }
 
  private:

@@ -24,14 +24,14 @@ class Passed {
   ~Passed() {
     for (com::ComVariant& value : values_) com::clear(value);
   }
-  void add(const Given& given, com::ObjectDoor& door) {
+  void add(const Given& given, com::ObjectMarshaler& marshaler) {
     values_.insert(values_.begin(), com::ComVariant());
     if (given) {
-      values_.front() = com::to_com(*given, door);
+      values_.front() = com::to_com(*given, marshaler);
       return;
     }
     values_.front().type = com::vt_error;
-    values_.front().i4 = static_cast<std::int32_t>(server::CallError::parameter_not_found);
+    values_.front().i4 = static_cast<std::int32_t>(com::CallError::parameter_not_found);
   }
   com::CallParameters parameters(bool assigns) {
     return {values_.data(), assigns ? &com::id_assigned_value : nullptr,
@@ -66,23 +66,23 @@ class Remote::Answer {
   com::ComVariant value;
 };
 
-std::optional<std::int32_t> MemberIds::id_of(com::Dispatch& object, Member member,
+std::optional<std::int32_t> MemberIds::id_of(com::Dispatch& object, HostMember member,
                                              com::Result& failed) {
-  constexpr auto unknown_name = static_cast<com::Result>(server::CallError::unknown_name);
+  constexpr auto unknown_name = static_cast<com::Result>(com::CallError::unknown_name);
   Known& known = known_[static_cast<std::size_t>(member)];
   if (known.found) return known.id;
   failed = unknown_name;
   if (known.missing) return std::nullopt;
   const std::u16string name = text::to_utf16(name_of(member));
   const char16_t* names[] = {name.c_str()};
-  failed = object.GetIDsOfNames(server::Guid(), names, 1, english, &known.id);
+  failed = object.GetIDsOfNames(com::Guid(), names, 1, english, &known.id);
   known.found = failed == com::ok;
   known.missing = failed == unknown_name;  // any other failure may pass
   return known.found ? std::optional(known.id) : std::nullopt;
 }
 
-bool Remote::invoke(Member member, std::uint16_t flags, com::ObjectDoor& door, GivenList arguments,
-                    Answer& answer, Failure& failure) const {
+bool Remote::invoke(HostMember member, std::uint16_t flags, com::ObjectMarshaler& marshaler,
+                    GivenList arguments, Answer& answer, Failure& failure) const {
   if (!object_) {
     failure = {no_object, "The object was released"};
     return false;
@@ -94,10 +94,10 @@ bool Remote::invoke(Member member, std::uint16_t flags, com::ObjectDoor& door, G
     return false;
   }
   Passed passed;
-  for (const Given& given : arguments) passed.add(given, door);
+  for (const Given& given : arguments) passed.add(given, marshaler);
   com::CallParameters parameters = passed.parameters(flags & (call_put | call_put_ref));
   com::ExceptionInfo told{};
-  result = object_->Invoke(*id, server::Guid(), english, flags, &parameters,
+  result = object_->Invoke(*id, com::Guid(), english, flags, &parameters,
                            flags & call_get ? &answer.value : nullptr, &told, nullptr);
   if (result >= 0) return true;
   if (told.deferred)  // the other side tells only who asks
@@ -112,7 +112,7 @@ bool Remote::invoke(Member member, std::uint16_t flags, com::ObjectDoor& door, G
   return false;
 }
 
-void Remote::fail(Member member, const Failure& failure) const {
+void Remote::fail(HostMember member, const Failure& failure) const {
   const std::string call =
       (ids_ ? ids_->class_name() + "." : std::string()) + std::string(name_of(member));
   throw host::HostFailure(failure.number,
@@ -120,26 +120,26 @@ void Remote::fail(Member member, const Failure& failure) const {
                           call);
 }
 
-Variant Remote::get(Member member, com::ObjectDoor& door, GivenList arguments) const {
+Variant Remote::get(HostMember member, com::ObjectMarshaler& marshaler, GivenList arguments) const {
   Answer answer;
   Failure failure;
-  if (!invoke(member, call_method | call_get, door, arguments, answer, failure))
+  if (!invoke(member, call_method | call_get, marshaler, arguments, answer, failure))
     fail(member, failure);
   try {
-    return com::from_com(answer.value, door);
-  } catch (const server::CallFailure&) {
+    return com::from_com(answer.value, marshaler);
+  } catch (const com::CallFailure&) {
     fail(member, {type_mismatch, "The answer is of a type that cannot be read"});
   }
 }
 
-std::optional<Variant> Remote::probe(Member member, com::ObjectDoor& door,
+std::optional<Variant> Remote::probe(HostMember member, com::ObjectMarshaler& marshaler,
                                      GivenList arguments) const {
   Answer answer;
   Failure failure;
   try {
-    if (invoke(member, call_method | call_get, door, arguments, answer, failure))
-      return com::from_com(answer.value, door);
-  } catch (const server::CallFailure&) {
+    if (invoke(member, call_method | call_get, marshaler, arguments, answer, failure))
+      return com::from_com(answer.value, marshaler);
+  } catch (const com::CallFailure&) {
     // An answer that cannot be read is none.
   } catch (const host::HostFailure&) {
     // Nor is an object that fails while it is looked at.
@@ -147,11 +147,11 @@ std::optional<Variant> Remote::probe(Member member, com::ObjectDoor& door,
   return std::nullopt;
 }
 
-com::Holder<com::Dispatch> Remote::get_object(Member member, com::ObjectDoor& door,
+com::Holder<com::Dispatch> Remote::get_object(HostMember member, com::ObjectMarshaler& marshaler,
                                               GivenList arguments) const {
   Answer answer;
   Failure failure;
-  if (!invoke(member, call_method | call_get, door, arguments, answer, failure))
+  if (!invoke(member, call_method | call_get, marshaler, arguments, answer, failure))
     fail(member, failure);
   com::Holder<com::Dispatch> object;
   const bool reference =
@@ -163,13 +163,13 @@ com::Holder<com::Dispatch> Remote::get_object(Member member, com::ObjectDoor& do
   return com::Holder<com::Dispatch>(static_cast<com::Dispatch*>(found));
 }
 
-void Remote::put(Member member, com::ObjectDoor& door, const Variant& value) const {
+void Remote::put(HostMember member, com::ObjectMarshaler& marshaler, const Variant& value) const {
   Answer none;
   Failure failure;
-  if (!invoke(member, call_put, door, {Given(value)}, none, failure)) fail(member, failure);
+  if (!invoke(member, call_put, marshaler, {Given(value)}, none, failure)) fail(member, failure);
 }
 
-bool Remote::has(Member member) const {
+bool Remote::has(HostMember member) const {
   com::Result ignored = com::ok;
   return object_ && ids_->id_of(*object_.get(), member, ignored).has_value();
 }

@@ -7,15 +7,13 @@
 #include <string_view>
 
 #include "qto/com/com.hpp"
-#include "qto/com/com_values.hpp"
+#include "qto/com/conversion.hpp"
 #include "qto/com/holder.hpp"
-#include "qto/com/type.hpp"
+#include "qto/com/values.hpp"
 #include "qto/hosts/late_bound/member.hpp"
 
 /// Calls by name.
 namespace qto::late_bound {
-
-namespace com = server::com;
 
 /// The identifiers of the members of one class, as far as they were asked for.
 class MemberIds {
@@ -24,7 +22,7 @@ class MemberIds {
   const std::string& class_name() const noexcept { return class_name_; }
   /// Asks the object where the identifier is not known yet; `failed` is the answer when it has no
   /// such member.
-  std::optional<std::int32_t> id_of(com::Dispatch& object, Member member, com::Result& failed);
+  std::optional<std::int32_t> id_of(com::Dispatch& object, HostMember member, com::Result& failed);
 
  private:
   struct Known {
@@ -32,7 +30,7 @@ class MemberIds {
     bool found = false, missing = false;
   };
   std::string class_name_;
-  std::array<Known, static_cast<std::size_t>(Member::count_)> known_{};
+  std::array<Known, static_cast<std::size_t>(HostMember::count_)> known_{};
 };
 
 /// An argument; nothing where it is left out and another one follows.
@@ -54,23 +52,23 @@ class Remote {
 
   /// What a property or a method answers. Throws HostFailure with the number, the text and the name
   /// of the call.
-  Variant get(Member member, com::ObjectDoor& door, GivenList arguments = {}) const;
+  Variant get(HostMember member, com::ObjectMarshaler& marshaler, GivenList arguments = {}) const;
   /// The same; nothing when it fails.
-  std::optional<Variant> probe(Member member, com::ObjectDoor& door,
+  std::optional<Variant> probe(HostMember member, com::ObjectMarshaler& marshaler,
                                GivenList arguments = {}) const;
   /// The reference that a member answers as it is, or null for no object.
-  com::Holder<com::Dispatch> get_object(Member member, com::ObjectDoor& door,
+  com::Holder<com::Dispatch> get_object(HostMember member, com::ObjectMarshaler& marshaler,
                                         GivenList arguments = {}) const;
-  void put(Member member, com::ObjectDoor& door, const Variant& value) const;
+  void put(HostMember member, com::ObjectMarshaler& marshaler, const Variant& value) const;
   /// True when the object has such a member.
-  bool has(Member member) const;
+  bool has(HostMember member) const;
 
  private:
   struct Failure;
   class Answer;
-  bool invoke(Member member, std::uint16_t flags, com::ObjectDoor& door, GivenList arguments,
-              Answer& answer, Failure& failure) const;
-  [[noreturn]] void fail(Member member, const Failure& failure) const;
+  bool invoke(HostMember member, std::uint16_t flags, com::ObjectMarshaler& marshaler,
+              GivenList arguments, Answer& answer, Failure& failure) const;
+  [[noreturn]] void fail(HostMember member, const Failure& failure) const;
 
   com::Holder<com::Dispatch> object_;
   MemberIds* ids_ = nullptr;

@@ -1,9 +1,10 @@
 #include "qto/hosts/late_bound/session.hpp"
 
-#include <algorithm>
+#include <atomic>
+#include <mutex>
 #include <vector>
 
-#include "qto/com/convert.hpp"
+#include "qto/com/conversion.hpp"
 #include "qto/com/errors.hpp"
 #include "qto/host/failure.hpp"
 #include "qto/hosts/late_bound/make_proxy.hpp"
@@ -11,17 +12,41 @@
 namespace qto::late_bound {
 namespace {
 
-std::vector<Session*>& sessions() {
-  static std::vector<Session*> all;
-  return all;
+/// Which session knows an application or another remote object. A session is used by the thread of
+/// its application; this table alone is shared by all.
+class SessionTable {
+ public:
+  Ref<Session> find(const com::Unknown* identity) const {
+    const std::lock_guard lock(guard_);
+    const auto found = sessions_.find(identity);
+    return found == sessions_.end() ? nullptr : Ref<Session>(found->second);
+  }
+  void enter(const com::Unknown* identity, Session& session) {
+    const std::lock_guard lock(guard_);
+    sessions_.try_emplace(identity, &session);
+  }
+  void remove(const com::Unknown* identity, const Session& session) {
+    const std::lock_guard lock(guard_);
+    const auto found = sessions_.find(identity);
+    if (found != sessions_.end() && found->second == &session) sessions_.erase(found);
+  }
+
+ private:
+  mutable std::mutex guard_;
+  std::unordered_map<const com::Unknown*, Session*> sessions_;
+};
+
+SessionTable& sessions() {
+  static auto* const all = new SessionTable;  // proxies may go after the statics of the module
+  return *all;
 }
 
 /// Passes no objects.
-class ShutDoor final : public com::ObjectDoor {
+class NoObjects final : public com::ObjectMarshaler {
  public:
-  com::Unknown* show(const Ref<Object>&) override { return nullptr; }
-  Ref<Object> take(com::Unknown&) override {
-    throw server::CallFailure(server::CallError::type_mismatch);
+  com::Unknown* marshal(const Ref<Object>&) override { return nullptr; }
+  Ref<Object> unmarshal(com::Unknown&) override {
+    throw com::CallFailure(com::CallError::type_mismatch);
   }
 };
 
@@ -33,16 +58,17 @@ com::Holder<com::Dispatch> counted(com::Dispatch& object) {
 com::Holder<com::Dispatch> dispatch_of(com::Unknown& unknown) {
   void* found = nullptr;
   if (unknown.QueryInterface(com::iid_dispatch, &found) != com::ok || !found)
-    throw server::CallFailure(server::CallError::type_mismatch);
+    throw com::CallFailure(com::CallError::type_mismatch);
   return com::Holder<com::Dispatch>(static_cast<com::Dispatch*>(found));
 }
 
 /// The identity of the application that the object belongs to; its own when it tells none.
 com::Holder<com::Unknown> application_of(com::Dispatch& object) {
   MemberIds ids("");
-  ShutDoor door;
+  NoObjects marshaler;
   try {
-    const auto application = Remote(counted(object), ids).get_object(Member::Application, door);
+    const auto application =
+        Remote(counted(object), ids).get_object(HostMember::Application, marshaler);
     return identity_of(*application.get());
   } catch (const host::HostFailure&) {
     return identity_of(object);
@@ -59,21 +85,19 @@ com::Holder<com::Unknown> identity_of(com::Unknown& unknown) {
 
 Ref<Session> Session::of(com::Dispatch& object) {
   const auto own = identity_of(object);
-  for (Session* session : sessions())
-    if (session->live_.contains(own.get())) return Ref<Session>(session);
+  if (auto known = sessions().find(own.get())) return known;
   const auto application = application_of(object);
-  for (Session* session : sessions())
-    if (session->application_ == application.get()) return Ref<Session>(session);
+  if (auto known = sessions().find(application.get())) return known;
   return make_ref<Session>(application.get());
 }
 
 Session::Session(com::Unknown* application) : application_(application) {
   if (application_) application_->AddRef();
-  sessions().push_back(this);
+  sessions().enter(application_, *this);
 }
 
 Session::~Session() {
-  std::erase(sessions(), this);
+  sessions().remove(application_, *this);
   if (application_) application_->Release();
 }
 
@@ -83,13 +107,13 @@ MemberIds& Session::ids_of(std::string_view class_name) {
   return ids_.try_emplace(std::string(class_name), std::string(class_name)).first->second;
 }
 
-com::Unknown* Session::show(const Ref<Object>& object) {
+com::Unknown* Session::marshal(const Ref<Object>& object) {
   if (auto* remote = dynamic_cast<com::RemoteObject*>(object.get()))
     return remote->remote_reference();
-  throw server::CallFailure(server::CallError::type_mismatch);
+  throw com::CallFailure(com::CallError::type_mismatch);
 }
 
-Ref<Object> Session::take(com::Unknown& unknown) {
+Ref<Object> Session::unmarshal(com::Unknown& unknown) {
   if (const auto known = live_.find(identity_of(unknown).get()); known != live_.end())
     return Ref<Object>(known->second);
   auto object = dispatch_of(unknown);
@@ -97,7 +121,7 @@ Ref<Object> Session::take(com::Unknown& unknown) {
   return make_proxy(Ref<Session>(this), std::move(object), class_name);
 }
 
-Ref<Object> Session::take_as(com::Unknown& unknown, std::string_view class_name) {
+Ref<Object> Session::unmarshal_as(com::Unknown& unknown, std::string_view class_name) {
   if (const auto known = live_.find(identity_of(unknown).get()); known != live_.end())
     return Ref<Object>(known->second);
   return make_proxy(Ref<Session>(this), dispatch_of(unknown), class_name);
@@ -111,20 +135,25 @@ std::uint64_t Session::stamp_of(std::uint64_t object, const std::string& names) 
 
 std::uint64_t Session::next_serial() noexcept {
   // Hosts of the same process that count for themselves begin below.
-  static std::uint64_t last = std::uint64_t{1} << 63;
+  static std::atomic<std::uint64_t> last = std::uint64_t{1} << 63;
   return ++last;
 }
 
 RemoteHandle::~RemoteHandle() {
   if (!identity_) return;
   const auto found = session_->live_.find(identity_.get());
-  if (found != session_->live_.end() && found->second == self_) session_->live_.erase(found);
+  if (found != session_->live_.end() && found->second == self_) {
+    session_->live_.erase(found);
+    if (identity_.get() != session_->application_) sessions().remove(identity_.get(), *session_);
+  }
 }
 
 void RemoteHandle::enter(Object& self, const Remote& remote) const {
   identity_ = identity_of(*remote.object());
   self_ = &self;
-  if (identity_) session_->live_.try_emplace(identity_.get(), &self);
+  if (!identity_) return;
+  session_->live_.try_emplace(identity_.get(), &self);
+  sessions().enter(identity_.get(), *session_);
 }
 
 com::Unknown* RemoteHandle::remote_reference() {
@@ -133,7 +162,7 @@ com::Unknown* RemoteHandle::remote_reference() {
   return object;
 }
 
-std::optional<Variant> RemoteHandle::probe(Member member, GivenList arguments) const noexcept {
+std::optional<Variant> RemoteHandle::probe(HostMember member, GivenList arguments) const noexcept {
   try {
     return remote().probe(member, *session_, arguments);
   } catch (...) {
@@ -141,37 +170,37 @@ std::optional<Variant> RemoteHandle::probe(Member member, GivenList arguments) c
   }
 }
 
-Variant RemoteHandle::converted(Member member, Variant value, server::Shape shape) {
-  if (server::convert(value, {shape, ""}) != server::Conversion::done) fail_type(member);
+Variant RemoteHandle::converted(HostMember member, Variant value, com::Shape shape) {
+  if (com::convert(value, {shape, ""}) != com::Conversion::done) fail_type(member);
   return value;
 }
 
-void RemoteHandle::fail_type(Member member) {
+void RemoteHandle::fail_type(HostMember member) {
   constexpr std::int32_t type_mismatch = 13;
   const std::string call(name_of(member));
   throw host::HostFailure(type_mismatch, call + " answers a value of another type", call);
 }
 
-void RemoteHandle::fail_nothing(Member member) {
+void RemoteHandle::fail_nothing(HostMember member) {
   constexpr std::int32_t no_object = 91;
   const std::string call(name_of(member));
   throw host::HostFailure(no_object, call + " answers no object", call);
 }
 
-std::string RemoteHandle::text(Member member, GivenList arguments) const {
-  return converted(member, get(member, arguments), server::Shape::text).text();
+std::string RemoteHandle::text(HostMember member, GivenList arguments) const {
+  return converted(member, get(member, arguments), com::Shape::text).text();
 }
 
-std::int32_t RemoteHandle::number(Member member, GivenList arguments) const {
-  return *converted(member, get(member, arguments), server::Shape::number).get_if<std::int32_t>();
+std::int32_t RemoteHandle::number(HostMember member, GivenList arguments) const {
+  return *converted(member, get(member, arguments), com::Shape::number).get_if<std::int32_t>();
 }
 
-bool RemoteHandle::flag(Member member, GivenList arguments) const {
-  return *converted(member, get(member, arguments), server::Shape::boolean).get_if<bool>();
+bool RemoteHandle::flag(HostMember member, GivenList arguments) const {
+  return *converted(member, get(member, arguments), com::Shape::boolean).get_if<bool>();
 }
 
 std::int32_t RemoteHandle::count_of(const Remote& list) const {
-  return *converted(Member::Count, list.get(Member::Count, *session_), server::Shape::number)
+  return *converted(HostMember::Count, list.get(HostMember::Count, *session_), com::Shape::number)
               .get_if<std::int32_t>();
 }
 

@@ -7,14 +7,14 @@
 #include <unordered_map>
 #include <vector>
 
-#include "qto/com/remote_object.hpp"
+#include "qto/com/values.hpp"
 #include "qto/hosts/late_bound/remote.hpp"
 
 namespace qto::late_bound {
 
 /// What all proxies of one application share: the identifiers of its members, and which proxy
 /// stands for which remote object. It lives as long as one of them.
-class Session final : public RefCounted, public com::ObjectDoor {
+class Session final : public RefCounted, public com::ObjectMarshaler {
  public:
   /// The session of the application that an object belongs to; a new one for an application that no
   /// proxy stands for yet.
@@ -29,11 +29,11 @@ class Session final : public RefCounted, public com::ObjectDoor {
   }
 
   /// A proxy's own remote object, any other object as itself when it has one.
-  com::Unknown* show(const Ref<Object>& object) override;
+  com::Unknown* marshal(const Ref<Object>& object) override;
   /// The proxy of a remote object, of the class that its type information tells.
-  Ref<Object> take(com::Unknown& unknown) override;
+  Ref<Object> unmarshal(com::Unknown& unknown) override;
   /// The same where the class is known beforehand.
-  Ref<Object> take_as(com::Unknown& unknown, std::string_view class_name);
+  Ref<Object> unmarshal_as(com::Unknown& unknown, std::string_view class_name);
 
   /// The number that stands for a text of names together with one object.
   std::uint64_t stamp_of(std::uint64_t object, const std::string& names);
@@ -51,14 +51,14 @@ class Session final : public RefCounted, public com::ObjectDoor {
 /// What is the same for all references to an object; counted. Null when it cannot be told.
 com::Holder<com::Unknown> identity_of(com::Unknown& unknown);
 
-/// A door for answers of a known class, which need no look at their type information.
-class ClassDoor final : public com::ObjectDoor {
+/// A marshaler for answers of a known class, which need no look at their type information.
+class ClassMarshaler final : public com::ObjectMarshaler {
  public:
-  ClassDoor(Session& session, std::string_view class_name)
+  ClassMarshaler(Session& session, std::string_view class_name)
       : session_(session), class_name_(class_name) {}
-  com::Unknown* show(const Ref<Object>& object) override { return session_.show(object); }
-  Ref<Object> take(com::Unknown& unknown) override {
-    return session_.take_as(unknown, class_name_);
+  com::Unknown* marshal(const Ref<Object>& object) override { return session_.marshal(object); }
+  Ref<Object> unmarshal(com::Unknown& unknown) override {
+    return session_.unmarshal_as(unknown, class_name_);
   }
 
  private:
@@ -73,7 +73,7 @@ class RemoteHandle : public com::RemoteObject {
   RemoteHandle& operator=(const RemoteHandle&) = delete;
   com::Unknown* remote_reference() override;
   /// Gives a new object its name.
-  void rename(std::string_view name) const { put(Member::Name, Variant(name)); }
+  void rename(std::string_view name) const { put(HostMember::Name, Variant(name)); }
 
  protected:
   /// An object that is reached when it is first needed has no remote yet.
@@ -90,81 +90,83 @@ class RemoteHandle : public com::RemoteObject {
   const Ref<Session>& shared_session() const noexcept { return session_; }
   std::uint64_t serial() const noexcept { return serial_; }
 
-  Variant get(Member member, GivenList arguments = {}) const {
+  Variant get(HostMember member, GivenList arguments = {}) const {
     return remote().get(member, *session_, arguments);
   }
   /// Nothing when the call fails.
-  std::optional<Variant> probe(Member member, GivenList arguments = {}) const noexcept;
+  std::optional<Variant> probe(HostMember member, GivenList arguments = {}) const noexcept;
   /// Each in its type; an answer that does not convert is a HostFailure (13).
-  std::string text(Member member, GivenList arguments = {}) const;
-  std::int32_t number(Member member, GivenList arguments = {}) const;
-  bool flag(Member member, GivenList arguments = {}) const;
+  std::string text(HostMember member, GivenList arguments = {}) const;
+  std::int32_t number(HostMember member, GivenList arguments = {}) const;
+  bool flag(HostMember member, GivenList arguments = {}) const;
   std::int32_t count_of(const Remote& list) const;
-  void call(Member member, GivenList arguments = {}) const { (void)get(member, arguments); }
-  void put(Member member, const Variant& value) const { remote().put(member, *session_, value); }
+  void call(HostMember member, GivenList arguments = {}) const { (void)get(member, arguments); }
+  void put(HostMember member, const Variant& value) const {
+    remote().put(member, *session_, value);
+  }
 
   /// An object of a class that is known beforehand, or null for no object; of another class it is a
   /// HostFailure (13).
   template <class T>
-  Ref<T> object(Member member, std::string_view class_name, GivenList arguments = {}) const {
+  Ref<T> object(HostMember member, std::string_view class_name, GivenList arguments = {}) const {
     return item<T>(remote(), member, class_name, arguments);
   }
   /// The same where null is a HostFailure (91).
   template <class T>
-  Ref<T> need(Member member, std::string_view class_name, GivenList arguments = {}) const {
+  Ref<T> need(HostMember member, std::string_view class_name, GivenList arguments = {}) const {
     Ref<T> found = object<T>(member, class_name, arguments);
     if (!found) fail_nothing(member);
     return found;
   }
   /// An object whose own type information tells its class.
   template <class T>
-  Ref<T> any_object(Member member, GivenList arguments = {}) const {
+  Ref<T> any_object(HostMember member, GivenList arguments = {}) const {
     return fitting<T>(member, get(member, arguments));
   }
   template <class T>
-  Ref<T> find_object(const Remote& owner, Member member, std::string_view class_name,
+  Ref<T> find_object(const Remote& owner, HostMember member, std::string_view class_name,
                      GivenList arguments = {}) const {
-    ClassDoor door(*session_, class_name);
-    const auto found = owner.probe(member, door, arguments);
+    ClassMarshaler marshaler(*session_, class_name);
+    const auto found = owner.probe(member, marshaler, arguments);
     return found ? ref_cast<T>(found->object()) : nullptr;
   }
   /// What a member of a collection answers.
   template <class T>
-  Ref<T> item(const Remote& list, Member member, std::string_view class_name,
+  Ref<T> item(const Remote& list, HostMember member, std::string_view class_name,
               GivenList arguments) const {
-    ClassDoor door(*session_, class_name);
-    return fitting<T>(member, list.get(member, door, arguments));
+    ClassMarshaler marshaler(*session_, class_name);
+    return fitting<T>(member, list.get(member, marshaler, arguments));
   }
   template <class T>
   std::vector<Ref<T>> items(const Remote& list, std::string_view class_name) const {
     std::vector<Ref<T>> all;
     const std::int32_t count = count_of(list);
     for (std::int32_t i = 1; i <= count; ++i) {
-      all.push_back(item<T>(list, Member::Item, class_name, {Variant(i)}));
-      if (!all.back()) fail_nothing(Member::Item);
+      all.push_back(item<T>(list, HostMember::Item, class_name, {Variant(i)}));
+      if (!all.back()) fail_nothing(HostMember::Item);
     }
     return all;
   }
   /// A collection, or another object that needs no proxy.
-  Remote part(Member member, std::string_view class_name, GivenList arguments = {}) const {
+  Remote part(HostMember member, std::string_view class_name, GivenList arguments = {}) const {
     return session_->remote(remote().get_object(member, *session_, arguments), class_name);
   }
   /// A collection that stays the same as long as its owner lives.
-  const Remote& kept_part(Remote& kept, Member member, std::string_view class_name) const {
+  const Remote& kept_part(Remote& kept, HostMember member, std::string_view class_name) const {
     if (!kept) kept = part(member, class_name);
     return kept;
   }
   template <class T>
-  static Ref<T> fitting(Member member, const Variant& answer) {
+  static Ref<T> fitting(HostMember member, const Variant& answer) {
     const Ref<Object> object = answer.object();
     Ref<T> wanted = ref_cast<T>(object);
     const bool nothing = !object && (answer.is_object() || answer.is_empty() || answer.is_null());
     if (!wanted && !nothing) fail_type(member);
     return wanted;
   }
-  static Variant converted(Member member, Variant value, server::Shape shape);
-  [[noreturn]] static void fail_type(Member member);
-  [[noreturn]] static void fail_nothing(Member member);
+  static Variant converted(HostMember member, Variant value, com::Shape shape);
+  [[noreturn]] static void fail_type(HostMember member);
+  [[noreturn]] static void fail_nothing(HostMember member);
 
  private:
   Ref<Session> session_;

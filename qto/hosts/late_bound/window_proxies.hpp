@@ -11,10 +11,10 @@ class PaneProxy final : public ProxyOf<host::Pane> {
  public:
   using ProxyOf::ProxyOf;
   Ref<host::Range> VisibleRange() const override {
-    return need<host::Range>(Member::VisibleRange, "Range");
+    return need<host::Range>(HostMember::VisibleRange, "Range");
   }
   void SmallScroll(std::int32_t up, std::int32_t to_left) override {
-    call(Member::SmallScroll, {std::nullopt, Variant(up), std::nullopt, Variant(to_left)});
+    call(HostMember::SmallScroll, {std::nullopt, Variant(up), std::nullopt, Variant(to_left)});
   }
 };
 
@@ -22,13 +22,13 @@ class WindowProxy final : public ProxyOf<host::Window> {
  public:
   using ProxyOf::ProxyOf;
   Ref<host::Pane> ActivePane() const override {
-    return need<host::Pane>(Member::ActivePane, "Pane");
+    return need<host::Pane>(HostMember::ActivePane, "Pane");
   }
-  std::int32_t ScrollRow() const override { return number(Member::ScrollRow); }
-  std::int32_t ScrollColumn() const override { return number(Member::ScrollColumn); }
-  void put_ScrollRow(std::int32_t row) override { put(Member::ScrollRow, Variant(row)); }
+  std::int32_t ScrollRow() const override { return number(HostMember::ScrollRow); }
+  std::int32_t ScrollColumn() const override { return number(HostMember::ScrollColumn); }
+  void put_ScrollRow(std::int32_t row) override { put(HostMember::ScrollRow, Variant(row)); }
   void put_ScrollColumn(std::int32_t column) override {
-    put(Member::ScrollColumn, Variant(column));
+    put(HostMember::ScrollColumn, Variant(column));
   }
 };
 

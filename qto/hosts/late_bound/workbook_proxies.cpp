@@ -18,7 +18,7 @@ const Remote& WorkbooksProxy::remote() const {
 
 Ref<host::Workbook> WorkbooksProxy::find_item(const Variant& index) const {
   try {
-    return find_object<host::Workbook>(remote(), Member::Item, "Workbook", {Given(index)});
+    return find_object<host::Workbook>(remote(), HostMember::Item, "Workbook", {Given(index)});
   } catch (const host::HostFailure&) {
     return nullptr;
   }
@@ -33,11 +33,11 @@ Ref<host::Workbook> WorkbooksProxy::find(int position) const {
 }
 
 Ref<host::Workbook> WorkbooksProxy::Item(std::string_view name) const {
-  return need<host::Workbook>(Member::Item, "Workbook", {Variant(name)});
+  return need<host::Workbook>(HostMember::Item, "Workbook", {Variant(name)});
 }
 
 Ref<host::Workbook> WorkbooksProxy::Item(int position) const {
-  return need<host::Workbook>(Member::Item, "Workbook", {Variant(std::int32_t{position})});
+  return need<host::Workbook>(HostMember::Item, "Workbook", {Variant(std::int32_t{position})});
 }
 
 Ref<host::Workbook> WorkbooksProxy::Open(std::string_view file_name,
@@ -46,28 +46,31 @@ Ref<host::Workbook> WorkbooksProxy::Open(std::string_view file_name,
   const Given update = update_links ? Given(Variant(*update_links)) : std::nullopt;
   // The password is always passed, so that a protected file fails and asks nobody.
   return need<host::Workbook>(
-      Member::Open, "Workbook",
+      HostMember::Open, "Workbook",
       {Variant(file_name), update, Variant(read_only), std::nullopt, Variant(password)});
 }
 
-Ref<host::Workbook> WorkbooksProxy::Add() { return need<host::Workbook>(Member::Add, "Workbook"); }
+Ref<host::Workbook> WorkbooksProxy::Add() {
+  return need<host::Workbook>(HostMember::Add, "Workbook");
+}
 
 Ref<host::Sheet> WorkbookProxy::sheet(const Variant& index) const {
-  const auto found =
-      fitting<host::Sheet>(Member::Item, sheets().get(Member::Item, session(), {Given(index)}));
-  if (!found) fail_nothing(Member::Item);
+  const auto found = fitting<host::Sheet>(
+      HostMember::Item, sheets().get(HostMember::Item, session(), {Given(index)}));
+  if (!found) fail_nothing(HostMember::Item);
   return found;
 }
 
 Ref<host::Worksheet> WorkbookProxy::worksheet(const Variant& index) const {
-  const auto found = item<host::Worksheet>(worksheets(), Member::Item, "Worksheet", {Given(index)});
-  if (!found) fail_nothing(Member::Item);
+  const auto found =
+      item<host::Worksheet>(worksheets(), HostMember::Item, "Worksheet", {Given(index)});
+  if (!found) fail_nothing(HostMember::Item);
   return found;
 }
 
 Ref<host::Sheet> WorkbookProxy::find_sheet(std::string_view name) const {
   try {
-    const auto found = sheets().probe(Member::Item, session(), {Variant(name)});
+    const auto found = sheets().probe(HostMember::Item, session(), {Variant(name)});
     return found ? ref_cast<host::Sheet>(found->object()) : nullptr;
   } catch (const host::HostFailure&) {
     return nullptr;
@@ -76,7 +79,8 @@ Ref<host::Sheet> WorkbookProxy::find_sheet(std::string_view name) const {
 
 Ref<host::Worksheet> WorkbookProxy::find_worksheet(std::string_view name) const {
   try {
-    return find_object<host::Worksheet>(worksheets(), Member::Item, "Worksheet", {Variant(name)});
+    return find_object<host::Worksheet>(worksheets(), HostMember::Item, "Worksheet",
+                                        {Variant(name)});
   } catch (const host::HostFailure&) {
     return nullptr;
   }
@@ -102,24 +106,25 @@ int WorkbookProxy::WorksheetsCount() const { return count_of(worksheets()); }
 
 Ref<host::Worksheet> WorkbookProxy::AddWorksheet(std::string_view name) {
   const Ref<host::Sheet> last = Sheets(SheetsCount());
-  const auto added =
-      item<host::Worksheet>(worksheets(), Member::Add, "Worksheet", {std::nullopt, Variant(last)});
-  if (!added) fail_nothing(Member::Add);
+  const auto added = item<host::Worksheet>(worksheets(), HostMember::Add, "Worksheet",
+                                           {std::nullopt, Variant(last)});
+  if (!added) fail_nothing(HostMember::Add);
   if (!name.empty()) dynamic_cast<RemoteHandle&>(*added).rename(name);
   return added;
 }
 
 Ref<host::DefinedName> WorkbookProxy::find_name(std::string_view name) const {
   try {
-    return existing(find_object<host::DefinedName>(names(), Member::Item, "Name", {Variant(name)}));
+    return existing(
+        find_object<host::DefinedName>(names(), HostMember::Item, "Name", {Variant(name)}));
   } catch (const host::HostFailure&) {
     return nullptr;
   }
 }
 
 Ref<host::DefinedName> WorkbookProxy::Names(std::string_view name) const {
-  const auto found = item<host::DefinedName>(names(), Member::Item, "Name", {Variant(name)});
-  if (!found) fail_nothing(Member::Item);
+  const auto found = item<host::DefinedName>(names(), HostMember::Item, "Name", {Variant(name)});
+  if (!found) fail_nothing(HostMember::Item);
   return found;
 }
 
@@ -128,18 +133,18 @@ std::vector<Ref<host::DefinedName>> WorkbookProxy::AllNames() const {
 }
 
 Ref<host::DefinedName> WorkbookProxy::AddName(std::string_view name, std::string_view refers_to) {
-  const auto added =
-      item<host::DefinedName>(names(), Member::Add, "Name", {Variant(name), Variant(refers_to)});
-  if (!added) fail_nothing(Member::Add);
+  const auto added = item<host::DefinedName>(names(), HostMember::Add, "Name",
+                                             {Variant(name), Variant(refers_to)});
+  if (!added) fail_nothing(HostMember::Add);
   return added;
 }
 
 std::vector<std::string> WorkbookProxy::LinkSources(std::int32_t type) const {
   std::vector<std::string> sources;
-  const Variant links = get(Member::LinkSources, {Variant(type)});
+  const Variant links = get(HostMember::LinkSources, {Variant(type)});
   if (links.is_array())
     for (const Variant& link : links.array().items())
-      sources.push_back(converted(Member::LinkSources, link, server::Shape::text).text());
+      sources.push_back(converted(HostMember::LinkSources, link, com::Shape::text).text());
   return sources;
 }
 

@@ -19,7 +19,7 @@ class WorkbooksProxy final : public ProxyOf<host::Workbooks> {
   Ref<host::Workbook> find(int position) const override;
   Ref<host::Workbook> Item(std::string_view name) const override;
   Ref<host::Workbook> Item(int position) const override;
-  int Count() const override { return number(Member::Count); }
+  int Count() const override { return number(HostMember::Count); }
   Ref<host::Workbook> Open(std::string_view file_name, std::optional<bool> update_links,
                            bool read_only, std::string_view password) override;
   Ref<host::Workbook> Add() override;
@@ -34,10 +34,10 @@ class WorkbookProxy final : public ProxyOf<host::Workbook> {
  public:
   using ProxyOf::ProxyOf;
   /// A closed workbook may still know its application.
-  bool exists() const noexcept override { return probe(Member::Name).has_value(); }
-  std::string Name() const override { return text(Member::Name); }
-  std::string Path() const override { return text(Member::Path); }
-  std::string FullName() const override { return text(Member::FullName); }
+  bool exists() const noexcept override { return probe(HostMember::Name).has_value(); }
+  std::string Name() const override { return text(HostMember::Name); }
+  std::string Path() const override { return text(HostMember::Path); }
+  std::string FullName() const override { return text(HostMember::FullName); }
   Ref<host::Sheet> find_sheet(std::string_view name) const override;
   Ref<host::Worksheet> find_worksheet(std::string_view name) const override;
   Ref<host::Sheet> Sheets(std::string_view name) const override;
@@ -51,26 +51,26 @@ class WorkbookProxy final : public ProxyOf<host::Workbook> {
   Ref<host::DefinedName> Names(std::string_view name) const override;
   std::vector<Ref<host::DefinedName>> AllNames() const override;
   Ref<host::DefinedName> AddName(std::string_view name, std::string_view refers_to) override;
-  bool AcceptLabelsInFormulas() const override { return flag(Member::AcceptLabelsInFormulas); }
+  bool AcceptLabelsInFormulas() const override { return flag(HostMember::AcceptLabelsInFormulas); }
   void put_AcceptLabelsInFormulas(bool on) override {
-    put(Member::AcceptLabelsInFormulas, Variant(on));
+    put(HostMember::AcceptLabelsInFormulas, Variant(on));
   }
   std::vector<std::string> LinkSources(std::int32_t type) const override;
   void Unprotect(std::string_view password) override {
-    call(Member::Unprotect, {Variant(password)});
+    call(HostMember::Unprotect, {Variant(password)});
   }
-  void Activate() override { call(Member::Activate); }
-  void Close(bool save_changes) override { call(Member::Close, {Variant(save_changes)}); }
+  void Activate() override { call(HostMember::Activate); }
+  void Close(bool save_changes) override { call(HostMember::Close, {Variant(save_changes)}); }
   void FollowHyperlink(std::string_view address) override {
-    call(Member::FollowHyperlink, {Variant(address)});
+    call(HostMember::FollowHyperlink, {Variant(address)});
   }
 
  private:
-  const Remote& sheets() const { return kept_part(sheets_, Member::Sheets, "Sheets"); }
+  const Remote& sheets() const { return kept_part(sheets_, HostMember::Sheets, "Sheets"); }
   const Remote& worksheets() const {
-    return kept_part(worksheets_, Member::Worksheets, "Worksheets");
+    return kept_part(worksheets_, HostMember::Worksheets, "Worksheets");
   }
-  const Remote& names() const { return kept_part(names_, Member::Names, "Names"); }
+  const Remote& names() const { return kept_part(names_, HostMember::Names, "Names"); }
   Ref<host::Sheet> sheet(const Variant& index) const;
   Ref<host::Worksheet> worksheet(const Variant& index) const;
 

@@ -7,7 +7,7 @@
 namespace qto::late_bound {
 
 Ref<host::Workbook> WorksheetProxy::Workbook() const {
-  if (!workbook_) workbook_ = need<host::Workbook>(Member::Parent, "Workbook");
+  if (!workbook_) workbook_ = need<host::Workbook>(HostMember::Parent, "Workbook");
   return workbook_;
 }
 
@@ -15,7 +15,8 @@ Ref<host::Workbook> WorksheetProxy::Workbook() const {
 CellPos WorksheetProxy::last_cell() const {
   if (last_cell_.row != 0) return last_cell_;
   try {
-    last_cell_ = {count_of(part(Member::Rows, "Rows")), count_of(part(Member::Columns, "Columns"))};
+    last_cell_ = {count_of(part(HostMember::Rows, "Rows")),
+                  count_of(part(HostMember::Columns, "Columns"))};
   } catch (const host::HostFailure&) {
     return {max_rows, max_columns};  // a cell must not be missed for a question that failed
   }
@@ -59,46 +60,47 @@ Ref<host::Range> WorksheetProxy::Cells(std::int32_t row, std::int32_t column) co
 
 Remote WorksheetProxy::reach(const Rect& block) const {
   if (block.is_cell()) return cell(block.first);
-  return part(Member::Range, "Range", {Variant(address_of(block))});
+  return part(HostMember::Range, "Range", {Variant(address_of(block))});
 }
 
 Remote WorksheetProxy::cell(CellPos pos) const {
-  return part(Member::Cells, "Range", {Variant(pos.row), Variant(pos.column)});
+  return part(HostMember::Cells, "Range", {Variant(pos.row), Variant(pos.column)});
 }
 
 Ref<host::Range> WorksheetProxy::UsedRange() const {
-  return need<host::Range>(Member::UsedRange, "Range");
+  return need<host::Range>(HostMember::UsedRange, "Range");
 }
 
 Ref<host::DefinedName> WorksheetProxy::find_name(std::string_view name) const {
   try {
-    return existing(find_object<host::DefinedName>(names(), Member::Item, "Name", {Variant(name)}));
+    return existing(
+        find_object<host::DefinedName>(names(), HostMember::Item, "Name", {Variant(name)}));
   } catch (const host::HostFailure&) {
     return nullptr;
   }
 }
 
 Ref<host::DefinedName> WorksheetProxy::Names(std::string_view name) const {
-  const auto found = item<host::DefinedName>(names(), Member::Item, "Name", {Variant(name)});
-  if (!found) fail_nothing(Member::Item);
+  const auto found = item<host::DefinedName>(names(), HostMember::Item, "Name", {Variant(name)});
+  if (!found) fail_nothing(HostMember::Item);
   return found;
 }
 
 Ref<host::DefinedName> WorksheetProxy::AddName(std::string_view name, std::string_view refers_to) {
-  const auto added =
-      item<host::DefinedName>(names(), Member::Add, "Name", {Variant(name), Variant(refers_to)});
-  if (!added) fail_nothing(Member::Add);
+  const auto added = item<host::DefinedName>(names(), HostMember::Add, "Name",
+                                             {Variant(name), Variant(refers_to)});
+  if (!added) fail_nothing(HostMember::Add);
   return added;
 }
 
 Variant WorksheetProxy::Evaluate(std::string_view piece) const {
   if (piece.empty()) return Variant();
-  ClassDoor door(session(), "Range");
-  return remote().get(Member::Evaluate, door, {Variant(piece)});
+  ClassMarshaler marshaler(session(), "Range");
+  return remote().get(HostMember::Evaluate, marshaler, {Variant(piece)});
 }
 
 bool WorksheetProxy::is_array_formula(CellPos pos) const {
-  const auto answer = cell(pos).probe(Member::HasArray, session());
+  const auto answer = cell(pos).probe(HostMember::HasArray, session());
   return answer && *answer == Variant(true);
 }
 
@@ -119,8 +121,8 @@ Ref<host::Range> WorksheetProxy::seen_from(CellPos pos, const Ref<host::Range>& 
 /// Applications evaluate a text for a sheet, not for a cell; one that knows more has members for
 /// it.
 Variant WorksheetProxy::value_in_cell(CellPos pos, std::string_view piece) const {
-  if (remote().has(Member::ValueInCell))
-    return get(Member::ValueInCell, {Variant(piece), Variant(pos.row), Variant(pos.column)});
+  if (remote().has(HostMember::ValueInCell))
+    return get(HostMember::ValueInCell, {Variant(piece), Variant(pos.row), Variant(pos.column)});
   const Variant result = Evaluate(piece);
   const auto range = ref_cast<host::Range>(result.object());
   if (!range) return result;
@@ -129,28 +131,28 @@ Variant WorksheetProxy::value_in_cell(CellPos pos, std::string_view piece) const
 }
 
 Ref<host::Range> WorksheetProxy::range_in_cell(CellPos pos, std::string_view piece) const {
-  if (remote().has(Member::RangeInCell))
-    return object<host::Range>(Member::RangeInCell, "Range",
+  if (remote().has(HostMember::RangeInCell))
+    return object<host::Range>(HostMember::RangeInCell, "Range",
                                {Variant(piece), Variant(pos.row), Variant(pos.column)});
   return ref_cast<host::Range>(Evaluate(piece).object());
 }
 
 Ref<host::Range> WorksheetProxy::CircularReference() const {
-  return object<host::Range>(Member::CircularReference, "Range");
+  return object<host::Range>(HostMember::CircularReference, "Range");
 }
 
 std::vector<Ref<host::PivotTable>> WorksheetProxy::PivotTables() const {
-  return items<host::PivotTable>(part(Member::PivotTables, "PivotTables"), "PivotTable");
+  return items<host::PivotTable>(part(HostMember::PivotTables, "PivotTables"), "PivotTable");
 }
 
 std::vector<Ref<host::ChartObject>> WorksheetProxy::ChartObjects() const {
-  return items<host::ChartObject>(part(Member::ChartObjects, "ChartObjects"), "ChartObject");
+  return items<host::ChartObject>(part(HostMember::ChartObjects, "ChartObjects"), "ChartObject");
 }
 
 Ref<host::ChartObject> WorksheetProxy::ChartObjects(std::string_view name) const {
-  const auto found = item<host::ChartObject>(part(Member::ChartObjects, "ChartObjects"),
-                                             Member::Item, "ChartObject", {Variant(name)});
-  if (!found) fail_nothing(Member::ChartObjects);
+  const auto found = item<host::ChartObject>(part(HostMember::ChartObjects, "ChartObjects"),
+                                             HostMember::Item, "ChartObject", {Variant(name)});
+  if (!found) fail_nothing(HostMember::ChartObjects);
   return found;
 }
 
@@ -163,16 +165,16 @@ std::uint64_t WorksheetProxy::IdentityStamp() const noexcept {
 }
 
 void WorksheetProxy::append_cell_formula(CellPos pos, std::string& out) const {
-  const Variant formula = cell(pos).get(Member::Formula, session());
-  out += converted(Member::Formula, formula, server::Shape::text).text();
+  const Variant formula = cell(pos).get(HostMember::Formula, session());
+  out += converted(HostMember::Formula, formula, com::Shape::text).text();
 }
 
 Variant WorksheetProxy::cell_value(CellPos pos) const {
-  return cell(pos).get(Member::Value, session());
+  return cell(pos).get(HostMember::Value, session());
 }
 
 bool WorksheetProxy::cell_has_formula(CellPos pos) const {
-  const Variant answer = cell(pos).get(Member::HasFormula, session());
+  const Variant answer = cell(pos).get(HostMember::HasFormula, session());
   return answer == Variant(true);
 }
 

@@ -9,16 +9,18 @@ namespace qto::late_bound {
 class WorksheetProxy final : public ProxyOf<host::Worksheet> {
  public:
   using ProxyOf::ProxyOf;
-  std::string Name() const override { return text(Member::Name); }
-  int Index() const override { return number(Member::Index); }
+  std::string Name() const override { return text(HostMember::Name); }
+  int Index() const override { return number(HostMember::Index); }
   Ref<host::Workbook> Workbook() const override;
-  std::int32_t Visible() const override { return number(Member::Visible); }
-  void put_Visible(std::int32_t visibility) override { put(Member::Visible, Variant(visibility)); }
-  void Unprotect(std::string_view password) override {
-    call(Member::Unprotect, {Variant(password)});
+  std::int32_t Visible() const override { return number(HostMember::Visible); }
+  void put_Visible(std::int32_t visibility) override {
+    put(HostMember::Visible, Variant(visibility));
   }
-  void Select() override { call(Member::Select); }
-  void Activate() override { call(Member::Activate); }
+  void Unprotect(std::string_view password) override {
+    call(HostMember::Unprotect, {Variant(password)});
+  }
+  void Select() override { call(HostMember::Select); }
+  void Activate() override { call(HostMember::Activate); }
 
   Ref<host::Range> find_range(std::string_view address) const override;
   Ref<host::Range> Range(std::string_view address) const override;
@@ -52,7 +54,7 @@ class WorksheetProxy final : public ProxyOf<host::Worksheet> {
   bool is_array_formula(CellPos pos) const;
   /// What an ordinary formula sees of a range from its cell; null: nothing.
   Ref<host::Range> seen_from(CellPos pos, const Ref<host::Range>& range) const;
-  const Remote& names() const { return kept_part(names_, Member::Names, "Names"); }
+  const Remote& names() const { return kept_part(names_, HostMember::Names, "Names"); }
 
   mutable Remote names_;
   mutable Ref<host::Workbook> workbook_;

@@ -1,8 +1,8 @@
 #include "qto/hosts/late_bound/late_bound.hpp"
 #include "qto/links/main.hpp"
-#include "qto/server/engine_library.hpp"
-#include "qto/server/host_library.hpp"
-#include "qto/server/module.hpp"
+#include "qto/server/engine_tables/library.hpp"
+#include "qto/server/host_tables/library.hpp"
+#include "qto/server/module/module.hpp"
 
 namespace qto::server {
 

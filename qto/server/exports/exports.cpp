@@ -1,11 +1,11 @@
 /// The four standard exports of a shared library that serves classes.
 #include "qto/com/errors.hpp"
 #include "qto/com/holder.hpp"
-#include "qto/server/counted.hpp"
-#include "qto/server/face.hpp"
-#include "qto/server/module.hpp"
-#include "qto/server/registration.hpp"
-#include "qto/server/type_info.hpp"
+#include "qto/server/description/type_info.hpp"
+#include "qto/server/module/counted.hpp"
+#include "qto/server/module/module.hpp"
+#include "qto/server/registration/registration.hpp"
+#include "qto/server/wrappers/marshaling.hpp"
 
 namespace qto::server {
 namespace {
@@ -20,12 +20,12 @@ class Factory final : public Counted<ClassFactory> {
     *out = nullptr;
     if (outer) return no_aggregation;
     return guarded([&] {
-      const Holder<Unknown> face(face_of(table_.create()));
-      return face->QueryInterface(id, out);
+      const Holder<Unknown> wrapper(wrapper_of(table_.create()));
+      return wrapper->QueryInterface(id, out);
     });
   }
   Result QTO_CALL LockServer(std::int32_t lock) override {
-    lock ? module_add_use() : module_release_use();
+    module_lock(lock);
     return ok;
   }
 
@@ -44,40 +44,40 @@ class Factory final : public Counted<ClassFactory> {
 
 /// Enters the library's classes where clients look for them.
 QTO_EXPORT std::int32_t QTO_CALL DllRegisterServer() {
-  return qto::server::guarded([] {
+  return qto::com::guarded([] {
     const std::string path = qto::server::module_path();
-    return path.empty() ? qto::server::com::registration_failed
+    return path.empty() ? qto::com::registration_failed
                         : qto::server::register_library(*qto::server::this_module().library, path);
   });
 }
 
 /// Takes them out again.
 QTO_EXPORT std::int32_t QTO_CALL DllUnregisterServer() {
-  return qto::server::guarded(
+  return qto::com::guarded(
       [] { return qto::server::unregister_library(*qto::server::this_module().library); });
 }
 
 /// The class object for a class identifier.
-QTO_EXPORT std::int32_t QTO_CALL DllGetClassObject(const qto::server::Guid* class_id,
-                                                   const qto::server::Guid* id, void** out) {
+QTO_EXPORT std::int32_t QTO_CALL DllGetClassObject(const qto::com::Guid* class_id,
+                                                   const qto::com::Guid* id, void** out) {
   using namespace qto::server;
-  if (!class_id || !id || !out) return com::null_pointer;
+  if (!class_id || !id || !out) return null_pointer;
   *out = nullptr;
   return guarded([&] {
     for (const ClassTable* table : this_module().library->classes) {
       if (table->class_id != *class_id || !table->create) continue;
-      const com::Holder<Factory> factory(new Factory(*table));
+      const Holder<Factory> factory(new Factory(*table));
       return factory->QueryInterface(*id, out);
     }
-    return com::class_not_available;
+    return class_not_available;
   });
 }
 
 /// 0 when neither an object nor a lock is left, 1 otherwise.
 QTO_EXPORT std::int32_t QTO_CALL DllCanUnloadNow() {
   using namespace qto::server;
-  if (module_in_use()) return com::no_more;
-  com::release_type_library();
+  if (module_in_use()) return no_more;
+  release_type_library();
   if (this_module().let_go) this_module().let_go();
-  return com::ok;
+  return ok;
 }

@@ -1,9 +1,8 @@
 #include <memory>
 
 #include "qto/hosts/embedded/application.hpp"
-#include "qto/server/host_library.hpp"
-#include "qto/server/host_tables.hpp"
-#include "qto/server/module.hpp"
+#include "qto/server/host_tables/library.hpp"
+#include "qto/server/module/module.hpp"
 
 namespace qto::server {
 namespace {
@@ -27,7 +26,7 @@ Ref<Object> create_application() {
 
 const Module& this_module() {
   static const ClassTable application = [] {
-    ClassTable table = application_table;
+    ClassTable table = host_tables::application_table;
     table.create = create_application;
     return table;
   }();
