@@ -16,8 +16,8 @@ ALLOWED = [
     ("qto/parser/parser.hpp", "qto/model/model_part.hpp"),
     ("qto/parser/parser.hpp", "qto/options/drill_options.hpp"),
     ("qto/links/linked_book.hpp", "qto/host/workbook.hpp"),
-    ("qto/server/dispatch.hpp", "qto/engine/drill_down.hpp"),
-    ("qto/server/face.hpp", "qto/com/com.hpp"),
+    ("qto/server/calls/dispatch.hpp", "qto/engine/drill_down.hpp"),
+    ("qto/server/wrappers/marshaling.hpp", "qto/com/com.hpp"),
     ("qto/hosts/late_bound/remote.hpp", "qto/com/com.hpp"),
     ("qto/hosts/late_bound/range.hpp", "qto/host/range.hpp"),
     ("qto/hosts/embedded/objects/range.hpp", "qto/host/range.hpp"),
@@ -35,7 +35,7 @@ ALLOWED = [
 
 REFUSED = [
     ("qto/automation/variant.hpp", "qto/host/range.hpp"),
-    ("qto/automation/variant.hpp", "qto/server/dispatch.hpp"),
+    ("qto/automation/variant.hpp", "qto/server/calls/dispatch.hpp"),
     ("qto/diagnostics/procedure.hpp", "qto/host/range.hpp"),
     ("qto/host/range.hpp", "qto/diagnostics/procedure.hpp"),
 
@@ -44,7 +44,7 @@ REFUSED = [
     ("qto/engine/drill_down.hpp", "qto/hosts/embedded/objects/range.hpp"),
     ("qto/hosts/embedded/objects/range.hpp", "qto/diagnostics/procedure.hpp"),
     ("qto/hosts/embedded/objects/range.hpp", "qto/com/com.hpp"),
-    ("qto/hosts/late_bound/range.hpp", "qto/server/face.hpp"),
+    ("qto/hosts/late_bound/range.hpp", "qto/server/wrappers/marshaling.hpp"),
     ("qto/hosts/late_bound/range.hpp", "qto/hosts/embedded/objects/range.hpp"),
     ("qto/hosts/late_bound/range.hpp", "qto/engine/drill_down.hpp"),
     ("qto/host/range.hpp", "qto/com/com.hpp"),
