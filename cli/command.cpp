@@ -120,7 +120,8 @@ class Run {
       write_drill(arguments_, drill, failures_, reports_, progress_);
     else
       print_drill(arguments_, drill, failures_, progress_);
-    return finish(drill.interrupted());
+    const ExitStatus status = finish(drill.interrupted());
+    return drill.engine().ExceededMaxItems() ? done_in_part : status;
   }
 
   ExitStatus finish(bool interrupted) {

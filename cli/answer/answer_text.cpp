@@ -52,23 +52,25 @@ void print_line(std::FILE* out, const PartText& text, const Widths& widths) {
 PartText describe_empty(ModelPart& first, const CellRun& run, const std::string& home_book) {
   PartText text;
   text.address = readable_address(first, home_book, address_of(run.block));
-  text.value = fmt::format("{} empty cells", run.cells);
+  text.value = counted(run.cells, "empty cell");
   return text;
 }
 
-/// A table of address, title, value and formula, one part a line.
-void print_list(std::FILE* out, const Ref<ModelParts>& parts, const std::string& home_book,
-                bool full, Progress& progress) {
+/// A table of address, title, value and formula, one part a line. Gives the number of empty cells.
+std::size_t print_list(std::FILE* out, const Ref<ModelParts>& parts, const std::string& home_book,
+                       bool full, Progress& progress) {
   std::vector<ModelPart*> items;
   items.reserve(static_cast<std::size_t>(parts->Count()));
   parts->for_each([&items](ModelPart& part) { items.push_back(&part); });
   std::vector<PartText> head;
+  std::size_t empty = 0;
   Widths widths;
   for (std::span<ModelPart* const> rest(items); !rest.empty();) {
     const CellRun run = full ? CellRun{} : empty_run_at_front(rest);
     const std::size_t taken = std::max<std::size_t>(run.cells, 1);
     const PartText text =
         run.cells ? describe_empty(*rest[0], run, home_book) : describe(*rest[0], home_book, full);
+    if (run.cells || text.value == no_content) empty += taken;
     rest = rest.subspan(taken);
     progress.count(taken);
     if (head.size() < lines_measured) {
@@ -80,11 +82,7 @@ void print_list(std::FILE* out, const Ref<ModelParts>& parts, const std::string&
       print_line(out, text, widths);
     }
   }
-}
-
-/// "1 cell", "3 cells"
-std::string counted(std::size_t count, std::string_view what) {
-  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+  return empty;
 }
 
 std::string headline(ModelPart& part) {
@@ -108,10 +106,13 @@ void print_found(const Arguments& arguments, DrillDown& engine, const Ref<ModelP
   const auto& start = engine.StartModelPart();
   const bool inputs = arguments.operation == Operation::inputs;
   fmt::print("{} {}\n\n", inputs ? "Inputs of" : "The error of", headline(*start));
-  print_list(stdout, found, start->WorkBookName(), arguments.full, progress);
+  const std::size_t empty =
+      print_list(stdout, found, start->WorkBookName(), arguments.full, progress);
   const auto count = static_cast<std::size_t>(found->Count());
-  fmt::print("\n{}\n",
-             inputs ? counted(count, "input") : counted(count, "origin") + " of the error");
+  if (!inputs) return fmt::print("\n{} of the error\n", counted(count, "origin"));
+  fmt::print("\n{}", counted(count - empty, "input"));
+  if (empty > 0) fmt::print(" and {}", counted(empty, "empty cell"));
+  fmt::print("\n");
 }
 
 /// The engine gives a start without errors below it as its own origin, error or not.

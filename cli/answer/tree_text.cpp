@@ -88,8 +88,8 @@ class TreePrinter {
 
   void print_run(std::span<ModelPart* const> parts, const CellRun& run, const std::string& branch) {
     const std::size_t full_cells = run.cells - run.empty;
-    std::string what = fmt::format("{} constant{}", full_cells, full_cells == 1 ? "" : "s");
-    if (run.empty > 0) what += fmt::format(", {} empty cells", run.empty);
+    std::string what = counted(full_cells, "constant");
+    if (run.empty > 0) what += ", " + counted(run.empty, "empty cell");
     fmt::print(out_, "{}{}  {}\n", begin_line(branch),
                readable_address(*parts[0], home_book_, address_of(run.block)), what);
     for (ModelPart* part : parts.first(run.cells)) met_.insert(part);

@@ -7,6 +7,7 @@
 #include "cli/asking/nearest.hpp"
 #include "cli/book/contents.hpp"
 #include "cli/book/item_text.hpp"
+#include "cli/output/part_text.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/host/host.hpp"
 #include "qto/links/main.hpp"
@@ -103,7 +104,7 @@ Item on_worksheet(const host::Workbook& book, const Ref<host::Worksheet>& sheet,
     return text.has_sheet ? name_on(book, sheet, text.rest) : name_anywhere(book, text.rest);
   if (range->CellsCount() > most_cells)
     throw ItemError(fmt::format("{} has {} cells; at most {} are read at once", text.rest,
-                                range->CellsCount(), most_cells));
+                                grouped(range->CellsCount()), grouped(most_cells)));
   return {range, "Range", nullptr};
 }
 

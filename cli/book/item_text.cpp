@@ -31,6 +31,7 @@ std::string take_quoted(std::string_view text, std::string_view& rest) {
 
 ItemText split_item(std::string_view text) {
   std::string_view rest = text::trim(text);
+  if (rest.starts_with('=')) rest = text::trim(rest.substr(1));  // copied from a formula
   if (rest.empty()) bad_form(text, "it is empty");
   ItemText item;
   if (rest.front() == '\'') {

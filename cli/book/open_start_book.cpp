@@ -2,6 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
 #include "cli/asking/complaint.hpp"
 #include "cli/links/linked_books.hpp"
 #include "cli/terminal/prompt.hpp"
@@ -29,6 +33,34 @@ Ref<host::Workbook> open_asking(embedded::Application& application, const Argume
   }
 }
 
+/// What stands at that path instead of a workbook, with what helps; "" when nothing is known.
+std::string what_is_there(const std::string& book) {
+  const std::filesystem::path path = text::to_path(book);
+  std::error_code unknown;
+  if (std::filesystem::is_directory(path, unknown))
+    return "is a folder. Name one of its books, or list their links with 'qto links " + book + "'";
+  const std::string name = text::from_path(path.filename());
+  if (name.starts_with("~$"))
+    return "is not a book but the lock file of one that is open elsewhere. Without '~$' it is the "
+           "name of the book";
+  constexpr std::string_view pointer = "version https://git-lfs.github.com/spec/";
+  char head[pointer.size()] = {};
+  std::ifstream(path, std::ios::binary).read(head, sizeof head);
+  if (std::string_view(head, sizeof head) == pointer)
+    return "is a pointer of Git LFS that stands in for the book. 'git lfs pull' fetches it";
+  return "";
+}
+
+Complaint unreadable_book(const host::OpenError& error, const std::string& book) {
+  const std::string other = what_is_there(book);
+  Complaint complaint(unreadable,
+                      other.empty() ? open_failure_text(error, true) : book + " " + other);
+  complaint.file = error.file;
+  complaint.part = error.part;
+  complaint.line = error.line;
+  return complaint;
+}
+
 }  // namespace
 
 Ref<host::Workbook> open_start_book(embedded::Application& application, const Arguments& arguments,
@@ -39,11 +71,7 @@ Ref<host::Workbook> open_start_book(embedded::Application& application, const Ar
     for (const std::string& folder : arguments.folders) application.add_search_folder(folder);
     return book;
   } catch (const host::OpenError& error) {
-    Complaint complaint(unreadable, open_failure_text(error, true));
-    complaint.file = error.file;
-    complaint.part = error.part;
-    complaint.line = error.line;
-    throw complaint;
+    throw unreadable_book(error, arguments.book);
   } catch (const host::HostFailure& failure) {
     Complaint complaint(unreadable, arguments.book + ": " + failure.what());
     complaint.file = arguments.book;

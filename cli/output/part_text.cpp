@@ -52,11 +52,26 @@ std::string value_of(ModelPart& shown) {
     return closed || shown.Exists() ? "(not opened)" : "(does not exist)";
   }
   std::string value = shown.Text();
-  if (value.empty() && shown.value().is_empty()) return "(empty)";
+  if (value.empty() && shown.value().is_empty()) return std::string(no_content);
+  if (shown.value().is_text() && text::to_number(value)) return '"' + value + '"';
   return value;
 }
 
 }  // namespace
+
+std::string grouped(std::int64_t number) {
+  std::string digits = std::to_string(number);
+  const std::ptrdiff_t first = number < 0 ? 1 : 0;
+  for (std::ptrdiff_t at = std::ssize(digits) - 3; at > first; at -= 3)
+    digits.insert(static_cast<std::size_t>(at), 1, ',');
+  return digits;
+}
+
+std::string counted(std::size_t count, std::string_view what) {
+  std::string text = grouped(static_cast<std::int64_t>(count));
+  text.append(" ").append(what);
+  return count == 1 ? text : text + "s";
+}
 
 std::size_t letters(std::string_view text) noexcept {
   return text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), continues));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -18,8 +19,12 @@ struct PartText {
   std::string address;
   std::string title;
   std::string formula;  ///< "" for constants
-  std::string value;    ///< as displayed; in words where there is none
+  std::string value;  ///< as displayed; in words where there is none, a text that reads as a number
+                      ///< in quotes
 };
+
+/// The value of a cell that holds nothing.
+inline constexpr std::string_view no_content = "(empty)";
 
 /// The texts of a part. Formulas and titles are cut to a readable length unless `full`; books other
 /// than `home_book` are named.
@@ -29,6 +34,11 @@ PartText describe(ModelPart& part, std::string_view home_book, bool full);
 std::string readable_address(const ModelPart& part, std::string_view home_book);
 std::string readable_address(const ModelPart& part, std::string_view home_book,
                              std::string_view address);
+
+/// "2,096,908"
+std::string grouped(std::int64_t number);
+/// "1 cell", "3,000 cells"
+std::string counted(std::size_t count, std::string_view what);
 
 /// Letters of a UTF-8 text.
 std::size_t letters(std::string_view text) noexcept;

@@ -3,6 +3,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <csignal>
+
 #include "cli/terminal/interrupt.hpp"
 #include "cli/terminal/terminal.hpp"
 
@@ -54,7 +56,11 @@ std::optional<TerminalSize> terminal_size() noexcept {
   return TerminalSize{window.ws_col, window.ws_row};
 }
 
-std::vector<std::string> start_up(int argc, char** argv) { return {argv, argv + argc}; }
+std::vector<std::string> start_up(int argc, char** argv) {
+  // Who reads no further wants no complaint either, whatever the caller's choice.
+  std::signal(SIGPIPE, SIG_DFL);
+  return {argv, argv + argc};
+}
 
 std::optional<std::string> read_line(bool hidden) {
   const Silence silence(hidden);

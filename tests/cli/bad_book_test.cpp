@@ -44,6 +44,23 @@ TEST(BadBook, is_named_with_the_part_and_the_reason) {
   EXPECT_EQ(run_qto({"part", testing::TempDir(), "A1"}).status, 4);
 }
 
+TEST(BadBook, that_is_something_else_is_told_as_what_it_is) {
+  const TemporaryFile pointer(
+      "lfs.xlsx", "version https://git-lfs.github.com/spec/v1\noid sha256:00\nsize 9\n");
+  const TemporaryFile lock("~$plan.xlsx", "somebody");
+  const struct {
+    std::string path;
+    const char* told;
+  } rows[] = {{pointer.path(), "a pointer of Git LFS"},
+              {lock.path(), "the lock file of one that is open"},
+              {testing::TempDir(), "is a folder"}};
+  for (const auto& row : rows) {
+    const Outcome outcome = run_qto({"inputs", row.path, "A1"});
+    EXPECT_EQ(outcome.status, 4);
+    EXPECT_THAT(outcome.err, HasSubstr(row.told));
+  }
+}
+
 TEST(CircularBook, is_refused_with_a_cell_of_the_circle_and_a_way_out) {
   BookFile book;
   book.cells(

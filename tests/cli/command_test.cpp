@@ -1,5 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
 #include "tests/cli/run_command.hpp"
 
 namespace qto::test {
@@ -75,6 +80,8 @@ TEST(Command, takes_every_way_to_write_a_start) {
       {{"inputs", "PLAN", "Cash flow!c8"}, 0, {"Inputs of 'Cash flow'!C8"}, {}},
       {{"inputs", "PLAN", "C7"}, 0, {"Inputs of Summary!C7"}, {}},
       {{"inputs", "PLAN", "$C$7"}, 0, {"Inputs of Summary!C7"}, {}},
+      {{"inputs", "PLAN", "='Cash flow'!$C$8"}, 0, {"Inputs of 'Cash flow'!C8"}, {}},
+      {{"inputs", "PLAN", " = InterestRate"}, 0, {"Inputs of Assumptions!B9"}, {}},
       {{"inputs", "PLAN", "interestrate"}, 0, {"Inputs of Assumptions!B9"}, {}},
       {{"inputs", "PLAN", "Debt!InterestRate"}, 0, {"Inputs of Assumptions!B9"}, {}},
       {{"part", "PLAN", "Costs!WageRise"}, 0, {"=Assumptions!$B$6"}, {}},
@@ -99,7 +106,7 @@ TEST(Command, refuses_what_is_no_start) {
       {{"tree", "PLAN", "B2:C3"}, 1, {}, {"B2:C3 is 4 cells; START is one cell"}},
       {{"tree", "PLAN", "Ratings"}, 1, {}, {"Scenarios!$A$7:$B$11, 10 cells"}},
       {{"tree", "PLAN", "WidgetPrice"}, 1, {}, {"relative name"}},
-      {{"part", "PLAN", "A:XFD"}, 1, {}, {"17179869184 cells; at most"}},
+      {{"part", "PLAN", "A:XFD"}, 1, {}, {"17,179,869,184 cells; at most"}},
       {{"tree", "PLAN", "Assumptions!B3"}, 2, {}, {"holds the constant 2, no formula"}},
       {{"errors", "PLAN", "Assumptions!Z9"}, 2, {}, {"Assumptions!Z9 is empty"}},
       {{"inputs", "PLAN", "TaxRate"}, 2, {}, {"Assumptions!B7 holds the constant 25.0%"}},
@@ -126,6 +133,17 @@ TEST(Command, refuses_wrong_usage) {
   });
 }
 
+TEST(Command, is_silent_where_nobody_reads_its_answer) {
+  const std::string errors = testing::TempDir() + "qto_unread_answer";
+  const std::string line =
+      "(trap '' PIPE; '" QTO_COMMAND "' tree '" + plan() + "' 'Summary!C7' 2>'" + errors + "') | :";
+  EXPECT_EQ(std::system(line.c_str()), 0);
+  std::stringstream told;
+  told << std::ifstream(errors).rdbuf();
+  EXPECT_EQ(told.str(), "");
+  std::filesystem::remove(errors);
+}
+
 TEST(Command, passes_the_choices_on_to_the_drill) {
   const auto listed = [](std::vector<std::string> options) {
     std::vector<std::string> arguments{"tree", plan(), "Costs!B5", "--depth", "2"};
@@ -146,7 +164,7 @@ TEST(Command, passes_the_choices_on_to_the_drill) {
   EXPECT_THAT(run_qto({"inputs", plan(), "Summary!C7", "--ignore-zero-one"}).out,
               Not(HasSubstr("=B2*(1+Growth)")));
   const Outcome few = run_qto({"inputs", plan(), "Summary!C7", "--max-items", "5"});
-  EXPECT_EQ(few.status, 0);
+  EXPECT_EQ(few.status, 3);
   EXPECT_THAT(few.out, HasSubstr("Stopped after 5 items (--max-items)"));
 }
 

@@ -111,7 +111,8 @@ TEST(Json, lists_inputs_and_errors) {
   EXPECT_THAT(found, testing::Contains("'Assumptions'!B3"));
   EXPECT_THAT(addresses(answer({"errors", plan(), "Summary!B15"})["ErrorCells"]),
               ElementsAre("'Costs'!D8"));
-  EXPECT_EQ(answer({"inputs", plan(), "Summary!C7", "--max-items", "3"})["ExceededMaxItems"], true);
+  EXPECT_EQ(answer({"inputs", plan(), "Summary!C7", "--max-items", "3"}, 3)["ExceededMaxItems"],
+            true);
 }
 
 TEST(Json, tells_complaints_to_programs) {

@@ -50,9 +50,9 @@ TEST(LongList, gathers_empty_cells_on_one_line) {
             "Sheet1!C1           (empty)\n"
             "Sheet1!B2           (empty)\n"
             "Sheet1!C2           5\n"
-            "Sheet1!B3:C1048576  2097148 empty cells\n"
+            "Sheet1!B3:C1048576  2,097,148 empty cells\n"
             "\n"
-            "2097152 inputs\n");
+            "2 inputs and 2,097,150 empty cells\n");
 }
 
 TEST(LongTree, stays_readable_at_any_depth) {
@@ -69,7 +69,7 @@ TEST(LongTree, stays_readable_at_any_depth) {
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr("[level 13] Sheet1!A4987"));
   EXPECT_THAT(outcome.out, HasSubstr("[level 4999] Sheet1!A1"));
-  EXPECT_THAT(outcome.out, HasSubstr("4999 formulas, 1 other item, 4999 levels"));
+  EXPECT_THAT(outcome.out, HasSubstr("4,999 formulas, 1 other item, 4,999 levels"));
   EXPECT_LT(outcome.out.size(), 600'000u);
   EXPECT_EQ(run_qto({"tree", file.path(), start, "--json"}).status, 0);
 }
@@ -86,6 +86,17 @@ TEST(LongTree, shows_no_control_characters_and_cuts_long_formulas) {
   EXPECT_THAT(brief.out, Not(HasSubstr("\x1b")));
   EXPECT_THAT(brief.out, HasSubstr("1111… → "));
   EXPECT_THAT(run_qto({"tree", file.path(), "A1", "--full"}).out, HasSubstr(tail));
+}
+
+TEST(LongList, tells_texts_that_read_as_numbers_from_numbers) {
+  BookFile book;
+  book.cells(row(1,
+                 "<c r=\"A1\"><f>SUM(B1:D1)</f><v>7</v></c><c r=\"B1\"><v>7</v></c>"
+                 "<c r=\"C1\" t=\"inlineStr\"><is><t>008</t></is></c>"
+                 "<c r=\"D1\" t=\"inlineStr\"><is><t>n/a</t></is></c>"));
+  const TemporaryFile file("numbers.xlsx", book.bytes());
+  EXPECT_THAT(run_qto({"inputs", file.path(), "A1"}).out,
+              HasSubstr("Sheet1!B1  7\nSheet1!C1  \"008\"\nSheet1!D1  n/a\n"));
 }
 
 }  // namespace
