@@ -6,7 +6,10 @@
 
 #include "qto/hosts/embedded/application.hpp"
 #include "tests/conformance/drill_counts.hpp"
+#include "tests/conformance/perturbation/generated_book.hpp"
+#include "tests/conformance/perturbation/properties.hpp"
 #include "tests/conformance/perturbation/report.hpp"
+#include "tests/conformance/perturbation/shrink.hpp"
 
 namespace {
 
@@ -19,6 +22,8 @@ struct Wanted {
   std::vector<std::string> files;
   bool list = false;
   bool perturb = false;
+  bool script = false;
+  int generate = 0;
   PerturbationPlan plan;
 };
 
@@ -27,6 +32,8 @@ void read_arguments(CLI::App& command, Wanted& wanted) {
   command.add_flag("--list", wanted.list, "each formula that could not be decided");
   command.add_flag("--perturb", wanted.perturb,
                    "change cells that were not followed, and expect the same values");
+  command.add_option("--generate", wanted.generate, "the same with so many generated books");
+  command.add_flag("--script", wanted.script, "print what generated books hold");
   command
       .add_option("--per-pattern", wanted.plan.per_pattern,
                   "formulas tried among copies of each other; 0: all")
@@ -53,6 +60,31 @@ void perturb_file(const std::string& file, const PerturbationPlan& plan,
   }
 }
 
+bool of_one_drill(const Miss& one, const Miss& other) {
+  return one.cell == other.cell && one.following == other.following;
+}
+
+void perturb_generated(const Wanted& wanted, PerturbationResult& total) {
+  PerturbationPlan plan = wanted.plan;
+  for (int i = 0; i < wanted.generate; ++i, ++plan.seed) {
+    GeneratedBook book(plan.seed);
+    if (wanted.script) std::cout << book.script();
+    PerturbationResult result = perturb(book.workbook(), plan);
+    if (!result.shown.empty()) {
+      print_line(std::cout, "seed " + std::to_string(plan.seed), result);
+      for (std::size_t m = 0; m < result.shown.size(); ++m)
+        if (m == 0 || !of_one_drill(result.shown[m - 1], result.shown[m]))
+          print(std::cout, shrunk(book, result.shown[m], plan));
+    }
+    for (const std::string& broken : broken_properties(book))
+      std::cout << "  PROPERTY seed " << plan.seed << " " << broken << std::endl;
+    if (i % 100 == 99)
+      std::cerr << i + 1 << " books, misses " << total.misses[0] << " (all) " << total.misses[1]
+                << " (used)" << std::endl;
+    total.add(std::move(result));
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -60,12 +92,13 @@ int main(int argc, char** argv) {
   Wanted wanted;
   read_arguments(command, wanted);
   CLI11_PARSE(command, argc, argv);
-  if (!wanted.perturb) {
+  if (!wanted.perturb && wanted.generate == 0) {
     count_drills(wanted.files, wanted.list);
     return 0;
   }
   PerturbationResult total;
   for (const std::string& file : wanted.files) perturb_file(file, wanted.plan, total);
+  perturb_generated(wanted, total);
   print_totals(std::cout, total);
   return total.misses[0] + total.misses[1] == 0 ? 0 : 1;
 }

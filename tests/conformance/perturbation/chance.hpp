@@ -7,7 +7,7 @@
 
 namespace qto::embedded::conformance {
 
-/// Draws that are the same for the same seed everywhere; those of the standard library are not.
+/// Draws that hang on nothing but the seed; those of the standard library are its maker's.
 class Chance {
  public:
   explicit Chance(std::uint64_t seed) : engine_(seed) {}

@@ -52,7 +52,8 @@ struct Sample {
   bool active[followings] = {};
 };
 
-Ref<DrillOptions> options_for(Following following) {
+Ref<DrillOptions> options_for(const PerturbationPlan& plan, Following following) {
+  if (const auto& given = plan.options[static_cast<int>(following)]) return given;
   auto options = make_ref<DrillOptions>();
   options->ShowAll();
   if (following == Following::used) {
@@ -150,8 +151,8 @@ class Run {
   // What is followed
 
   void drill_all() {
-    FollowedCells all(*cells_, books_, options_for(Following::all));
-    FollowedCells used(*cells_, books_, options_for(Following::used));
+    FollowedCells all(*cells_, books_, options_for(plan_, Following::all));
+    FollowedCells used(*cells_, books_, options_for(plan_, Following::used));
     const auto start = Clock::now();
     std::size_t drilled = 0;
     for (; drilled < samples_.size(); ++drilled) {

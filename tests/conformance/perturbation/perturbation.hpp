@@ -8,6 +8,7 @@
 
 #include "qto/host/workbook.hpp"
 #include "qto/hosts/embedded/book/book.hpp"
+#include "qto/options/drill_options.hpp"
 
 namespace qto::embedded::conformance {
 
@@ -29,6 +30,8 @@ struct PerturbationPlan {
   int rounds = 8;
   /// Precedents of a formula of which it is asked whether a change can reach it.
   int reach_samples = 6;
+  /// What is drilled with, other than what the ways of following stand for.
+  Ref<DrillOptions> options[followings];
   /// Called with the part done, 0 to 1.
   void (*progress)(double fraction) = nullptr;
   /// Only this formula.
