@@ -41,9 +41,9 @@ windows: ## the same libraries and command for Windows, tests under Wine; left o
 	tools/windows/check.sh x64
 	tools/windows/check.sh x86
 
-tidy: dev-packages ## clang-tidy over every file
-	cmake --preset tidy
-	cmake --build --preset tidy
+tidy: dev-packages ## every source compiles alone, clang-tidy looks at those of the product
+	cmake --preset dev
+	python3 tools/compile_alone.py build/dev
 
 benchmarks: packages ## build the programs that measure
 	cmake --preset bench

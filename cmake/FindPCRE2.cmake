@@ -2,6 +2,11 @@
 find_path(PCRE2_INCLUDE_DIR pcre2.h)
 find_library(PCRE2_16BIT_LIBRARY pcre2-16)
 mark_as_advanced(PCRE2_INCLUDE_DIR PCRE2_16BIT_LIBRARY)
+if(PCRE2_INCLUDE_DIR)
+  file(STRINGS ${PCRE2_INCLUDE_DIR}/pcre2.h PCRE2_VERSION REGEX "^#define PCRE2_M(AJ|IN)OR ")
+  list(TRANSFORM PCRE2_VERSION REPLACE "^#define PCRE2_[A-Z]+ +" "")
+  string(REPLACE ";" "." PCRE2_VERSION "${PCRE2_VERSION}")
+endif()
 
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(PCRE2 REQUIRED_VARS PCRE2_16BIT_LIBRARY PCRE2_INCLUDE_DIR)

@@ -13,12 +13,17 @@ if(NOT WIN32)
   if(QTO_TESTS)
     find_package(GTest REQUIRED)
   endif()
+  # For people who report what they saw.
+  set(qto_library_versions "expat ${EXPAT_VERSION_STRING}" "libzip ${libzip_VERSION}"
+    "PCRE2 ${PCRE2_VERSION}" "OpenSSL ${OPENSSL_VERSION}" "ICU ${ICU_VERSION}"
+    "fmt ${fmt_VERSION}" "CLI11 ${CLI11_VERSION}" "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
   set(qto_text_libraries ICU::uc ICU::i18n)
   set(qto_cipher_libraries OpenSSL::Crypto)
   return()
 endif()
 
 # Windows itself stands in for ICU and OpenSSL.
+set(qto_library_versions expat libzip PCRE2 fmt CLI11 "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
 set(qto_text_libraries)
 set(qto_cipher_libraries bcrypt)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)

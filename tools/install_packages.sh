@@ -1,6 +1,6 @@
 #!/bin/bash
 # Installs the Debian 12 packages that building and testing need and that are missing.
-# --dev adds the tools of `make check`, `make format` and the tidy preset, --windows the compilers
+# --dev adds the tools of `make check`, `make format` and `make tidy`, --windows the compilers
 # for Windows and Wine. Asks for no input and calls apt only when something is missing.
 set -euo pipefail
 
@@ -15,7 +15,7 @@ packages=(
 
 for argument in "$@"; do
   case "$argument" in
-    --dev) packages+=(clang-format clang-tidy) ;;
+    --dev) packages+=(clang clang-format clang-tidy) ;;
     --windows)
       packages+=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
         libz-mingw-w64-dev googletest dpkg-dev patch xz-utils wine wine64 debootstrap)

@@ -1,18 +1,15 @@
 #include "cli/asking/arguments.hpp"
 
-#include <fmt/format.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 #include <iterator>
 #include <utility>
 
-#include "cli/asking/complaint.hpp"
-#include "cli/asking/nearest.hpp"
+#include "cli/asking/wrong_usage.hpp"
+#include "cli/build_info.hpp"
 #include "cli/terminal/terminal.hpp"
 #include "qto/automation/text.hpp"
-#include "qto/diagnostics/version.hpp"
 
 namespace qto::cli {
 namespace {
@@ -29,7 +26,7 @@ constexpr const char* footer_text =
     "\n"
     "Exit status: 0 done, 1 wrong usage, 2 refused (START holds no formula, circular\n"
     "references), 3 done but partial, 4 the book could not be read.\n"
-    "'qto COMMAND --help' lists the options of a command.";
+    "'qto help COMMAND' lists the options of a command.";
 
 template <class Value>
 struct Choice {
@@ -223,33 +220,25 @@ void add_drill_options(CLI::App& command, Arguments& arguments, SpecialFunctions
   command.add_flag("--full", arguments.full, "every cell on a line, formulas uncut");
 }
 
-std::vector<std::string> command_names(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
-  return names;
-}
-
-int complain(const CLI::App& app, const CLI::ParseError& error, std::string_view first_word) {
-  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
-  if (app.get_subcommands().empty() && !first_word.empty() && !first_word.starts_with('-'))
-    fmt::print(stderr, "qto: there is no command '{}'{}\n", first_word,
-               suggestion(first_word, command_names(app), "commands are"));
-  else
-    fmt::print(stderr, "qto: {}\n", error.what());
-  const auto used = app.get_subcommands();
-  fmt::print(stderr, "Try 'qto {}--help'.\n", used.empty() ? "" : used[0]->get_name() + " ");
-  return wrong_usage;
+/// "help COMMAND" says what "COMMAND --help" does, and "help" what "--help" does.
+std::vector<std::string> with_help_as_option(std::vector<std::string> words) {
+  if (words.size() < 2 || words[1] != "help") return words;
+  words.erase(words.begin() + 1);
+  words.resize(std::min<std::size_t>(words.size(), 2));
+  words.push_back("--help");
+  return words;
 }
 
 }  // namespace
 
-std::optional<int> parse_arguments(const std::vector<std::string>& words, Arguments& arguments) {
+std::optional<int> parse_arguments(const std::vector<std::string>& given, Arguments& arguments) {
+  const auto words = with_help_as_option(given);
   CLI::App app(
       "Audits the formulas of a workbook: what feeds a cell, which input cells it rests "
       "on, and where an error in it comes from.",
       "qto");
   app.footer(footer_text);
-  app.set_version_flag("--version", fmt::format("qto {}", diagnostics::library_version));
+  app.set_version_flag("--version", version_text());
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // "/" begins paths
   if (is_terminal(Stream::input) && is_terminal(Stream::errors)) {
@@ -299,7 +288,7 @@ std::optional<int> parse_arguments(const std::vector<std::string>& words, Argume
     std::reverse(rest.begin(), rest.end());
     app.parse(std::move(rest));
   } catch (const CLI::ParseError& error) {
-    return complain(app, error, words.size() > 1 ? words[1] : "");
+    return end_with(app, error, words);
   }
   if (special.level) special.level(*arguments.drill);
   for (const auto& choose : special.single) choose(*arguments.drill);

@@ -83,7 +83,7 @@ void write_series_view(ModelPart& part, const SeriesView& view, const Reports& r
 std::string what_hides(const host::Range& range) {
   if (range.Worksheet()->Visible() != host::xlSheetVisible)
     return "sheet " + range.Worksheet()->Name() + " is hidden";
-  const auto lines = [](const char* what, std::string first, const std::string& last) {
+  const auto lines = [](const char* what, const std::string& first, const std::string& last) {
     return first == last ? std::string(what) + " " + first
                          : std::string(what) + "s " + first + " to " + last;
   };

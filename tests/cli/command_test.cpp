@@ -68,8 +68,10 @@ TEST(Command, answers_about_the_example) {
        {}},
       {{"part", "PLAN", "Assumptions!B7"}, 0, {"TaxRate", "25.0%"}, {}},
       {{"links", "PLAN"}, 0, {"links to no other book"}, {}},
-      {{"--version"}, 0, {"qto 11."}, {}},
+      {{"--version"}, 0, {"qto 11.", "\nbuilt with expat "}, {}},
       {{"--help"}, 0, {"Exit status", "tree", "inputs", "'My sheet'!B7"}, {}},
+      {{"help"}, 0, {"Exit status", "tree", "inputs"}, {}},
+      {{"help", "inputs"}, 0, {"--sumif", "qto inputs"}, {}},
       {{"inputs", "--help"}, 0, {"--sumif", "--max-items", "--password"}, {}},
   });
 }
@@ -121,6 +123,10 @@ TEST(Command, refuses_wrong_usage) {
       {{"links"}, 1, {}, {"BOOK is required"}},
       {{"tree", "PLAN", "A1", "B1"}, 1, {}, {"B1"}},
       {{"inputs", "PLAN", "A1", "--depth", "2"}, 1, {}, {"--depth"}},
+      {{"help", "tre"}, 1, {}, {"no command 'tre'", "Did you mean tree?"}},
+      {{"tree", "PLAN", "A1", "--dept", "2"}, 1, {}, {"no option '--dept'. Did you mean --depth?"}},
+      {{"inputs", "PLAN", "A1", "--jsn"}, 1, {}, {"Did you mean --json?"}},
+      {{"--vrsion"}, 1, {}, {"Did you mean --version?"}},
       {{"tree", "PLAN", "A1", "--depth", "0"}, 1, {}, {"'0' is no number from 1"}},
       {{"tree", "PLAN", "A1", "--depth", "99999999999"}, 1, {}, {"is no number from 1"}},
       {{"tree", "PLAN", "A1", "--max-items", "-5"}, 1, {}, {"'-5' is no number from 1"}},

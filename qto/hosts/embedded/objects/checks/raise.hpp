@@ -7,7 +7,14 @@ namespace qto::embedded {
 
 /// The failures of the object model. They name the member that was called, "Workbook.Worksheets",
 /// where they are thrown by a member of a host object.
+#ifdef __cpp_lib_source_location
 using CalledFrom = std::source_location;
+#else  // clang before version 16: nothing is named
+struct CalledFrom {
+  static constexpr CalledFrom current() { return {}; }
+  constexpr const char* function_name() const { return ""; }
+};
+#endif
 
 /// Throws the general failure of the object model with this text.
 [[noreturn]] void fail(const std::string& text, const CalledFrom& at = CalledFrom::current());
