@@ -2,4 +2,4 @@
 execute_process(COMMAND git -C ${SOURCE} describe --always --dirty --abbrev=12 --exclude *
   OUTPUT_VARIABLE commit OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
 string(REPLACE ";" ", " libraries "${LIBRARIES}")
-configure_file(${SOURCE}/cli/build_info.cpp.in ${OUTPUT} @ONLY)
+configure_file(${SOURCE}/cli/asking/build_info.cpp.in ${OUTPUT} @ONLY)

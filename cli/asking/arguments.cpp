@@ -6,8 +6,8 @@
 #include <iterator>
 #include <utility>
 
+#include "cli/asking/build_info.hpp"
 #include "cli/asking/wrong_usage.hpp"
-#include "cli/build_info.hpp"
 #include "cli/terminal/terminal.hpp"
 #include "qto/automation/text.hpp"
 
