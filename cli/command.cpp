@@ -55,7 +55,7 @@ class Run {
     progress_.stage("opening " + text::from_path(text::to_path(arguments_.book).filename()));
     book_ = open_start_book(application_, arguments_, progress_);
     // Parts of names evaluate before any drill has announced the application.
-    Main::set_shared_application(application_);
+    Main::set_shared_application(book_->Application());
   }
 
   ExitStatus links() {

@@ -46,6 +46,15 @@ EMBEDDED_LEVELS = {
 # What crosses between libraries, and a host that is driven by name, over any application.
 COM_LEVELS = {"qto/com": 0}
 LATE_BOUND_LEVELS = {"qto/hosts/late_bound": 0}
+# A host over an office suite: what loads it, and what is loaded.
+LIBREOFFICE = "qto/hosts/libreoffice"
+LIBREOFFICE_LEVELS = {
+    LIBREOFFICE: 0,
+    LIBREOFFICE + "/office": 1,
+    LIBREOFFICE + "/formulas": 1,
+    LIBREOFFICE + "/document": 2,
+    LIBREOFFICE + "/objects": 3,
+}
 # The automation surface stands above the engine and the hosts.
 SERVER_LEVELS = {
     "qto/server/tables": 0,
@@ -78,6 +87,7 @@ HOUSES = (
     (EMBEDDED_LEVELS, VOCABULARY),
     (COM_LEVELS, ("qto/automation",)),
     (LATE_BOUND_LEVELS, VOCABULARY + ("qto/com",)),
+    (LIBREOFFICE_LEVELS, VOCABULARY),
     (SERVER_LEVELS, tuple(ENGINE_LEVELS) + ("qto/com", "qto/hosts/late_bound", EMBEDDED)),
     (CLI_LEVELS, ("qto",)),
 )

@@ -114,6 +114,16 @@ void add_book_options(CLI::App& command, Arguments& arguments) {
   command.add_flag("--json", arguments.json, "one JSON object on standard output");
 }
 
+/// What opens the book, where more than the embedded host can answer.
+void add_host_option(CLI::App& command, Arguments& arguments) {
+  add_choice<HostChoice>(
+      command, "--host",
+      {{"embedded", HostChoice::embedded}, {"libreoffice", HostChoice::libreoffice}},
+      [&arguments](HostChoice host) { arguments.host = host; },
+      "what opens the books and evaluates: qto itself (.xlsx), or LibreOffice (also .ods, .xls, "
+      ".xlsb, .csv)");
+}
+
 /// What helps to find out why an answer is not what was expected.
 void add_diagnostic_options(CLI::App& command, Arguments& arguments) {
   add_choice<ReportPolicy>(
@@ -253,6 +263,7 @@ std::optional<int> parse_arguments(const std::vector<std::string>& given, Argume
     command->callback([&arguments, operation] { arguments.operation = operation; });
     command->footer("'qto --help' tells how START and ITEM are written.");
     add_book_options(*command, arguments);
+    if (operation != Operation::links) add_host_option(*command, arguments);
     add_diagnostic_options(*command, arguments);
     return *command;
   };

@@ -13,6 +13,8 @@ namespace qto::cli {
 enum class Operation { tree, inputs, errors, part, links, show };
 enum class OpenPolicy { ask, always, never };
 enum class ReportPolicy { ask, list };
+/// Which spreadsheet host opens the books.
+enum class HostChoice { embedded, libreoffice };
 
 /// A password for one book, or for any when `book` is "".
 struct Password {
@@ -23,6 +25,7 @@ struct Password {
 /// The command line, checked as far as it can be without the book.
 struct Arguments {
   Operation operation = Operation::tree;
+  HostChoice host = HostChoice::embedded;
   std::string book;
   std::string item;  ///< "" for the contents of the book
   Ref<DrillOptions> drill = make_ref<DrillOptions>();

@@ -10,17 +10,19 @@
 #include "cli/links/linked_books.hpp"
 #include "cli/terminal/prompt.hpp"
 #include "qto/automation/file_path.hpp"
+#include "qto/automation/text.hpp"
 #include "qto/host/host.hpp"
+#include "qto/hosts/libreoffice/application.hpp"
 
 namespace qto::cli {
 namespace {
 
 /// Asks for the password of an encrypted book when none was given and somebody is there to answer.
-Ref<host::Workbook> open_asking(embedded::Application& application, const Arguments& arguments,
-                                Progress& progress) {
+Ref<host::Workbook> open_asking(const Ref<host::Application>& application,
+                                const Arguments& arguments, Progress& progress) {
   const std::string name = text::from_path(text::to_path(arguments.book).filename());
   const auto open = [&](const std::string& password) {
-    return application.Workbooks()->Open(arguments.book, false, true, password);
+    return application->Workbooks()->Open(arguments.book, false, true, password);
   };
   try {
     return open(password_for(arguments, name));
@@ -51,10 +53,38 @@ std::string what_is_there(const std::string& book) {
   return "";
 }
 
-Complaint unreadable_book(const host::OpenError& error, const std::string& book) {
-  const std::string other = what_is_there(book);
+/// The application that the arguments choose.
+Ref<host::Application> chosen_host(const embedded::Application& embedded,
+                                   const Arguments& arguments) {
+  if (arguments.host == HostChoice::embedded) return embedded;
+  if (!arguments.folders.empty())
+    throw Complaint(wrong_usage,
+                    "--folder is not for --host libreoffice: linked books are looked "
+                    "for at their place and beside the book");
+  try {
+    return libreoffice::application();
+  } catch (const host::HostFailure& failure) {
+    throw Complaint(unreadable, failure.what());
+  }
+}
+
+/// What to do about a file that the embedded host does not read, "" when nothing is known.
+std::string other_host(const Arguments& arguments, const host::OpenError& error) {
+  using enum host::OpenFailureKind;
+  if (arguments.host != HostChoice::embedded) return "";
+  if (error.kind != not_a_package && error.kind != not_a_workbook) return "";
+  for (const char* extension : {".ods", ".xls", ".xlsb", ".csv", ".fods", ".xlt", ".ots", ".dif",
+                                ".slk", ".dbf", ".wk1", ".123", ".sxc"})
+    if (text::equal_ascii_nocase(text::from_path(text::to_path(error.file).extension()), extension))
+      return ". LibreOffice can open such files: --host libreoffice";
+  return "";
+}
+
+Complaint unreadable_book(const host::OpenError& error, const Arguments& arguments) {
+  const std::string other = what_is_there(arguments.book);
   Complaint complaint(unreadable,
-                      other.empty() ? open_failure_text(error, true) : book + " " + other);
+                      other.empty() ? open_failure_text(error, true) + other_host(arguments, error)
+                                    : arguments.book + " " + other);
   complaint.file = error.file;
   complaint.part = error.part;
   complaint.line = error.line;
@@ -66,12 +96,12 @@ Complaint unreadable_book(const host::OpenError& error, const std::string& book)
 Ref<host::Workbook> open_start_book(embedded::Application& application, const Arguments& arguments,
                                     Progress& progress) {
   try {
-    auto book = open_asking(application, arguments, progress);
+    auto book = open_asking(chosen_host(application, arguments), arguments, progress);
     // Only now: the folders are for linked books, this one must be where it is said to be.
     for (const std::string& folder : arguments.folders) application.add_search_folder(folder);
     return book;
   } catch (const host::OpenError& error) {
-    throw unreadable_book(error, arguments.book);
+    throw unreadable_book(error, arguments);
   } catch (const host::HostFailure& failure) {
     Complaint complaint(unreadable, arguments.book + ": " + failure.what());
     complaint.file = arguments.book;

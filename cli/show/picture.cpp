@@ -106,7 +106,9 @@ Picture::Shown shown_cell(const host::Worksheet& sheet, CellPos pos) {
 
 Picture take_picture(const Ref<host::Range>& item) {
   const auto sheet = item->Worksheet();
-  const std::vector<Rect> panes = embedded::visible_panes(item->Application());
+  std::vector<Rect> panes = embedded::visible_panes(item->Application());
+  if (panes.empty())  // of a host that tells one pane only
+    panes.push_back(item->Application()->ActiveWindow()->ActivePane()->VisibleRange()->block());
   const Rect used = sheet->UsedRange()->block();
   Picture picture;
   picture.item = item->block();

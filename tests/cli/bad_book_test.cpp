@@ -26,6 +26,7 @@ TEST(BadBook, is_named_with_the_part_and_the_reason) {
   const std::vector<Case> cases = {
       {"empty.xlsx", "", {"empty.xlsx"}},
       {"text.xlsx", "Sales,Costs\n1,2\n", {"text.xlsx", "not a workbook"}},
+      {"text.csv", "Sales,Costs\n1,2\n", {"text.csv", "--host libreoffice"}},
       {"truncated.xlsx", bytes.substr(0, bytes.size() / 2), {"truncated.xlsx"}},
       {"zip.xlsx", zip_bytes({{"readme.txt", "no workbook"}}), {"zip.xlsx"}},
       {"no_sheet.xlsx", no_sheet.bytes(), {"no_sheet.xlsx", "xl/sheet1.xml"}},
