@@ -1,15 +1,11 @@
 #include "qto/hosts/embedded/evaluate/references.hpp"
 
 #include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/formulas/table_target.hpp"
 
 namespace qto::embedded {
 
 namespace {
-
-Rect enclosing(const Rect& a, const Rect& b) noexcept {
-  return {{std::min(a.first.row, b.first.row), std::min(a.first.column, b.first.column)},
-          {std::max(a.last.row, b.last.row), std::max(a.last.column, b.last.column)}};
-}
 
 Operand range_between(const Operand& left, const Operand& right) {
   Area result = left.areas().front();
@@ -38,27 +34,6 @@ Operand union_of(const Operand& left, const Operand& right) {
   return Operand::of_areas(std::move(areas));
 }
 
-/// The rows of a table that the items of a structured reference name.
-Outcome<Rect> rows_of(const Table& table, unsigned items, const Frame& frame) {
-  if (items == 0) items = formula::StructuredRef::data;
-  std::optional<Rect> rows;
-  const auto take = [&](const std::optional<Rect>& part) {
-    if (part) rows = rows ? enclosing(*rows, *part) : *part;
-  };
-  if (items & formula::StructuredRef::all) take(table.range);
-  if (items & formula::StructuredRef::headers) take(table.headers());
-  if (items & formula::StructuredRef::data) take(table.data());
-  if (items & formula::StructuredRef::totals) take(table.totals());
-  if (items & formula::StructuredRef::this_row) {
-    const auto data = table.data();
-    if (!data || frame.at.row < data->first.row || frame.at.row > data->last.row)
-      return ErrorValue::value;
-    take(Rect{{frame.at.row, data->first.column}, {frame.at.row, data->last.column}});
-  }
-  if (!rows) return ErrorValue::ref;
-  return *rows;
-}
-
 }  // namespace
 
 Operand join_references(formula::Operator op, const Operand& left, const Operand& right) {
@@ -79,23 +54,25 @@ Book* ReferenceResolver::linked_book(const Book& owner, std::uint32_t index) {
   return &closed_.stand_in(owner, index);
 }
 
-Book* ReferenceResolver::book_of(const formula::SheetQualifier& qualifier, const Frame& frame) {
-  if (qualifier.external > 0) return linked_book(*frame.book, qualifier.external - 1);
-  if (qualifier.book.empty()) return frame.book;
+Book* ReferenceResolver::book_of(const formula::SheetQualifier& qualifier,
+                                 const FormulaPlace& place) {
+  if (qualifier.external > 0) return linked_book(*place.book, qualifier.external - 1);
+  if (qualifier.book.empty()) return place.book;
   if (Book* open = environment_.find_open_book(qualifier.book)) return open;
-  if (text::equal_fold(qualifier.book, frame.book->name)) return frame.book;
-  const auto& externals = frame.book->externals;
+  if (text::equal_fold(qualifier.book, place.book->name)) return place.book;
+  const auto& externals = place.book->externals;
   for (std::uint32_t i = 0; i < externals.size(); ++i)
-    if (text::equal_fold(externals[i].name, qualifier.book)) return linked_book(*frame.book, i);
+    if (text::equal_fold(externals[i].name, qualifier.book)) return linked_book(*place.book, i);
   return nullptr;
 }
 
 Operand ReferenceResolver::area(const formula::AreaRef& area,
-                                const formula::SheetQualifier& qualifier, const Frame& frame) {
-  const Rect rect = area.resolve(frame.at);
-  if (!qualifier.present()) return Area{frame.sheet, rect};
+                                const formula::SheetQualifier& qualifier,
+                                const FormulaPlace& place) {
+  const Rect rect = area.resolve(place.at);
+  if (!qualifier.present()) return Area{place.sheet, rect};
   if (qualifier.broken) return ErrorValue::ref;
-  Book* book = book_of(qualifier, frame);
+  Book* book = book_of(qualifier, place);
   if (!book) return ErrorValue::ref;
   if (!qualifier.last_sheet.empty()) return span(qualifier, *book, rect);
   if (qualifier.sheet.empty()) return ErrorValue::ref;
@@ -118,36 +95,16 @@ Operand ReferenceResolver::span(const formula::SheetQualifier& qualifier, Book& 
   return Operand::of_areas(std::move(areas), true);
 }
 
-Operand ReferenceResolver::table_data(const Table& table, const Book& book) {
-  const auto data = table.data();
-  Sheet* sheet = table.sheet ? book.find_sheet(table.sheet->name) : nullptr;
-  if (!data || !sheet) return ErrorValue::ref;
-  return Area{sheet, *data};
-}
-
 Operand ReferenceResolver::structured(const formula::StructuredRef& reference,
                                       const formula::SheetQualifier& qualifier,
-                                      const Frame& frame) {
-  const Book* book = book_of(qualifier, frame);
+                                      const FormulaPlace& place) {
+  const Book* book = book_of(qualifier, place);
   if (!book) return ErrorValue::ref;
-  const Table* table = reference.table.empty() ? book->table_at(*frame.sheet, frame.at)
-                                               : book->find_table(reference.table);
-  if (!table || !table->sheet) return ErrorValue::ref;
-  const auto rows = rows_of(*table, reference.items, frame);
-  if (!rows) return rows.error();
-  Rect rect = *rows;
-  if (!reference.first_column.empty()) {
-    const auto first = table->find_column(reference.first_column);
-    const auto last =
-        reference.last_column.empty() ? first : table->find_column(reference.last_column);
-    if (!first || !last) return ErrorValue::ref;
-    const int left = table->range.first.column;
-    rect.first.column = left + std::min(*first, *last);
-    rect.last.column = left + std::max(*first, *last);
-  }
-  Sheet* sheet = book->find_sheet(table->sheet->name);
+  const StructuredTarget target = resolve_structured(reference, *book, *place.sheet, place.at);
+  if (target.error) return *target.error;
+  Sheet* sheet = book->find_sheet(target.table->sheet->name);
   if (!sheet) return ErrorValue::ref;
-  return Area{sheet, rect};
+  return Area{sheet, target.rect};
 }
 
 }  // namespace qto::embedded

@@ -25,6 +25,11 @@ struct Precedent {
   /// A change there matters, but which part is read turns out in evaluation only, so nothing can
   /// be said about order.
   bool watched_only = false;
+  /// It stands where evaluation may not come: in a branch, behind a condition, in a LAMBDA.
+  bool conditional = false;
+
+  /// True when evaluation alone tells whether, or how much of it, is read.
+  bool depends_on_values() const noexcept { return watched_only || conditional; }
 };
 
 struct PrecedentList {
@@ -46,9 +51,5 @@ PrecedentList list_precedents(const Book& book, const Sheet& sheet, const Formul
 /// none. Moves `index` past the item and those that it meets.
 std::optional<Area> resolve_precedent(std::span<const Precedent> items, std::size_t& index,
                                       Sheet& sheet, CellPos at);
-
-/// Appends the blocks that the formula of a cell reads.
-void precedent_areas(const Book& book, Sheet& sheet, CellPos at, const FormulaRecord& record,
-                     std::vector<Area>& out);
 
 }  // namespace qto::embedded

@@ -82,6 +82,7 @@ std::unique_ptr<Book> WorkbookReader::read() {
   workbook_ = read_workbook_part(package_, *workbook_part_);
   links_ = Relationships(package_, workbook_part_->name);
   book_->date1904 = workbook_.date1904;
+  book_->iteration = workbook_.iteration;
   book_->structure = workbook_.structure;
   book_->active_sheet = active_sheet();
   make_sheets();
@@ -195,6 +196,8 @@ void WorkbookReader::attach_tables(Sheet& sheet, const Relationships& links,
       package_.fail(OpenFailureKind::damaged, part, 0,
                     "the part of the table with the relationship \"" + id + "\" is missing");
     Table table = read_table(package_, *table_part, sheet);
+    if (const auto data = table.data(); data && table.filtered)
+      sheet.layout.add_filter(data->first.row, data->last.row);
     if (!book_->find_table(table.name)) book_->add_table(std::move(table));
   }
 }
