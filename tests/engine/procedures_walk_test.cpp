@@ -69,6 +69,7 @@ class EveryProcedure : public testing::Test {
     options.put_ParseOffset(options.ParseOffset());
     options.put_ParseIndex(options.ParseIndex());
     options.put_ParseMatch(options.ParseMatch());
+    options.put_Reading(options.Reading());
   }
 
   void touch(ModelPart& part) {

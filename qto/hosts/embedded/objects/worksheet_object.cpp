@@ -132,6 +132,12 @@ Variant WorksheetObject::value_in_cell(CellPos cell, std::string_view piece) con
   return range ? range->value() : result;
 }
 
+Variant WorksheetObject::elements_in_cell(CellPos cell, std::string_view piece) const {
+  const Variant result = evaluate_piece(cell, piece, EvaluationMode::reference);
+  const auto range = ref_cast<host::Range>(result.object());
+  return range ? range->value() : result;
+}
+
 Ref<host::Range> WorksheetObject::range_in_cell(CellPos cell, std::string_view piece) const {
   return ref_cast<host::Range>(
       evaluate_piece(cell, piece, EvaluationMode::cell_reference).object());
