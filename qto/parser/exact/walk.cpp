@@ -17,7 +17,7 @@ using formula::Operator;
 
 namespace {
 
-bool joins_references(const Node& node) noexcept {
+bool meets_or_spans(const Node& node) noexcept {
   return node.kind == NodeKind::binary &&
          (node.op == Operator::range || node.op == Operator::intersect);
 }
@@ -29,7 +29,7 @@ void Walk::follow(NodeIndex index, const Scope* scope) {
   std::vector<NodeIndex> rights;
   for (;;) {
     const Node& node = formula_.at(index);
-    if (node.kind == NodeKind::binary && !joins_references(node))
+    if (node.kind == NodeKind::binary && !meets_or_spans(node))
       rights.push_back(formula_.at(node.first_child).next);
     else if (node.kind != NodeKind::unary || node.op == Operator::spill)
       break;
@@ -188,7 +188,7 @@ void Walk::follow_joined(NodeIndex index, const Scope* scope) {
     return surroundings_.remark("the table reference " + text + " denotes no cells");
   }
   std::vector<NodeIndex> ends;
-  for (; joins_references(formula_.at(index)) || formula_.at(index).kind == NodeKind::unary;) {
+  for (; meets_or_spans(formula_.at(index)) || formula_.at(index).kind == NodeKind::unary;) {
     const Node& join = formula_.at(index);
     if (join.kind == NodeKind::binary) ends.push_back(formula_.at(join.first_child).next);
     index = join.first_child;
