@@ -25,6 +25,8 @@ constexpr QualifiedName names[] = {
     {"DrillDown", "IgnoreConstantIfZeroOrOne[Get]"},
     {"DrillDown", "IgnoreConstantIfZeroOrOne[Let]"},
     {"DrillDown", "ExceededMaxItems[Get]"},
+    {"DrillDown", "OpaqueCells[Get]"},
+    {"DrillDown", "Circles[Get]"},
     {"DrillDown", "set_up"},
     {"DrillDown", "check_max_items"},
     {"DrillDown", "available_memory"},

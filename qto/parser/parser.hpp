@@ -36,6 +36,8 @@ class Parser {
 
   /// Unknown part, the list that holds it, and an answer: a number other than 0 is raised.
   Event<Ref<ModelPart>&, Ref<ModelParts>&, std::int32_t&> UnknownObjectFound;
+  /// A part whose formula reads cells through a call that does not show them.
+  Event<Ref<ModelPart>&> OpaqueCallFound;
   /// Application, document, item, and the part that stands for the link.
   Event<const std::string&, const std::string&, const std::string&, Ref<ModelPart>&>
       ParserFoundDDEOLELink;

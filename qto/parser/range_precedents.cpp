@@ -106,7 +106,12 @@ void Parser::add_cells_of(const Ref<SheetRecord>& sheet, std::string_view addres
   add_cells_of(sheet, block);
 }
 
-void Parser::add_cells_of(const Ref<SheetRecord>& sheet, const Rect& rect) {
+/// Of a whole sheet, which nobody could list, the used cells count.
+void Parser::add_cells_of(const Ref<SheetRecord>& sheet, const Rect& written) {
+  constexpr std::int64_t most_cells = std::int64_t{4} * max_rows;
+  Rect rect = written;
+  if (rect.cells() > most_cells)
+    rect = rect.intersect(sheet->sheet->UsedRange()->block()).value_or(Rect::cell(rect.first));
   if (rect.cells() >= RangeBlock::least_cells && found_->add_block(block_of(sheet, rect))) return;
   for (std::int32_t row = rect.first.row; row <= rect.last.row; ++row) {
     for (std::int32_t column = rect.first.column; column <= rect.last.column; ++column) {

@@ -20,7 +20,7 @@ class Parser::ExactSurroundings final : public exact::Surroundings {
     parser_.add_cells_of(sheet, rect);
   }
   void add_name(const Ref<host::DefinedName>& name, std::string_view text) override {
-    auto part = make_ref<ModelPart>();
+    auto part = make_ref<ModelPart>(parser_.context_);
     part->putref_ParentRange(parser_.cell_of_names());
     part->Create(name, "Name", text);
     parser_.found_->AddExisting(part);
@@ -37,11 +37,16 @@ class Parser::ExactSurroundings final : public exact::Surroundings {
   }
   void add_constant(qtoContainsConstant kind) override { parser_.raise_contains_constant(kind); }
   void remark(std::string_view text) override { parser_.part_->add_remark(text); }
+  void opaque_call(std::string_view function) override {
+    parser_.part_->add_remark(std::string(function) + " reads what this formula does not show");
+    Ref<ModelPart> part = parser_.part_;
+    parser_.OpaqueCallFound(part);
+  }
 
  private:
   void add_unknown(std::string_view type, const exact::ClosedPlace& place,
                    std::string_view address) {
-    auto part = make_ref<ModelPart>();
+    auto part = make_ref<ModelPart>(parser_.context_);
     if (type == "Name") part->putref_ParentRange(parser_.cell_of_names());
     part->Create(nullptr, type, address);
     part->put_WorkBookPath(place.path);

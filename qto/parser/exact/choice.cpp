@@ -70,7 +70,9 @@ Follow asked(const DrillOptions::Settings& options, Family family) noexcept {
     case Family::match:
       return section(options.parse_match);
     case Family::index:
-      return section(options.parse_index);
+      // It has no value for conditions of its own.
+      if (options.parse_index == qtoDrillAll) return Follow::all;
+      return section(options.parse_lookup) == Follow::condition ? Follow::condition : Follow::used;
     case Family::sum:
       return section(options.parse_sumif);
     case Family::indirect:

@@ -40,7 +40,7 @@ class ReadFormula {
   struct Plan {
     std::vector<Step> steps;
     qtoContainsConstant constants = qtoNoConstantInFormula;
-    std::vector<std::string> remarks;
+    std::vector<std::string> remarks, opaque_calls;
     bool chooses = false;  ///< some call is to be followed where it chooses
   };
   std::optional<Plan> plan;

@@ -51,6 +51,10 @@ class Noting final : public Surroundings {
     plan_.remarks.emplace_back(text);
     inner_.remark(text);
   }
+  void opaque_call(std::string_view function) override {
+    plan_.opaque_calls.emplace_back(function);
+    inner_.opaque_call(function);
+  }
 
  private:
   Surroundings& inner_;
@@ -66,6 +70,7 @@ void follow(const ReadFormula::Plan& plan, const Site& site, Surroundings& surro
   }
   if (plan.constants != qtoNoConstantInFormula) surroundings.add_constant(plan.constants);
   for (const std::string& remark : plan.remarks) surroundings.remark(remark);
+  for (const std::string& function : plan.opaque_calls) surroundings.opaque_call(function);
 }
 
 }  // namespace
@@ -81,7 +86,7 @@ Reader::Answer Reader::follow_all(std::string_view text, const host::FormulaPatt
   }
   ReadFormula::Plan& plan = formula->plan.emplace();
   Noting noting(surroundings, plan);
-  Walk walk(*formula, site, noting, options, false);
+  Walk walk(*formula, site, noting, options, functions_, false);
   walk.run();
   plan.chooses = walk.met_choice();
   const bool chooses = plan.chooses;
@@ -92,7 +97,7 @@ Reader::Answer Reader::follow_all(std::string_view text, const host::FormulaPatt
 void Reader::follow_chosen(std::string_view text, const host::FormulaPattern& pattern,
                            const Site& site, const DrillOptions::Settings& options,
                            Surroundings& surroundings) {
-  Walk(*find(text, pattern, site), site, surroundings, options, true).run();
+  Walk(*find(text, pattern, site), site, surroundings, options, functions_, true).run();
 }
 
 }  // namespace qto::exact

@@ -8,6 +8,7 @@
 
 #include "qto/host/worksheet.hpp"
 #include "qto/options/drill_options.hpp"
+#include "qto/parser/exact/functions.hpp"
 #include "qto/parser/exact/read_formula.hpp"
 
 namespace qto::exact {
@@ -28,7 +29,10 @@ class Reader {
   /// Only those that the options ask for.
   void follow_chosen(std::string_view text, const host::FormulaPattern& pattern, const Site& site,
                      const DrillOptions::Settings& options, Surroundings& surroundings);
-  void forget() noexcept { formulas_.clear(); }
+  void forget() noexcept {
+    formulas_.clear();
+    functions_.forget();
+  }
 
  private:
   using Shared = std::shared_ptr<ReadFormula>;
@@ -45,6 +49,7 @@ class Reader {
     }
   };
   std::unordered_map<Key, Shared, Hash> formulas_;
+  KnownFunctions functions_;
 };
 
 }  // namespace qto::exact

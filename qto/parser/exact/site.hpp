@@ -47,6 +47,8 @@ class Surroundings {
   virtual void add_constant(qtoContainsConstant kind) = 0;
   /// Something that a reader of the answer has to know about this formula.
   virtual void remark(std::string_view text) = 0;
+  /// The formula calls a function that reads cells which it does not show.
+  virtual void opaque_call(std::string_view function) = 0;
 };
 
 }  // namespace qto::exact

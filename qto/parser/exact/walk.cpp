@@ -5,7 +5,6 @@
 #include "qto/automation/address.hpp"
 #include "qto/formula/node_text.hpp"
 #include "qto/host/worksheet.hpp"
-#include "qto/parser/exact/element_functions.hpp"
 
 namespace qto::exact {
 
@@ -240,18 +239,31 @@ void Walk::follow_call(NodeIndex index, const Scope* scope) {
         choice && asked(options_, choice->family) != Follow::all) {
       met_choice_ = true;
       if (choosing_) return follow_choice(*choice, index, scope);
-    } else if (!follow_local(node, scope)) {
-      // A function of the workbook's own, under a name.
-      if (const auto name = find_name(node)) {
-        if (formula_.plan) formula_.plan->steps.push_back({nullptr, {}, name, function});
-        surroundings_.add_name(name, function);
-      }
+    } else if (!choice) {
+      follow_function(node, scope);
+    } else if (choice->family == Family::indirect || choice->family == Family::offset) {
+      surroundings_.opaque_call(function);
     }
+  } else {
+    surroundings_.opaque_call(function);
   }
   const bool elements = runs_over_elements(function);
   over_elements_ += elements;
   follow_arguments(node.first_child, scope);
   over_elements_ -= elements;
+}
+
+/// A function of the workbook's own goes by a defined name. What neither the workbook nor the host
+/// knows is an add-in's.
+void Walk::follow_function(const Node& node, const Scope* scope) {
+  if (follow_local(node, scope)) return;
+  const std::string_view function = formula_.text(node);
+  if (const auto name = find_name(node)) {
+    if (formula_.plan) formula_.plan->steps.push_back({nullptr, {}, name, function});
+    return surroundings_.add_name(name, function);
+  }
+  if (reads_elsewhere(function) || !functions_.knows(std::string(function), evaluation_))
+    surroundings_.opaque_call(function);
 }
 
 const Scope* Walk::bind(const Scope* outer, std::string_view name, NodeIndex value,

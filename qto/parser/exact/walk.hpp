@@ -8,6 +8,7 @@
 #include "qto/options/drill_options.hpp"
 #include "qto/parser/exact/choice.hpp"
 #include "qto/parser/exact/evaluation.hpp"
+#include "qto/parser/exact/functions.hpp"
 #include "qto/parser/exact/read_formula.hpp"
 #include "qto/parser/exact/scope.hpp"
 
@@ -20,11 +21,12 @@ class Walk {
   /// `choosing`: calls that choose among their arguments are followed as the options ask; otherwise
   /// every reference is followed.
   Walk(ReadFormula& formula, const Site& site, Surroundings& surroundings,
-       const DrillOptions::Settings& options, bool choosing)
+       const DrillOptions::Settings& options, KnownFunctions& functions, bool choosing)
       : formula_(formula),
         site_(site),
         surroundings_(surroundings),
         options_(options),
+        functions_(functions),
         evaluation_(formula, site, surroundings),
         choosing_(choosing) {}
 
@@ -43,6 +45,7 @@ class Walk {
   void follow_joined(formula::NodeIndex index, const Scope* scope);
   void follow_end(formula::NodeIndex index, const Scope* scope);
   void follow_call(formula::NodeIndex index, const Scope* scope);
+  void follow_function(const formula::Node& node, const Scope* scope);
   void follow_arguments(formula::NodeIndex first, const Scope* scope);
   void follow_let(formula::NodeIndex index, const Scope* scope);
   void follow_lambda(formula::NodeIndex index, const Scope* scope,
@@ -62,6 +65,7 @@ class Walk {
   const Site& site_;
   Surroundings& surroundings_;
   const DrillOptions::Settings& options_;
+  KnownFunctions& functions_;
   Evaluation evaluation_;
   const bool choosing_;
   bool met_choice_ = false;
