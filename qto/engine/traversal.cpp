@@ -207,8 +207,8 @@ void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
   Walk walk(*this, "drill_this_cell", Walk::EmptyLists::drop);
   walk.run(
       start,
-      [this](Ref<ModelPart>& part) {
-        if (!find_analysed(*part)) part->set_checked(false);
+      [this, &start](Ref<ModelPart>& part) {
+        if (part == start || !find_analysed(*part)) part->set_checked(false);
         find_precedents_if_necessary(part);
         return part->direct();
       },

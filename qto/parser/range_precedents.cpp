@@ -30,7 +30,7 @@ bool Parser::reopen_linked_book(std::string_view path, std::string_view book) {
 void Parser::add_unknown_range(const Qualifiers& at, std::string_view address) {
   auto part = make_ref<ModelPart>(context_);
   part->Create(nullptr, "Range", address);
-  part->put_WorkBookPath(at.path);
+  part->put_WorkBookPath(undouble_apostrophes(at.path));
   part->put_WorkBookName(undouble_apostrophes(at.book));
   part->put_WorkSheetName(undouble_apostrophes(at.sheet));
   part->put_AddressShort(address);
@@ -48,7 +48,7 @@ void Parser::add_possible_name_found(const Qualifiers& at, std::string_view name
   auto part = make_ref<ModelPart>(context_);
   if (!proc.step([&] { part->putref_ParentRange(parent_range()); })) return;
   part->Create(nullptr, "Name", name);
-  part->put_WorkBookPath(at.path);
+  part->put_WorkBookPath(undouble_apostrophes(at.path));
   part->put_WorkBookName(undouble_apostrophes(at.book));
   part->put_WorkSheetName(at.sheet == own_sheet_ ? std::string() : undouble_apostrophes(at.sheet));
   found_->AddExisting(part);

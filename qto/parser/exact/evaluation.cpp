@@ -76,12 +76,12 @@ auto answer(Ask&& ask) -> std::optional<decltype(ask())> {
 
 std::optional<Variant> Evaluation::value(const std::string& text) const {
   if (!sheet()) return std::nullopt;
-  return answer([&] { return sheet()->value_in_cell(site_.cell, text); });
+  return answer([&] { return sheet()->elements_in_cell(site_.cell, text, false); });
 }
 
 std::optional<Variant> Evaluation::elements(const std::string& text) const {
   if (!sheet()) return std::nullopt;
-  return answer([&] { return sheet()->elements_in_cell(site_.cell, text); });
+  return answer([&] { return sheet()->elements_in_cell(site_.cell, text, true); });
 }
 
 std::optional<Areas> Evaluation::areas(const std::string& text) const {

@@ -16,7 +16,8 @@ struct Area {
   const ClosedPlace* closed = nullptr;
   Rect rect;
   bool same_sheet(const Area& other) const noexcept {
-    return sheet == other.sheet && closed == other.closed;
+    if (!sheet || !other.sheet) return sheet == other.sheet && closed == other.closed;
+    return sheet == other.sheet || sheet->sheet == other.sheet->sheet;
   }
 };
 using Areas = std::vector<Area>;
@@ -32,7 +33,8 @@ class Evaluation {
   /// Nothing when it rests on a parameter whose value nobody knows.
   std::optional<std::string> text_of(formula::NodeIndex index, const Scope* scope) const;
 
-  /// The value where one is wanted: of several cells the one that meets the formula's own.
+  /// The value where one is wanted: of several cells the one that meets the formula's own. An array
+  /// keeps its elements, for a function runs over them.
   std::optional<Variant> value(const std::string& text) const;
   /// The value with all its elements.
   std::optional<Variant> elements(const std::string& text) const;
