@@ -36,7 +36,8 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
   if (type_ == Type::other) rare().object_type = likely_type;
   set(checked_for_precedents, false);
   set(text_read, false);
-  if (!proc.step([&] { value_ = get_value(); })) return;
+  // What a name refers to depends on the cell that uses it, see create_name().
+  if ((!is_name() || !object) && !proc.step([&] { value_ = get_value(); })) return;
   if (!object) {
     make_unknown(unknown_name);
   } else {
@@ -165,7 +166,9 @@ void ModelPart::create_name() {
     rare().work_sheet_name = sheet->Name();
     keep_book(sheet->Workbook());
   });
-  if (placed) check_relative_name();
+  if (!placed) return;
+  check_relative_name();
+  (void)proc.step([&] { value_ = get_value(); });
 }
 
 void ModelPart::create_series() {

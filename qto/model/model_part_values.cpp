@@ -48,9 +48,6 @@ std::string_view ModelPart::read_formula_again() {
   const std::string_view held = was_relative ? relative : formula_.view();
   if (!read_before || fresh.text == held) {
     formula_.assign(fresh.text);
-    // A name's value is that of its formula, which was not known when the part was made; left as
-    // it is, the next check for changes would take the name for changed and drop its precedents.
-    if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
     return formula_.view();
   }
   const std::string before(held);
@@ -134,6 +131,15 @@ Variant ModelPart::get_value() {
 
 namespace {
 
+/// The sheet that a name is seen from: its own, or that of the cell that uses it.
+Ref<host::Worksheet> evaluation_sheet(const host::DefinedName& name, const Ref<host::Range>& user) {
+  const auto parent = name.Parent();
+  const auto book = ref_cast<host::Workbook>(parent);
+  if (!book) return ref_cast<host::Worksheet>(parent);
+  if (user && user->exists() && user->Worksheet()->Workbook() == book) return user->Worksheet();
+  return book->Worksheets(1);
+}
+
 /// True when one of the cells shows an error. Beyond the used cells there is none.
 bool shows_an_error(const host::Worksheet& sheet, const Rect& used, Rect block) {
   block.last.row = std::min(block.last.row, used.last.row);
@@ -166,15 +172,18 @@ bool shows_an_error(const host::Range& cells) {
 
 }  // namespace
 
-/// A name of cells has no value of its own, but shows the errors of its cells.
+/// The value of the cell or formula that the name refers to; Null for several cells or values,
+/// whose errors it shows nevertheless.
 Variant ModelPart::name_value(bool& holds_error) {
-  const auto parent = object<host::DefinedName>().Parent();
-  const auto book = ref_cast<host::Workbook>(parent);
-  const auto sheet = book ? book->Worksheets(1) : ref_cast<host::Worksheet>(parent);
+  const auto& name = object<host::DefinedName>();
+  const std::string refers_to = has(relative_name) ? std::string(formula_.view()) : name.RefersTo();
+  const auto sheet = evaluation_sheet(name, rare().parent_range);
   if (!sheet) throw NumberedFailure(91, "a name of neither a workbook nor a sheet");
-  Variant result = sheet->Evaluate(formula_.view());
-  if (const auto cells = ref_cast<host::Range>(result.object()))
-    holds_error = shows_an_error(*cells);
+  Variant result = sheet->Evaluate(refers_to);
+  if (const auto range = ref_cast<host::Range>(result.object())) {
+    if (range->AreasCount() == 1 && range->CellsCount() == 1) return range->value();
+    holds_error = shows_an_error(*range);
+  }
   if (result.is_array() || result.is_object()) result = Null{};
   return result;
 }
