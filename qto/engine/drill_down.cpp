@@ -69,7 +69,7 @@ void DrillDown::putref_DrillOptions(const Ref<qto::DrillOptions>& options) {
 void DrillDown::putref_StartUnderlyingObject(const Ref<Object>& object) {
   Procedure proc("DrillDown", "StartUnderlyingObject[Set]");
   if (!object) throw AutomationError(ErrorNumber::wrong_object);
-  if (object->TypeName() == "ModelPart") return accept_part(ref_cast<ModelPart>(object));
+  if (const auto part = ref_cast<ModelPart>(object)) return accept_part(part);
   const auto host_object = ref_cast<host::HostObject>(object);
   if (!host_object) throw AutomationError(ErrorNumber::wrong_object);
   Ref<host::HostObject> owner = host_object;
@@ -81,23 +81,22 @@ void DrillDown::putref_StartUnderlyingObject(const Ref<Object>& object) {
   if (!owner || owner->TypeName() == "Application")
     throw AutomationError(ErrorNumber::wrong_object);
   start_workbook_ = ref_cast<host::Workbook>(owner);
-  const std::string_view kind = object->TypeName();
-  if (kind == "Range") {
-    if (!proc.step([&] { check_range(ref_cast<host::Range>(object)); })) return;
-  } else if (kind != "Series") {
+  if (const auto range = ref_cast<host::Range>(object)) {
+    if (!proc.step([&] { check_range(range); })) return;
+  } else if (!ref_cast<host::Series>(object)) {
     throw AutomationError(ErrorNumber::wrong_object);
   }
   if (!proc.step([&] { enter_context(host_object->Application()); })) return;
   start_object_ = object;
   start_part_ = make_ref<ModelPart>(context_);
-  start_part_->Create(object, kind);
+  start_part_->Create(object, object->TypeName());
 }
 
 void DrillDown::accept_part(const Ref<ModelPart>& part) {
   Procedure proc("DrillDown", "StartUnderlyingObject[Set]");
   (void)proc.step([&] {
     const auto object = ref_cast<host::HostObject>(part->UnderlyingObject());
-    if (!object) throw NumberedFailure(91, "the part has no object in an open workbook");
+    if (!object) throw AutomationError(ErrorNumber::wrong_object);  // unknown, empty or lost
     enter_context(object->Application());
     start_part_ = part;
     start_part_->join(context_);

@@ -231,7 +231,7 @@ class ModelPart : public Object {
   bool has_object() const noexcept { return sheet_ || rare().underlying; }
   static Type type_of(std::string_view likely_type) noexcept;
 
-  void require_kind(const Object* object) const;
+  static void require_kind(const Object* object, Type type);
   void create_range(const Ref<host::Range>& range);
   void create_pivot_table();
   void create_name();

@@ -25,18 +25,17 @@ ModelPart::ModelPart(Ref<Context> context) : formula_contains_constant_(qtoNoCon
 void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
                        std::string_view unknown_name) {
   Procedure proc("ModelPart", "Create");
+  const Type type = type_of(likely_type);
+  // A part that refuses an object stays what it was.
+  if (!proc.step([&] { require_kind(object.get(), type); })) return;
   rare().context = own_context();
   sheet_ = nullptr;
   rare().underlying = object;
-  type_ = type_of(likely_type);
+  type_ = type;
   if (type_ == Type::other) rare().object_type = likely_type;
   set(checked_for_precedents, false);
   set(text_read, false);
-  if (!proc.step([&] {
-        require_kind(object.get());
-        value_ = get_value();
-      }))
-    return;
+  if (!proc.step([&] { value_ = get_value(); })) return;
   if (!object) {
     make_unknown(unknown_name);
   } else {
@@ -65,10 +64,10 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
 }
 
 /// A client may name a type that its object is not of.
-void ModelPart::require_kind(const Object* object) const {
+void ModelPart::require_kind(const Object* object, Type type) {
   if (!object) return;
   bool fits = true;
-  switch (type_) {
+  switch (type) {
     case Type::range:
     case Type::pivot_table:
       fits = dynamic_cast<const host::Range*>(object);

@@ -52,13 +52,13 @@ TEST(StartObject, MayBeAPartOfAnEarlierDrill) {
   EXPECT_EQ(listed(second->InputCells()), "A1");
 }
 
-TEST(StartObject, APartThatIsUnknownIsReported) {
+TEST(StartObject, APartThatIsUnknownIsRefused) {
   const Reports reports;
   auto part = make_ref<ModelPart>();
   part->Create(nullptr, "Range", "A1");
   const auto drill = make_ref<DrillDown>();
-  drill->putref_StartUnderlyingObject(part);
-  EXPECT_EQ(reports.text(), " !91");
+  EXPECT_EQ(raised_by([&] { drill->putref_StartUnderlyingObject(part); }), wrong_object);
+  EXPECT_EQ(reports.text(), "");
   EXPECT_EQ(drill->StartUnderlyingObject(), nullptr);
 }
 
