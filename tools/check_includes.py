@@ -60,6 +60,7 @@ LIBREOFFICE_LEVELS = {
 SERVER_LEVELS = {
     "qto/server/tables": 0,
     "qto/server/module": 1,
+    "qto/server/reports": 1,
     "qto/server/calls": 2,
     "qto/server/description": 3,
     "qto/server/events": 3,

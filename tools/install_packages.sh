@@ -6,7 +6,7 @@
 set -euo pipefail
 
 packages=(
-  make g++ cmake ninja-build ccache pkg-config python3
+  make g++ cmake ninja-build ccache pkg-config python3 python3-venv
   libexpat1-dev zlib1g-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
   # Debian's CMake package of libzip refuses to load unless its three command line tools are there.
   libzip-dev zipcmp zipmerge ziptool

@@ -1,4 +1,12 @@
-"""Drives QTOEngine and its spreadsheet host by name.
+"""The formula-auditing engine and its spreadsheet host.
+
+    import qtoengine
+
+    with qtoengine.open("plan.xlsx") as model:
+        for cell in model.inputs("Summary!C7"):
+            print(cell.address, cell.value)
+
+Below that, everything by name, as automation clients are written everywhere:
 
     from qtoengine import Dispatch, DispatchWithEvents, com_error
 
@@ -10,6 +18,9 @@
         print(part.AddressShort, part.value)
 """
 
-from ._client import Dispatch, DispatchWithEvents, com_error
+from ._client import Dispatch, com_error
+from ._events import DispatchWithEvents, WithEvents
+from .model import Cell, Model, Tree, open
 
-__all__ = ["Dispatch", "DispatchWithEvents", "com_error"]
+__all__ = ["Cell", "Dispatch", "DispatchWithEvents", "Model", "Tree", "WithEvents", "com_error",
+           "open"]

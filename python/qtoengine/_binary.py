@@ -26,6 +26,9 @@ class Guid(ctypes.Structure):
     def parse(cls, text):
         return cls.from_buffer_copy(uuid.UUID(text).bytes_le)
 
+    def __str__(self):
+        return "{" + str(uuid.UUID(bytes_le=bytes(self.bytes))).upper() + "}"
+
 
 NO_GUID = Guid()
 IID_UNKNOWN = Guid.parse("00000000-0000-0000-C000-000000000046")

@@ -1,18 +1,21 @@
-"""Objects by name: attribute access, calls, iteration, events."""
+"""Objects by name: attribute access, calls, iteration."""
 
 import ctypes
 import datetime
+import difflib
 import os
 import pathlib
-import sys
-import traceback
-import weakref
+import threading
 
 from . import _binary as b
+from . import _display
 
 _LOCALE = 0x409
 _DEFAULT, _ENUMERATOR, _ASSIGNED = 0, -4, -3
 _EPOCH = datetime.datetime(1899, 12, 30)
+
+#: What a handler raised while the call that is running raised its event, one list a thread.
+pending = threading.local()
 
 
 _STANDARD_TEXTS = {
@@ -134,6 +137,10 @@ def _invoke(pointer, member, flags, arguments, named=()):
         done = b.call(pointer, 6, ctypes.c_int32, types, member, ctypes.addressof(b.NO_GUID),
                       _LOCALE, flags, ctypes.addressof(parameters), ctypes.addressof(result),
                       ctypes.addressof(told), ctypes.addressof(bad))
+        raised, pending.error = getattr(pending, "error", None), None
+        if raised is not None:
+            b.clear(result)
+            raise raised
         if done < 0:
             raise _failure(done, told, bad)
         try:
@@ -155,6 +162,16 @@ class CDispatch:
         if self._pointer:
             b.release(self._pointer)
             object.__setattr__(self, "_pointer", None)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        """Closes what can be closed, without saving, and lets go of the object."""
+        if self._pointer:
+            if self._ids("Close")[0] is not None:
+                self.Close(False)
+            self.__del__()
 
     def _live(self):
         """The pointer, while there is one."""
@@ -193,7 +210,7 @@ class CDispatch:
             if member is not None:
                 return lambda *given, **named: self._call(name, member, b.GET, given, named)
         if member is None:
-            raise AttributeError(name)
+            raise self._unknown(name)
         try:
             return _invoke(self._live(), member, b.GET, ())
         except com_error as error:
@@ -205,9 +222,43 @@ class CDispatch:
     def __setattr__(self, name, value):
         member = self._ids(name)[0]
         if member is None:
-            raise AttributeError(name)
+            raise self._unknown(name)
         _invoke(self._live(), member, b.PUTREF if isinstance(value, CDispatch) else b.PUT,
                 (value,))
+
+    def _unknown(self, name):
+        near = difflib.get_close_matches(name, _display.members(_display.class_name(self)), 1)
+        hint = f"; did you mean {near[0]}?" if near else ""
+        return AttributeError(f"{_display.class_name(self)} has no member {name}{hint}")
+
+    def __dir__(self):
+        return sorted({*super().__dir__(), *_display.members(_display.class_name(self))})
+
+    def __repr__(self):
+        return _display.representation(self)
+
+    def _repr_html_(self):
+        return _display.html(self)
+
+    def __getitem__(self, index):
+        """Of a collection: the item under a key, or at a position counted from 0 as in every
+        sequence of Python (`Item` counts from 1); also a slice."""
+        if isinstance(index, slice):
+            return [self.Item(i + 1) for i in range(*index.indices(self.Count))]
+        if isinstance(index, str):
+            found = self.Item(index)
+            if found is None:
+                raise KeyError(index)
+            return found
+        position = index + self.Count if index < 0 else index
+        if not 0 <= position < self.Count:
+            raise IndexError(f"{index} of {self.Count}")
+        return self.Item(position + 1)
+
+    def __contains__(self, item):
+        if isinstance(item, str):
+            return self.Item(item) is not None
+        return any(item == own for own in self)
 
     def __call__(self, *arguments):
         return _invoke(self._live(), _DEFAULT, b.METHOD | b.GET, arguments)
@@ -241,6 +292,7 @@ class CDispatch:
 
 
 def _registry_files():
+    yield pathlib.Path(__file__).parent / "lib/servers"  # libraries that came with the package
     home = os.environ.get("XDG_DATA_HOME") or os.path.expanduser("~/.local/share")
     yield pathlib.Path(home, "qto/servers")
     for folder in (os.environ.get("XDG_DATA_DIRS") or "/usr/local/share:/usr/share").split(":"):
@@ -256,12 +308,12 @@ def _find_server(progid):
         for line in file.read_text(encoding="utf-8").splitlines():
             entry = line.split("\t")
             if len(entry) == 3 and progid.lower() in (entry[0].lower(), entry[1].lower()):
-                return entry[1], entry[2]
+                return entry[1], str(file.parent / entry[2])
     raise com_error(_signed(0x800401F3), f"no class {progid} is registered")
 
 
 def Dispatch(progid):
-    """A new object of a registered class."""
+    """A new object of a registered class, named as "QTOEngine.DrillDown" or by its identifier."""
     class_id, library = _find_server(progid)
     try:
         module = ctypes.CDLL(library)
@@ -278,145 +330,3 @@ def Dispatch(progid):
     if done < 0:
         raise com_error(done)
     return CDispatch(made.value)
-
-
-class _Sink:
-    """A client's IDispatch that passes events to the methods On… of a handler."""
-
-    _alive = {}
-
-    def __init__(self, handler, events):
-        self._handler = handler
-        self._events = events  # identifier: name
-        pointer, number = ctypes.c_void_p, ctypes.c_uint32
-        shape = ctypes.CFUNCTYPE
-        self._functions = [
-            shape(ctypes.c_int32, pointer, pointer, pointer)(self._query),
-            shape(number, pointer)(self._add_ref),
-            shape(number, pointer)(self._release),
-            shape(ctypes.c_int32, pointer, pointer)(lambda *_: _signed(0x80004001)),
-            shape(ctypes.c_int32, pointer, number, number, pointer)(
-                lambda *_: _signed(0x80004001)),
-            shape(ctypes.c_int32, pointer, pointer, pointer, number, number, pointer)(
-                lambda *_: _signed(b.UNKNOWN_NAME)),
-            shape(ctypes.c_int32, pointer, ctypes.c_int32, pointer, number, ctypes.c_uint16,
-                  pointer, pointer, pointer, pointer)(self._invoke),
-        ]
-        self._table = (pointer * 7)(*(ctypes.cast(f, pointer) for f in self._functions))
-        self._object = (pointer * 1)(ctypes.addressof(self._table))
-        self._count = 0
-        self.pointer = ctypes.addressof(self._object)
-
-    def _query(self, this, guid, out):
-        wanted = bytes(b.Guid.from_address(guid).bytes)
-        known = wanted in (bytes(b.IID_UNKNOWN.bytes), bytes(b.IID_DISPATCH.bytes))
-        ctypes.c_void_p.from_address(out).value = this if known else None
-        if not known:
-            return _signed(0x80004002)
-        self._add_ref(this)
-        return 0
-
-    def _add_ref(self, _this):
-        self._count += 1
-        _Sink._alive[self.pointer] = self
-        return self._count
-
-    def _release(self, _this):
-        self._count -= 1
-        if self._count == 0:
-            _Sink._alive.pop(self.pointer, None)
-        return self._count
-
-    def _invoke(self, _this, event, _guid, _locale, _flags, given, _result, _info, _bad):
-        try:
-            method = getattr(self._handler, "On" + self._events.get(event, ""), None)
-            if method is None:
-                return 0
-            parameters = b.Parameters.from_address(given)
-            slots = [parameters.values[i] for i in reversed(range(parameters.count))]
-            places = [slot for slot in slots if slot.type & b.VT_BYREF]
-            answer = method(*map(self._argument, slots))
-            if answer is None:
-                return 0
-            answers = answer if isinstance(answer, tuple) else (answer,)
-            for slot, value in zip(places, answers):
-                self._answer(slot, value)
-            return 0
-        except Exception:  # a handler's failure must not pass through the engine
-            traceback.print_exc(file=sys.stderr)
-            return _signed(0x80004005)
-
-    @staticmethod
-    def _argument(slot):
-        if not slot.type & b.VT_BYREF:
-            return _from_variant(slot)
-        value = b.Variant(type=slot.type & ~b.VT_BYREF)
-        size = {b.VT_BOOL: 2, b.VT_I4: 4}.get(value.type, 8)
-        ctypes.memmove(ctypes.addressof(value.bits), slot.pointer, size)
-        return _from_variant(value)
-
-    @staticmethod
-    def _answer(slot, value):
-        """Puts an answer in the place of the preset; one of another type leaves the preset."""
-        kind = slot.type & ~b.VT_BYREF
-        if kind == b.VT_BOOL:
-            ctypes.c_int16.from_address(slot.pointer).value = -1 if value else 0
-        elif kind == b.VT_I4:
-            ctypes.c_int32.from_address(slot.pointer).value = int(value)
-        elif kind == b.VT_TEXT:
-            fresh = b.make_text(str(value))
-            place = ctypes.c_void_p.from_address(slot.pointer)
-            b.free_text(place.value)
-            place.value = fresh
-        elif kind == b.VT_DISPATCH and (value is None or isinstance(value, CDispatch)):
-            place = ctypes.c_void_p.from_address(slot.pointer)
-            old = place.value
-            if value is not None:
-                b.add_ref(value._pointer)
-            place.value = value._pointer if value is not None else None
-            if old:
-                b.release(old)
-
-
-def _events_of(class_id):
-    """(event interface, {identifier: name}) of a class, from the surface beside this file."""
-    interface, events, inside = None, {}, False
-    for line in (pathlib.Path(__file__).parent / "surface.txt").read_text().splitlines():
-        words = line.split()
-        if words[0] == "class":
-            inside = words[2] == class_id
-            if inside and len(words) == 5:
-                interface = words[4]
-        elif words[0] == "enum":
-            inside = False
-        elif inside and words[0] == "event":
-            events[int(words[1])] = words[2].split("(")[0]
-    return interface, events
-
-
-def DispatchWithEvents(progid, handler_class):
-    """A new object whose events call the methods On… of `handler_class`; what they return answers
-    the by-reference arguments in order. The object is also an instance of `handler_class`."""
-    class_id, _ = _find_server(progid)
-    interface, events = _events_of(class_id)
-    if interface is None:
-        raise com_error(_signed(0x80040200), f"{progid} raises no events")
-    source = Dispatch(progid)
-    made = type(handler_class.__name__, (CDispatch, handler_class), {})(source._pointer)
-    b.add_ref(source._pointer)
-    container = b.query(made._pointer, b.IID_CONTAINER)
-    point, cookie, guid = ctypes.c_void_p(), ctypes.c_uint32(), b.Guid.parse(interface)
-    try:
-        done = b.call(container, 4, ctypes.c_int32, [ctypes.c_void_p] * 2,
-                      ctypes.addressof(guid), ctypes.addressof(point))
-        if done >= 0:
-            # The sink must not keep the object: the connection ends with it.
-            sink = _Sink(weakref.proxy(made), events)
-            done = b.call(point.value, 5, ctypes.c_int32, [ctypes.c_void_p] * 2, sink.pointer,
-                          ctypes.addressof(cookie))
-            b.release(point.value)
-    finally:
-        b.release(container)
-    if done < 0:
-        raise com_error(done)
-    return made

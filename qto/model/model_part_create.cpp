@@ -28,7 +28,8 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
                        std::string_view unknown_name) {
   Procedure proc("ModelPart", "Create");
   const Type type = type_of(likely_type);
-  require_kind(object.get(), type);
+  // A part that refuses an object stays what it was.
+  if (!proc.step([&] { require_kind(object.get(), type); })) return;
   rare().context = own_context();
   sheet_ = nullptr;
   rare().underlying = object;

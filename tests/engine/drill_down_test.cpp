@@ -53,10 +53,12 @@ TEST(StartObject, MayBeAPartOfAnEarlierDrill) {
 }
 
 TEST(StartObject, APartThatIsUnknownIsRefused) {
+  const Reports reports;
   auto part = make_ref<ModelPart>();
   part->Create(nullptr, "Range", "A1");
   const auto drill = make_ref<DrillDown>();
   EXPECT_EQ(raised_by([&] { drill->putref_StartUnderlyingObject(part); }), wrong_object);
+  EXPECT_EQ(reports.text(), "");
   EXPECT_EQ(drill->StartUnderlyingObject(), nullptr);
 }
 

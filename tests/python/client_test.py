@@ -5,7 +5,7 @@ import gc
 import os
 import unittest
 
-from qtoengine import Dispatch, DispatchWithEvents, com_error
+from qtoengine import Dispatch, DispatchWithEvents, WithEvents, com_error
 from qtoengine._client import _registry_files
 
 BOOK = os.environ["QTO_BOOK"]
@@ -51,6 +51,114 @@ class ClientTest(unittest.TestCase):
             drill.FindInputs()
             self.assertEqual(drill.InputCells.Count > 10, more)
         self.assertEqual(Stopping.seen, ("C7", False))
+
+    def test_what_handlers_raise_ends_the_drill_and_comes_out_of_its_call(self):
+        for kind in (ValueError, KeyboardInterrupt):
+            class Raising:
+                calls = 0
+
+                def OnBeforeGetPrecedents(self, parent, cancel):
+                    Raising.calls += 1
+                    raise kind("from the handler")
+
+            drill = DispatchWithEvents("QTOEngine.DrillDown", Raising)
+            drill.StartUnderlyingObject = self.cell
+            with self.assertRaisesRegex(kind, "from the handler"):
+                drill.FindInputs()
+            self.assertEqual(Raising.calls, 1)
+            self.assertEqual(drill.MaxItems, Dispatch("QTOEngine.DrillDown").MaxItems)
+
+    def test_handlers_keep_state_on_self(self):
+        class Counting:
+            def __init__(self):
+                self.count = 0
+
+            def OnBeforeGetPrecedents(self, parent, cancel):
+                self.count += 1
+
+        drill = DispatchWithEvents("QTOEngine.DrillDown", Counting)
+        drill.StartUnderlyingObject = self.cell
+        drill.FindInputs()
+        self.assertGreater(drill.count, 10)
+
+    def test_events_of_an_object_that_is_there(self):
+        class Titles:
+            seen = ()
+
+            def OnTitleChanged(self, old, new):
+                self.seen += ((old, new),)
+
+        drill = Dispatch("QTOEngine.DrillDown")
+        drill.StartUnderlyingObject = self.cell
+        part = drill.StartModelPart
+        with WithEvents(part, Titles) as handler:
+            part.Title = "one"
+            del part
+            drill.StartModelPart.Title = "two"  # the connection is the part's, not the reference's
+            self.assertEqual([new for _, new in handler.seen], ["one", "two"])
+        drill.StartModelPart.Title = "three"
+        self.assertEqual(len(handler.seen), 2)
+        both = DispatchWithEvents(drill.StartModelPart, Titles)
+        both.Title = "four"
+        self.assertEqual(both.seen[-1][1], "four")
+        with self.assertRaises(com_error):
+            WithEvents(Dispatch("QTOEngine.LinkList"), Titles)
+
+    def test_events_of_lists(self):
+        class Adding:
+            def OnBeforeItemAdded(self, item):
+                self.added = item.AddressShort
+                return item
+
+        parts = DispatchWithEvents("QTOEngine.ModelParts", Adding)
+        part = Dispatch("QTOEngine.ModelPart")
+        part.Create(self.cell, "Range")
+        parts.AddExisting(part)
+        self.assertEqual((parts.Count, parts.added), (1, "C7"))
+
+    def test_lists_are_sequences(self):
+        drill = Dispatch("QTOEngine.DrillDown")
+        drill.StartUnderlyingObject = self.cell
+        drill.FindInputs()
+        cells = drill.InputCells
+        self.assertEqual(cells[0], cells.Item(1))
+        self.assertEqual(cells[-1], cells.Item(cells.Count))
+        self.assertEqual(cells[1:3], [cells.Item(2), cells.Item(3)])
+        self.assertEqual(cells[cells[1].UniqueKey], cells[1])
+        self.assertIn(cells[1], cells)
+        self.assertRaises(IndexError, lambda: cells[len(cells)])
+        self.assertRaises(KeyError, lambda: cells["nowhere"])
+        self.assertEqual(repr(cells), f"<ModelParts of {len(cells)}>")
+        self.assertIn("Assumptions", repr(cells[0]))
+        self.assertEqual(cells._repr_html_().count("<tr>"), 51)
+        self.assertIn("FindInputs", dir(drill))
+        with self.assertRaisesRegex(AttributeError, "did you mean MaxItems"):
+            drill.MaxItem
+
+    def test_objects_are_one_reference_in_both_libraries(self):
+        drill = Dispatch("QTOEngine.DrillDown")
+        drill.StartUnderlyingObject = self.cell
+        self.assertEqual(drill.StartUnderlyingObject, self.cell)
+        self.assertEqual(drill.StartModelPart.UnderlyingObject, self.cell)
+        self.assertEqual(drill.StartModelPart.ExcelApplication, self.application)
+
+    def test_books_close_with_their_block(self):
+        with self.application.Workbooks.Add() as book:
+            self.assertEqual(self.application.Workbooks.Count, 2)
+        self.assertEqual(self.application.Workbooks.Count, 1)
+        self.assertRaises(com_error, lambda: book.Name)
+
+    def test_lost_parts_are_refused_as_start(self):
+        drill = Dispatch("QTOEngine.DrillDown")
+        drill.StartUnderlyingObject = self.cell
+        empty = Dispatch("QTOEngine.ModelPart")
+        self.assertEqual(
+            self.number(lambda: setattr(drill, "StartUnderlyingObject", empty)), "80040001")
+        self.assertEqual(drill.StartUnderlyingObject, self.cell)
+        part = Dispatch("QTOEngine.ModelPart")
+        part.Create(self.cell, "Range")
+        self.assertEqual(self.number(lambda: part.Create(self.cell, "Name")), "800A000D")
+        self.assertEqual(part.Formula, self.cell.Formula)
 
     def test_errors_arrive_by_number(self):
         drill = Dispatch("QTOEngine.DrillDown")

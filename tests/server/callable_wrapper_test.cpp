@@ -266,5 +266,69 @@ TEST(CallableWrapper, AReleasedObjectIsRefused) {
             disconnected);
 }
 
+/// Calls a method with one whole number and answers its number, also from the description.
+std::string failure_of(Dispatch* object, const char16_t* name, std::uint16_t flags,
+                       ComVariant value) {
+  std::int32_t id = id_unknown;
+  object->GetIDsOfNames(Guid(), &name, 1, 0x409, &id);
+  CallParameters parameters{&value, nullptr, 1, 0};
+  ComVariant result;
+  const Result done =
+      object->Invoke(id, Guid(), 0x409, flags, &parameters, &result, nullptr, nullptr);
+  clear(result);
+  return done < 0 ? hex(done) : "none";
+}
+
+TEST(CallableWrapper, WhatWasNotDoneIsNoSuccess) {
+  EXPECT_EQ(failure_of(shown("ModelParts").get(), u"Remove", call_method, of(7)), "800A0009");
+  EXPECT_EQ(failure_of(shown("LinkedBooks").get(), u"Remove", call_method, of(7)), "800A0009");
+  EXPECT_EQ(failure_of(shown("LinkList").get(), u"Links", call_get, of(1)), "800A0009");
+  const auto parts = shown("ModelParts");
+  ComVariant position = of(7);
+  EXPECT_EQ(hex(call_at(parts.get(), 3, position)), "800A0009");  // Remove, by its place
+  EXPECT_EQ(failure_of(parts.get(), u"Item", call_get, of(7)), "none");
+}
+
+TEST(CallableWrapper, ByValueParametersLeaveTheClientsVariable) {
+  const auto part = shown("ModelPart");
+  ComVariant two;
+  two.type = vt_i2;
+  two.i2 = 2;
+  ComVariant reference;
+  reference.type = vt_by_ref | vt_variant;
+  reference.pointer = &two;
+  EXPECT_EQ(failure_of(part.get(), u"AddressLong", call_get, reference), "none");
+  EXPECT_EQ(two.type, vt_i2);
+}
+
+TEST(CallableWrapper, DecimalsAreTaken) {
+  const auto drill = shown("DrillDown");
+  ComVariant decimal;
+  decimal.type = vt_decimal;
+  decimal.reserved[0] = 1;  // one place behind the point
+  decimal.bits = 120;
+  CallParameters parameters{&decimal, &id_assigned_value, 1, 1};
+  EXPECT_EQ(drill->Invoke(12, Guid(), 0x409, call_put, &parameters, nullptr, nullptr, nullptr), ok);
+  ComVariant result;
+  CallParameters none{};
+  EXPECT_EQ(drill->Invoke(12, Guid(), 0x409, call_get, &none, &result, nullptr, nullptr), ok);
+  EXPECT_EQ(result.i4, 12);
+}
+
+TEST(CallableWrapper, AConnectionPointIsAnObjectOfItsOwn) {
+  const auto part = shown("ModelPart");
+  const auto container =
+      query<ConnectionPointContainer>(part.get(), iid_connection_point_container);
+  Holder<ConnectionPoint> point, again;
+  ASSERT_EQ(container->FindConnectionPoint(model_part_table.event_interface_id, point.put()), ok);
+  ASSERT_EQ(container->FindConnectionPoint(model_part_table.event_interface_id, again.put()), ok);
+  EXPECT_EQ(point.get(), again.get());
+  const auto identity = query<Unknown>(point.get(), iid_unknown);
+  EXPECT_EQ(query<ConnectionPoint>(identity.get(), iid_connection_point).get(), point.get());
+  Holder<ConnectionPointContainer> owner;
+  ASSERT_EQ(point->GetConnectionPointContainer(owner.put()), ok);
+  EXPECT_EQ(query<Unknown>(owner.get(), iid_unknown).get(), part.get());
+}
+
 }  // namespace
 }  // namespace qto::server

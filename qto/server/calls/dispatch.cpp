@@ -121,6 +121,12 @@ std::optional<std::int32_t> member_id(const ClassTable& table, std::string_view 
   return std::nullopt;
 }
 
+std::string_view member_name(const ClassTable& table, std::int32_t id) {
+  for (const Member& member : table.members)
+    if (member.id == id) return member.name;
+  return "";
+}
+
 std::optional<std::uint32_t> argument_position(const ClassTable& table, std::int32_t id,
                                                std::string_view name) {
   for (const Member& member : table.members) {

@@ -32,6 +32,8 @@ struct CallArguments {
 
 /// The identifier of a member, letter case ignored; nothing when the class has none of that name.
 std::optional<std::int32_t> member_id(const ClassTable& table, std::string_view name);
+/// The name of the members with an identifier; "" where there are none.
+std::string_view member_name(const ClassTable& table, std::int32_t id);
 /// The position of a member's argument by name, letter case ignored.
 std::optional<std::uint32_t> argument_position(const ClassTable& table, std::int32_t id,
                                                std::string_view name);

@@ -90,7 +90,7 @@ class IdlWriter {
   }
 
   void enumeration(const EnumerationTable& table) {
-    line("typedef [uuid(" + bare(table.id) + ")] enum {");
+    line("typedef [uuid(" + bare(table.id) + ")] enum " + std::string(table.name) + " {");
     for (const EnumerationItem& item : table.items)
       line("  " + std::string(item.name) + " = " + std::to_string(item.value) +
            (&item == &table.items.back() ? "" : ","));

@@ -21,12 +21,27 @@ void module_lock(bool lock) noexcept {
     if (locks.compare_exchange_weak(held, held + (lock ? 1 : -1))) return;
 }
 
-const ClassTable* table_of(const Object& object) {
+namespace {
+
+struct Shown {
+  const LibraryTable* library = nullptr;
+  const ClassTable* table = nullptr;
+};
+Shown find_shown(const Object& object) {
   const std::string_view name = object.TypeName();
   for (const LibraryTable* library : this_module().shown)
     for (const ClassTable* table : library->classes)
-      if (table->name == name && table->holds(object)) return table;
-  return nullptr;
+      if (table->name == name && table->holds(object)) return {library, table};
+  return {};
+}
+
+}  // namespace
+
+const ClassTable* table_of(const Object& object) { return find_shown(object).table; }
+
+bool is_own(const Object& object) {
+  const LibraryTable* library = find_shown(object).library;
+  return library && library->id == this_module().library->id;
 }
 
 }  // namespace qto::server

@@ -25,6 +25,9 @@ const Module& this_module();
 /// take: a name alone does not do.
 const ClassTable* table_of(const Object& object);
 
+/// Whether the object's class is one that this library itself serves.
+bool is_own(const Object& object);
+
 /// Counts what keeps the module loaded: wrappers shown to clients, live hosts, and locks.
 void module_add_use() noexcept;
 void module_release_use() noexcept;

@@ -1,6 +1,7 @@
 #include "qto/server/wrappers/callable_wrapper.hpp"
 #include "qto/server/wrappers/marshaling.hpp"
 
+#include <atomic>
 #include <cstring>
 #include <deque>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "qto/server/calls/dispatch.hpp"
 #include "qto/server/description/type_info.hpp"
 #include "qto/server/module/module.hpp"
+#include "qto/server/reports/report_log.hpp"
 
 namespace qto::server {
 namespace {
@@ -74,6 +76,23 @@ Guid native_object_id() {
   std::memcpy(id.data4.data(), &own, sizeof own);
 #endif
   return id;
+}
+
+/// The interface that answers the marshaler of the library that a wrapper belongs to, uncounted.
+Guid marshaler_id() {
+  Guid id = native_object_id();
+  ++id.data1;
+  return id;
+}
+
+/// The marshaler of the library whose objects were handed over last: it has the wrappers of its
+/// objects, and one object is one reference wherever it is asked for.
+std::atomic<ObjectMarshaler*> other_library{nullptr};
+
+void note_library(Unknown& unknown) {
+  void* found = nullptr;
+  if (unknown.QueryInterface(marshaler_id(), &found) == ok && found != &object_marshaler())
+    other_library = static_cast<ObjectMarshaler*>(found);
 }
 
 void describe(ExceptionInfo& exception, Result number) {
@@ -151,6 +170,10 @@ Result CallableWrapper::query(const Guid& id, void** out) noexcept {
     *out = object_.get();
     return ok;
   }
+  if (id == marshaler_id()) {
+    *out = &object_marshaler();
+    return ok;
+  }
   if (id == iid_unknown || id == iid_dispatch || id == table_.interface_id)
     *out = dispatch();
   else if (id == iid_provide_class_info || id == iid_provide_class_info_2)
@@ -188,7 +211,9 @@ Result CallableWrapper::invoke(std::int32_t id, std::uint16_t flags, CallParamet
   CallParameters& given = parameters ? *parameters : none;
   try {
     CallArguments arguments = read_arguments(given);
+    const ClientCall call;
     const Variant answer = server::invoke(table_, *keep, id, flags, arguments);
+    call.check(table_.name, member_name(table_, id));
     answer_arguments(given, arguments);
     if (result) *result = to_com(answer);
     return ok;
@@ -226,6 +251,8 @@ Result QTO_CALL CallableWrapper::ClassInfo::GetGUID(std::uint32_t kind, Guid* ou
 Unknown* wrapper_of(const Ref<Object>& object) {
   if (auto* foreign = dynamic_cast<RemoteObject*>(object.get())) return foreign->remote_reference();
   if (auto walk = ref_cast<Enumerator>(object)) return wrap_enumerator(std::move(walk));
+  ObjectMarshaler* const other = other_library;
+  if (other && !is_own(*object)) return other->marshal(object);
   Dispatch* wrapper = CallableWrapper::of(object).dispatch();
   wrapper->AddRef();
   return wrapper;
@@ -233,8 +260,10 @@ Unknown* wrapper_of(const Ref<Object>& object) {
 
 Ref<Object> object_behind(Unknown& unknown) {
   void* native = nullptr;
-  if (unknown.QueryInterface(native_object_id(), &native) == ok && native)
+  if (unknown.QueryInterface(native_object_id(), &native) == ok && native) {
+    note_library(unknown);
     return Ref<Object>(static_cast<Object*>(native));
+  }
   if (!this_module().adopt) throw CallFailure(CallError::type_mismatch);
   return this_module().adopt(unknown);
 }

@@ -7,6 +7,7 @@
 
 #include "qto/com/conversion.hpp"
 #include "qto/com/errors.hpp"
+#include "qto/server/reports/report_log.hpp"
 #include "qto/server/tables/table.hpp"
 #include "qto/server/wrappers/callable_wrapper.hpp"
 #include "qto/server/wrappers/marshaling.hpp"
@@ -30,6 +31,12 @@ Variant value_of(const ComVariant& given, const Type& type, bool optional, std::
   return value;
 }
 
+std::string_view name_of(const PlaceCall& call, const ClassTable& table) {
+  for (const Member& member : table.members)
+    if (member.call == call.call) return member.name;
+  return "";
+}
+
 void put_result(VariantType type, void* place, const Variant& answer) {
   if (type == vt_empty) return;
   const ComVariant result = to_com(answer);
@@ -49,7 +56,9 @@ Result run(CallableWrapper& wrapper, const PlaceCall& member, std::span<ComVaria
     if (is_by_reference(given[i]) && !given[i].pointer) return null_pointer;
     values[i] = value_of(given[i], member.types[i], member.optional >> i & 1, i);
   }
+  const ClientCall call;
   const Variant answer = member.call(*keep, values);
+  call.check(wrapper.table().name, name_of(member, wrapper.table()));
   for (std::size_t i = 0; i < given.size(); ++i)
     if (member.answered >> i & 1) write_back(given[i], values[i]);
   put_result(result_type, result, answer);
