@@ -136,7 +136,7 @@ void print_drill(const Arguments& arguments, Drill& drill, const OpenFailures& f
                headline(*engine.StartModelPart()));
   else
     print_found(arguments, engine, engine.ErrorCells(), progress);
-  if (engine.ExceededMaxItems() && !drill.interrupted())
+  if (engine.ExceededMaxItems() && drill.ended_by().empty())
     fmt::print("Stopped after {} (--max-items): there may be more.\n",
                counted(static_cast<std::size_t>(arguments.max_items), "item"));
   fmt::print("{}", describe_books(*engine.BooksOpened(), *engine.BooksNotOpened(), failures));

@@ -247,7 +247,7 @@ TEST(BadInput, CellsAllOverTheGridAreRefusedBeforeMemoryIsGone) {
   const BookFile file = BookFile().cells(rows);
   EXPECT_EQ(sheet_of(*file.open(), "Sheet1").cells.block_count(), 20'000);
   try {
-    file.open({.cell_memory = 10'000'000});
+    file.open({.limits = {.cell_bytes = 10'000'000}});
     FAIL() << "was read";
   } catch (const OpenFailure& failure) {
     EXPECT_EQ(static_cast<int>(failure.kind), static_cast<int>(too_large));
