@@ -49,7 +49,7 @@ Bytes read_all(std::ifstream& content, const std::string& file, std::uint64_t mo
     if (bytes.size() > most_bytes)
       throw OpenFailure(OpenFailureKind::too_large, file, "", 0,
                         "the encrypted workbook is too large",
-                        "Read are encrypted-bytes=" + std::to_string(most_bytes));
+                        "The limit is encrypted-bytes=" + std::to_string(most_bytes));
     bytes.insert(bytes.end(), block.data(), block.data() + content.gcount());
   }
   return bytes;

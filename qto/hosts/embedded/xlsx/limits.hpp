@@ -19,7 +19,7 @@ struct Limits {
   /// One tag or comment; the tokenizer holds it whole.
   std::uint64_t xml_tag_bytes = 8 << 20;
   std::uint64_t xml_depth = 256;
-  std::uint64_t xml_attributes = 4'096;  ///< of one element
+  std::uint64_t xml_attributes = 250'000;  ///< of one element
   std::uint64_t sheets = 100'000;
   std::uint64_t strings = 20'000'000;  ///< shared ones
   /// UTF-16 units of a cell's text; what is longer is cut, as the format itself says

@@ -110,8 +110,8 @@ void Package::fail_beyond(std::uint64_t Limits::*limit, const std::string& part,
                           std::string_view reason) const {
   const auto named = std::ranges::find(limit_names(), limit, &LimitName::value);
   fail(OpenFailureKind::too_large, part, 0, reason,
-       "Read are " + std::string(named->name) + "=" + std::to_string(limits_.*limit) +
-           "; the limit can be raised for a file that is trusted");
+       "The limit is " + std::string(named->name) + "=" + std::to_string(limits_.*limit) +
+           "; it can be raised for a file that is trusted");
 }
 
 PartStream::PartStream(Package& package, const Package::Part& part)
