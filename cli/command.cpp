@@ -53,6 +53,7 @@ class Run {
  private:
   void open() {
     progress_.stage("opening " + text::from_path(text::to_path(arguments_.book).filename()));
+    application_.set_limits(arguments_.limits);
     book_ = open_start_book(application_, arguments_, progress_);
     // Parts of names evaluate before any drill has announced the application.
     Main::set_shared_application(book_->Application());
@@ -62,7 +63,7 @@ class Run {
     const auto states = link_states(application_, book_, arguments_, progress_, failures_);
     progress_.hide();
     arguments_.json ? write_book_links(states, reports_) : print_links(*book_, states);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus folder_links() {
@@ -71,7 +72,7 @@ class Run {
     arguments_.json ? write_folder_links(found) : print_folder_links(found);
     const bool partial = std::any_of(found.books.begin(), found.books.end(),
                                      [](const auto& book) { return !book.second.problem.empty(); });
-    const ExitStatus status = finish(false);
+    const ExitStatus status = finish();
     return partial ? done_in_part : status;
   }
 
@@ -84,14 +85,14 @@ class Run {
     if (!part->CheckedForPrecedents()) parse_only(part);
     progress_.hide();
     arguments_.json ? write_item(part, reports_) : print_item(part);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus contents() {
     const Contents contents = contents_of(book_);
     progress_.hide();
     arguments_.json ? write_contents(contents, reports_) : print_contents(contents);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus show() {
@@ -101,7 +102,7 @@ class Run {
     application_.set_window_size(size.rows, static_cast<int>(size.width / 9));
     progress_.hide();
     show_item(arguments_, item, size, reports_);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus drill() {
@@ -120,16 +121,17 @@ class Run {
       write_drill(arguments_, drill, failures_, reports_, progress_);
     else
       print_drill(arguments_, drill, failures_, progress_);
-    const ExitStatus status = finish(drill.interrupted());
+    const ExitStatus status = finish(drill.ended_by());
     return drill.engine().ExceededMaxItems() ? done_in_part : status;
   }
 
-  ExitStatus finish(bool interrupted) {
+  ExitStatus finish(const std::string& ended_by = {}) {
     std::fflush(stdout);
     progress_.hide();
-    if (interrupted) fmt::print(stderr, "qto: interrupted; this is what was found until then\n");
+    if (!ended_by.empty())
+      fmt::print(stderr, "qto: {}; this is what was found until then\n", ended_by);
     reports_.print();
-    return interrupted || reports_.count() > 0 ? done_in_part : done;
+    return !ended_by.empty() || reports_.count() > 0 ? done_in_part : done;
   }
 
   const Arguments& arguments_;

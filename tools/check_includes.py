@@ -106,6 +106,7 @@ CLIENTS = {
     "examples": ("examples",),
     "benchmarks": ("benchmarks",),
     "tests": ("tests", "cli", "examples", "benchmarks"),
+    "fuzz": ("fuzz", "tests"),
 }
 ROOTS = ("qto",) + tuple(CLIENTS)
 

@@ -158,7 +158,7 @@ void print_drill(const Arguments& arguments, Drill& drill, const OpenFailures& f
                headline(*engine.StartModelPart()));
   else
     print_found(arguments, engine, engine.ErrorCells(), progress);
-  if (engine.ExceededMaxItems() && !drill.interrupted())
+  if (engine.ExceededMaxItems() && drill.ended_by().empty())
     fmt::print("Stopped after {} (--max-items): there may be more.\n",
                counted(static_cast<std::size_t>(arguments.max_items), "item"));
   const std::string home = engine.StartModelPart()->WorkBookName();

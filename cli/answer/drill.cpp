@@ -17,10 +17,7 @@ Drill::Drill(const Arguments& arguments, Progress& progress)
 void Drill::subscribe() {
   engine_->BeforeGetPrecedents.add([this](Ref<ModelPart>&, bool&) {
     progress_.count_one();
-    if (interrupted_ || !Interrupt::raised()) return;
-    // From now on any item is one too many: the walk ends in good order.
-    interrupted_ = true;
-    engine_->put_MaxItems(1);
+    if (ended_by_.empty()) look_for_an_end();
   });
   engine_->AskToOpenBook.add([this](Ref<ModelPart>& unknown, bool& choice) {
     choice = choices_.opens(unknown->WorkBookFullName());
@@ -33,8 +30,23 @@ void Drill::subscribe() {
       [](const std::string&, const std::string&, bool& cancel) { cancel = true; });
 }
 
+void Drill::look_for_an_end() {
+  const auto passed = [this] {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - started_).count();
+  };
+  if (Interrupt::raised())
+    ended_by_ = "interrupted";
+  else if (arguments_.drill_seconds > 0 && passed() > arguments_.drill_seconds)
+    ended_by_ = "the limit drill-seconds is reached";
+  else
+    return;
+  // From now on any item is one too many: the walk ends in good order.
+  engine_->put_MaxItems(1);
+}
+
 void Drill::run(const Ref<Object>& start) {
   const Interrupt listening;
+  started_ = std::chrono::steady_clock::now();
   engine_->putref_StartUnderlyingObject(start);
   if (arguments_.operation == Operation::inputs)
     engine_->FindInputs();
@@ -43,7 +55,7 @@ void Drill::run(const Ref<Object>& start) {
   else
     engine_->DrillHere();
   // Also when it came with the last item, at a question that stayed without an answer.
-  interrupted_ = Interrupt::raised();
+  if (Interrupt::raised()) ended_by_ = "interrupted";
 }
 
 void parse_only(const Ref<ModelPart>& part) {

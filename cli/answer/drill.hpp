@@ -1,5 +1,8 @@
 #pragma once
 
+#include <chrono>
+#include <string>
+
 #include "cli/asking/arguments.hpp"
 #include "cli/links/linked_books.hpp"
 #include "cli/terminal/progress.hpp"
@@ -17,17 +20,19 @@ class Drill {
   /// Throws AutomationError where the engine refuses.
   void run(const Ref<Object>& start);
   DrillDown& engine() noexcept { return *engine_; }
-  /// Ctrl-C ended the run; what was found until then is there.
-  bool interrupted() const noexcept { return interrupted_; }
+  /// What ended the run before its time, "" for nothing: what was found until then is there.
+  const std::string& ended_by() const noexcept { return ended_by_; }
 
  private:
   void subscribe();
+  void look_for_an_end();
 
   const Arguments& arguments_;
   Progress& progress_;
   LinkedBookChoices choices_;
   Ref<DrillDown> engine_ = make_ref<DrillDown>();
-  bool interrupted_ = false;
+  std::string ended_by_;
+  std::chrono::steady_clock::time_point started_;
 };
 
 /// Finds out what parsing its formula tells about a single part (constants, special functions)

@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <functional>
 #include <iterator>
+#include <string>
 #include <utility>
 
 #include "cli/asking/build_info.hpp"
@@ -87,6 +89,8 @@ CLI::Validator positive() {
       "", "positive");
 }
 
+constexpr std::string_view drill_seconds_limit = "drill-seconds";
+
 /// A text before "=" is a book's name only when it looks like one: passwords hold "=" too.
 Password read_password(const std::string& given) {
   const std::size_t sign = given.find('=');
@@ -95,6 +99,37 @@ Password read_password(const std::string& given) {
   const std::size_t dot = book.rfind('.');
   if (dot == std::string::npos || !book.substr(dot).starts_with(".xl")) return {"", given};
   return {book, given.substr(sign + 1)};
+}
+
+/// Takes NAME=N, with k, M or G behind the number for powers of 1,024.
+void read_limit(const std::string& given, Arguments& arguments) {
+  const std::size_t sign = std::min(given.find('='), given.size());
+  const std::string name = given.substr(0, sign);
+  std::uint64_t number = 0;
+  const char* const end = given.data() + given.size();
+  const char* const digits = given.data() + std::min(sign + 1, given.size());
+  auto [rest, error] = std::from_chars(digits, end, number);
+  constexpr std::string_view powers = "kMG";
+  const std::size_t power = rest + 1 == end ? powers.find(*rest) : std::string_view::npos;
+  const unsigned shift =
+      power == std::string_view::npos ? 0 : 10 * (static_cast<unsigned>(power) + 1);
+  if (shift != 0) ++rest;
+  if (error != std::errc() || rest != end || number > (UINT64_MAX >> shift))
+    throw CLI::ValidationError("--limit", "'" + given + "' is not NAME=N");
+  number <<= shift;
+  if (name == drill_seconds_limit) {
+    arguments.drill_seconds = static_cast<double>(number);
+    return;
+  }
+  for (const embedded::LimitName& limit : embedded::limit_names())
+    if (limit.name == name) {
+      arguments.limits.*limit.value = number;
+      return;
+    }
+  std::string known(drill_seconds_limit);
+  for (const embedded::LimitName& limit : embedded::limit_names())
+    known.append(", ").append(limit.name);
+  throw CLI::ValidationError("--limit", "there is no limit '" + name + "'; there are " + known);
 }
 
 void add_book_options(CLI::App& command, Arguments& arguments) {
@@ -112,6 +147,15 @@ void add_book_options(CLI::App& command, Arguments& arguments) {
       ->allow_extra_args(false)
       ->option_text("[BOOK=]TEXT");
   command.add_flag("--json", arguments.json, "one JSON object on standard output");
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--limit",
+          [&](const std::vector<std::string>& given) {
+            for (const std::string& text : given) read_limit(text, arguments);
+          },
+          "what is accepted of a file, or of a drill")
+      ->allow_extra_args(false)
+      ->option_text("NAME=N");
 }
 
 /// What opens the book, where more than the embedded host can answer.

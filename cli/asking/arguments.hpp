@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "qto/automation/ref.hpp"
+#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/options/drill_options.hpp"
 
 namespace qto::cli {
@@ -32,6 +33,8 @@ struct Arguments {
   bool ignore_zero_one = false;
   std::int32_t depth = 0;      ///< 0: no bound
   std::int32_t max_items = 0;  ///< 0: no limit
+  embedded::Limits limits;     ///< of the files that are opened
+  double drill_seconds = 0;    ///< 0: no limit
   OpenPolicy open = OpenPolicy::never;
   std::vector<Password> passwords;
   std::vector<std::string> folders;

@@ -5,11 +5,13 @@
 #include <new>
 #include <unordered_map>
 #include <utility>
+#include <unordered_set>
 #include <vector>
 
 #include "qto/automation/apartment.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
+#include "qto/model/range_block.hpp"
 
 namespace qto {
 namespace {
@@ -55,6 +57,8 @@ class Reachability {
       // One reference is the watch itself.
       if (part->ref_count() > counts_[part.get()] + 1) mark(part.get());
     }
+    for (const auto& [block, holders] : block_holders_)
+      if (block->ref_count() > holders) mark_made(*block);
     follow();
   }
 
@@ -63,16 +67,26 @@ class Reachability {
  private:
   void count_list(const Ref<ModelParts>& list) {
     if (!list || holders_[list.get()]++ > 0) return;
-    list->for_each([this](ModelPart& item) {
-      const auto known = counts_.find(&item);
-      if (known != counts_.end()) ++known->second;
+    list->for_each_single([this](ModelPart& item) { count(item); });
+    list->for_each_block([this](RangeBlock& block) {
+      if (block_holders_[&block]++ == 0)
+        block.for_each_made([this](ModelPart& item) { count(item); });
     });
+  }
+  void count(const ModelPart& item) {
+    const auto known = counts_.find(&item);
+    if (known != counts_.end()) ++known->second;
   }
   void mark(ModelPart* part) {
     if (counts_.contains(part) && reached_.try_emplace(part, true).second) open_.push_back(part);
   }
   void mark_items(ModelParts& list) {
-    list.for_each([this](ModelPart& item) { mark(&item); });
+    list.for_each_single([this](ModelPart& item) { mark(&item); });
+    list.for_each_block([this](RangeBlock& block) { mark_made(block); });
+  }
+  void mark_made(RangeBlock& block) {
+    if (reached_blocks_.insert(&block).second)
+      block.for_each_made([this](ModelPart& item) { mark(&item); });
   }
   void follow() {
     while (!open_.empty()) {
@@ -85,22 +99,17 @@ class Reachability {
 
   std::unordered_map<const ModelPart*, std::uint32_t> counts_;    // references from watched lists
   std::unordered_map<const ModelParts*, std::uint32_t> holders_;  // watched parts per list
+  std::unordered_map<RangeBlock*, std::uint32_t> block_holders_;  // watched lists per block
   std::unordered_map<const ModelPart*, bool> reached_;
+  std::unordered_set<const RangeBlock*> reached_blocks_;
   std::vector<ModelPart*> open_;
 };
-
-/// References are counted list by list, so no list may share the parts of a block.
-void watch(ModelPart& part) {
-  watched().emplace_back(&part);
-  for (const auto& list : lists_of(part))
-    if (list) list->dissolve_blocks();
-}
 
 }  // namespace
 
 void watch_graph(const Ref<ModelPart>& start, ModelParts& parts) {
-  watch(*start);
-  parts.for_each([](ModelPart& part) { watch(part); });
+  watched().push_back(start);
+  parts.for_each([](ModelPart& part) { watched().emplace_back(&part); });
 }
 
 void release_lost_graphs() noexcept {

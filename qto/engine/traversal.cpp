@@ -80,7 +80,10 @@ class DrillDown::Walk {
 
   /// Without a depth limit, parts that were walked once have nothing new below them.
   ModelPart* next_of(ModelParts::Pass& pass) const {
-    return drill_.maximum_depth_ == 0 ? pass.next_for(drill_.drill_number_) : pass.next();
+    // Of a range that may have millions of cells nothing more is taken up.
+    if (drill_.exceeded_) pass.skip_blocks();
+    return drill_.maximum_depth_ == 0 ? pass.next_for(drill_.drill_number_, drill_.met_cycle_)
+                                      : pass.next();
   }
 
   /// The part under way refers back to one above it; it tells the way from there.

@@ -1,6 +1,7 @@
 #include "qto/model/model_parts.hpp"
 
 #include <algorithm>
+#include <limits>
 
 #include "qto/automation/collection_error.hpp"
 #include "qto/diagnostics/procedure.hpp"
@@ -27,7 +28,8 @@ std::int32_t ModelParts::size() const noexcept {
   auto count = static_cast<std::int64_t>(parts_.count());
   if (blocks_)
     for (const Entry& entry : *blocks_) count += entry.block->count();
-  return static_cast<std::int32_t>(count);
+  return static_cast<std::int32_t>(
+      std::min<std::int64_t>(count, std::numeric_limits<std::int32_t>::max()));
 }
 
 Ref<ModelPart> ModelParts::Item(const Variant& position_or_key) {
@@ -107,30 +109,26 @@ void ModelParts::replace(ModelPart& part, Ref<ModelPart> by) {
   AddExisting(by);
 }
 
-bool ModelParts::add_block(const Ref<RangeBlock>& block) {
-  if (blocks_) {
-    for (const Entry& entry : *blocks_) {
-      if (entry.block == block) return true;
-      if (entry.block->overlaps(*block)) return false;
-    }
+std::optional<Rect> ModelParts::held_of(const SheetRecord& sheet, const Rect& rect) {
+  if (blocks_)
+    for (const Entry& entry : *blocks_)
+      if (entry.block->sheet()->prefix == sheet.prefix)
+        if (const auto common = entry.block->rect().intersect(rect)) return common;
+  KeyedCollection<ModelPart, PartKey>::Pass pass(parts_);
+  while (const ModelPart* part = pass.next()) {
+    const auto& record = part->sheet_record();
+    if (record && record->prefix == sheet.prefix && rect.contains(part->cell()))
+      return Rect::cell(part->cell());
   }
-  if (BeforeItemAdded || meets_a_single(*block)) return false;
+  return std::nullopt;
+}
+
+void ModelParts::append_block(const Ref<RangeBlock>& block) {
   if (!blocks_) {
     blocks_ = std::make_unique<Entries>();
     parts_.pin_places();
   }
   blocks_->push_back({parts_.places(), block});
-  return true;
-}
-
-/// True also when there are too many single parts to tell in a moment.
-bool ModelParts::meets_a_single(const RangeBlock& block) {
-  constexpr std::size_t many = 1000;
-  if (parts_.count() > many) return true;
-  KeyedCollection<ModelPart, PartKey>::Pass pass(parts_);
-  while (const ModelPart* part = pass.next())
-    if (block.holds(*part)) return true;
-  return false;
 }
 
 bool ModelParts::in_some_block(const ModelPart& part) const noexcept {
@@ -160,7 +158,7 @@ Ref<ModelParts> ModelParts::copy() {
   std::size_t block = 0;
   const auto add_blocks_before = [&](std::size_t place) {
     for (; blocks_ && block < blocks_->size() && (*blocks_)[block].before <= place; ++block)
-      list->add_block((*blocks_)[block].block);
+      list->append_block((*blocks_)[block].block);
   };
   for (std::size_t place = 0;; place = pass.single_place()) {
     add_blocks_before(place);
@@ -170,16 +168,6 @@ Ref<ModelParts> ModelParts::copy() {
     list->AddExisting(shared);
   }
   return list;
-}
-
-void ModelParts::dissolve_blocks() {
-  if (!blocks_) return;
-  std::vector<Ref<ModelPart>> all;
-  for_each([&](ModelPart& part) { all.emplace_back(&part); });
-  blocks_.reset();
-  KeyedCollection<ModelPart, PartKey> fresh;
-  for (const auto& part : all) fresh.add(part->Key(), part);
-  parts_.swap(fresh);
 }
 
 ModelParts::Pass::Pass(Ref<ModelParts> list) : list_(std::move(list)), pass_(list_->parts_) {
@@ -201,6 +189,10 @@ ModelPart* ModelParts::Pass::next_in_block() {
   return nullptr;
 }
 
+void ModelParts::Pass::skip_blocks() noexcept {
+  for (; in_block(); ++block_) place_ = 0;
+}
+
 ModelPart* ModelParts::Pass::next() {
   for (;;) {
     while (in_block())
@@ -211,16 +203,20 @@ ModelPart* ModelParts::Pass::next() {
   }
 }
 
-ModelPart* ModelParts::Pass::next_for(std::uint64_t drill) {
+ModelPart* ModelParts::Pass::next_for(std::uint64_t drill, bool& met_cycle) {
   for (;;) {
     while (in_block()) {
       const Ref<RangeBlock> block = (*list_->blocks_)[block_].block;
-      if (place_ == 0 && block->walked_by == drill) {
-        ++block_;
-        continue;
+      if (block->walked_by != drill) {
+        block->walked_by = drill;
+        block->walked_to = 0;
       }
-      if (ModelPart* part = next_in_block()) return part;
-      block->walked_by = drill;
+      // Another pass of this drill stands in the block: the cell there leads back to the block.
+      if (place_ < block->walked_to && block->walked_to < block->size()) met_cycle = true;
+      place_ = std::max(place_, block->walked_to);
+      ModelPart* part = next_in_block();
+      block->walked_to = part ? place_ : block->size();
+      if (part) return part;
     }
     if (ModelPart* part = pass_.next()) return part;
     if (!in_block()) return nullptr;

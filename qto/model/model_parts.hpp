@@ -43,8 +43,11 @@ class ModelParts : public Object {
     /// The next part outside blocks: only there can one be unknown.
     ModelPart* next_single() noexcept { return pass_.next(); }
     std::size_t single_place() const noexcept { return pass_.place(); }
-    /// As next(), without the blocks that the drill has walked already.
-    ModelPart* next_for(std::uint64_t drill);
+    /// As next(), without the cells of blocks that the drill has walked already; tells when it
+    /// passes over one from which the walk came.
+    ModelPart* next_for(std::uint64_t drill, bool& met_cycle);
+    /// Leaves the block in which the pass stands, and those that follow at once.
+    void skip_blocks() noexcept;
     ModelParts& list() const noexcept { return *list_; }
 
    private:
@@ -68,9 +71,10 @@ class ModelParts : public Object {
 
   // Inside the engine only
 
-  /// Appends the cells of a large range; false, and nothing is added, when some of them are in the
-  /// list already or might be.
-  bool add_block(const Ref<RangeBlock>& block);
+  /// Appends the cells of a large range, none of which is in the list.
+  void append_block(const Ref<RangeBlock>& block);
+  /// Some cells of the range that are in the list already; nothing when none is.
+  std::optional<Rect> held_of(const SheetRecord& sheet, const Rect& rect);
   /// As Count().
   std::int32_t size() const noexcept;
   /// Probe: the part under a key, or null.
@@ -83,8 +87,16 @@ class ModelParts : public Object {
   bool any_error(std::uint64_t drill);
   /// The same parts in the same order; none is made for it.
   Ref<ModelParts> copy();
-  /// Holds every part by itself from now on.
-  void dissolve_blocks();
+  template <class Visit>
+  void for_each_single(Visit&& visit) {
+    Pass pass = NewEnum();
+    while (ModelPart* part = pass.next_single()) visit(*part);
+  }
+  template <class Visit>
+  void for_each_block(Visit&& visit) const {
+    if (!blocks_) return;
+    for (const Entry& entry : *blocks_) visit(*entry.block);
+  }
 
  private:
   struct Entry {
@@ -95,7 +107,6 @@ class ModelParts : public Object {
 
   void add(Ref<ModelPart>& part);
   bool in_some_block(const ModelPart& part) const noexcept;
-  bool meets_a_single(const RangeBlock& block);
   bool has_gaps() const noexcept;
   ModelPart* at(std::size_t position);
 

@@ -1,5 +1,6 @@
 #include "qto/model/range_block.hpp"
 
+#include "qto/host/range.hpp"
 #include "qto/host/worksheet.hpp"
 
 namespace qto {
@@ -13,10 +14,16 @@ CellPos RangeBlock::cell_at(std::int64_t place) const noexcept {
           rect_.first.column + static_cast<std::int32_t>(place % columns)};
 }
 
+RangeBlock::Page& RangeBlock::make_page(std::int64_t place) {
+  const auto number = static_cast<std::size_t>(place / Page::places);
+  if (number >= pages_.size()) pages_.resize(number + 1);
+  if (!pages_[number]) pages_[number] = std::make_unique<Page>();
+  return *pages_[number];
+}
+
 ModelPart* RangeBlock::at(std::int64_t place) {
-  if (!removed_.empty() && removed_[place]) return nullptr;
-  if (parts_.empty()) parts_.resize(size());
-  Ref<ModelPart>& part = parts_[place];
+  if (is_removed(place)) return nullptr;
+  Ref<ModelPart>& part = make_page(place).parts[place % Page::places];
   if (!part) {
     part = make_ref<ModelPart>();
     part->create_cell(sheet_, cell_at(place));
@@ -46,54 +53,59 @@ bool RangeBlock::holds(const ModelPart& part) const noexcept {
 }
 
 bool RangeBlock::shows(const ModelPart& part) const noexcept {
-  return holds(part) && (removed_.empty() || !removed_[place_of(part.cell())]);
-}
-
-bool RangeBlock::overlaps(const RangeBlock& other) const noexcept {
-  const Rect& a = rect_;
-  const Rect& b = other.rect_;
-  return sheet_->prefix == other.sheet_->prefix && a.first.row <= b.last.row &&
-         b.first.row <= a.last.row && a.first.column <= b.last.column &&
-         b.first.column <= a.last.column;
+  return holds(part) && !is_removed(place_of(part.cell()));
 }
 
 void RangeBlock::replace(const ModelPart& part, const Ref<ModelPart>& by) {
-  if (parts_.empty()) parts_.resize(size());
-  parts_[place_of(part.cell())] = by;
+  const std::int64_t place = place_of(part.cell());
+  make_page(place).parts[place % Page::places] = by;
 }
 
 bool RangeBlock::remove(const PartKey& key) {
   const std::int64_t place = place_of(key);
-  if (place == nowhere) return false;
-  if (removed_.empty()) removed_.resize(size());
-  if (removed_[place]) return false;
-  removed_[place] = true;
-  if (!parts_.empty()) parts_[place] = nullptr;
+  if (place == nowhere || is_removed(place)) return false;
+  Page& page = make_page(place);
+  page.removed.set(place % Page::places);
+  page.parts[place % Page::places] = nullptr;
   ++vacated_;
   return true;
 }
 
 Ref<RangeBlock> RangeBlock::clone() {
   auto copy = make_ref<RangeBlock>(sheet_, rect_);
-  copy->parts_ = parts_;
-  copy->removed_ = removed_;
+  copy->pages_.reserve(pages_.size());
+  for (const auto& page : pages_)
+    copy->pages_.push_back(page ? std::make_unique<Page>(*page) : nullptr);
   copy->vacated_ = vacated_;
   return copy;
 }
 
 /// A cell that nobody has looked at yet needs no part to be asked.
 bool RangeBlock::has_error_at(std::int64_t place) {
-  if (!removed_.empty() && removed_[place]) return false;
-  if (!parts_.empty() && parts_[place]) return parts_[place]->HasError();
+  const Page* page = page_of(place);
+  if (page && page->removed[place % Page::places]) return false;
+  if (page && page->parts[place % Page::places])
+    return page->parts[place % Page::places]->HasError();
   return sheet_->sheet->cell_value(cell_at(place)).is_error();
+}
+
+/// Cells outside the used block are blank.
+std::optional<Rect> RangeBlock::used() const {
+  const auto range = sheet_->sheet->UsedRange();
+  const CellPos first{range->Row(), range->Column()};
+  return rect_.intersect(
+      {first, {first.row + range->RowsCount() - 1, first.column + range->ColumnsCount() - 1}});
 }
 
 bool RangeBlock::any_error(std::uint64_t drill) {
   if (asked_by_ == drill) return any_error_;
-  asked_by_ = drill;
   any_error_ = false;
-  for (std::int64_t place = 0; place < size() && !any_error_; ++place)
-    any_error_ = has_error_at(place);
+  if (const auto cells = used())
+    for (CellPos cell = cells->first; cell.row <= cells->last.row && !any_error_; ++cell.row)
+      for (cell.column = cells->first.column; cell.column <= cells->last.column && !any_error_;
+           ++cell.column)
+        any_error_ = has_error_at(place_of(cell));
+  asked_by_ = drill;
   return any_error_;
 }
 

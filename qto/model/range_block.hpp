@@ -1,6 +1,10 @@
 #pragma once
 
+#include <array>
+#include <bitset>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <vector>
 
 #include "qto/automation/address.hpp"
@@ -34,31 +38,56 @@ class RangeBlock : public RefCounted {
   bool holds(const ModelPart& part) const noexcept;
   /// The same without those that were removed.
   bool shows(const ModelPart& part) const noexcept;
-  bool overlaps(const RangeBlock& other) const noexcept;
 
   /// Puts a part for the same cell in the place of that cell's.
   void replace(const ModelPart& part, const Ref<ModelPart>& by);
   /// Removes the part under a key; false when there is none.
   bool remove(const PartKey& key);
+  /// Visits the parts that somebody has looked at.
+  template <class Visit>
+  void for_each_made(Visit&& visit) const {
+    for (const auto& page : pages_) {
+      if (!page) continue;
+      for (const Ref<ModelPart>& part : page->parts)
+        if (part) visit(*part);
+    }
+  }
   /// A block of its own with the same parts.
   Ref<RangeBlock> clone();
 
   /// True when a cell holds an error value, or its part says so. Asked once per drill.
   bool any_error(std::uint64_t drill);
-  /// The drill that has walked all parts of the block.
+  /// The latest drill that walked the block, and the first place that it has not been at.
   std::uint64_t walked_by = 0;
+  std::int64_t walked_to = 0;
 
  private:
   static constexpr std::int64_t nowhere = -1;
   std::int64_t place_of(const PartKey& key) const noexcept;
   std::int64_t place_of(CellPos cell) const noexcept;
+  std::optional<Rect> used() const;
   CellPos cell_at(std::int64_t place) const noexcept;
   bool has_error_at(std::int64_t place);
 
   Ref<SheetRecord> sheet_;
   Rect rect_;
-  std::vector<Ref<ModelPart>> parts_;  // empty until the first is looked at
-  std::vector<bool> removed_;          // empty until one is removed
+  /// The parts of 1,024 places; what a sheet of 17 thousand million cells costs is what was seen.
+  struct Page {
+    static constexpr std::int64_t places = 1024;
+    std::array<Ref<ModelPart>, places> parts;
+    std::bitset<places> removed;
+  };
+  const Page* page_of(std::int64_t place) const noexcept {
+    const auto number = static_cast<std::size_t>(place / Page::places);
+    return number < pages_.size() ? pages_[number].get() : nullptr;
+  }
+  Page& make_page(std::int64_t place);
+  bool is_removed(std::int64_t place) const noexcept {
+    const Page* page = vacated_ > 0 ? page_of(place) : nullptr;
+    return page && page->removed[place % Page::places];
+  }
+
+  std::vector<std::unique_ptr<Page>> pages_;
   std::int64_t vacated_ = 0;
   std::uint64_t asked_by_ = 0;
   bool any_error_ = false;

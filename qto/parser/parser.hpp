@@ -153,6 +153,7 @@ class Parser {
                                                      std::string_view sheet);
   void add_cells_of(const Ref<SheetRecord>& sheet, std::string_view address);
   void add_cells_of(const Ref<SheetRecord>& sheet, const Rect& rect);
+  void add_blocks_of(const Ref<SheetRecord>& sheet, const Rect& rect);
   const Ref<RangeBlock>& block_of(const Ref<SheetRecord>& sheet, const Rect& rect);
   Ref<SheetRecord> record_of(const Ref<host::Worksheet>& sheet);
   Ref<SheetRecord> record_named(const Ref<host::Workbook>& workbook, std::string_view sheet);

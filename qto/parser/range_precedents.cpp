@@ -112,13 +112,40 @@ void Parser::add_cells_of(const Ref<SheetRecord>& sheet, const Rect& written) {
   Rect rect = written;
   if (rect.cells() > most_cells)
     rect = rect.intersect(sheet->sheet->UsedRange()->block()).value_or(Rect::cell(rect.first));
-  if (rect.cells() >= RangeBlock::least_cells && found_->add_block(block_of(sheet, rect))) return;
+  // A client that is asked about every part gets every part.
+  if (rect.cells() >= RangeBlock::least_cells && !found_->BeforeItemAdded)
+    return add_blocks_of(sheet, rect);
   for (std::int32_t row = rect.first.row; row <= rect.last.row; ++row) {
     for (std::int32_t column = rect.first.column; column <= rect.last.column; ++column) {
       auto part = make_ref<ModelPart>();
       part->create_cell(sheet, {row, column});
       found_->AddExisting(part);
     }
+  }
+}
+
+/// A range of which the list holds cells already comes as what is left of it, block by block.
+void Parser::add_blocks_of(const Ref<SheetRecord>& sheet, const Rect& rect) {
+  std::vector<Rect> left{rect};
+  while (!left.empty()) {
+    const Rect piece = left.back();
+    left.pop_back();
+    const auto held = found_->held_of(*sheet, piece);
+    if (!held) {
+      if (piece.cells() < RangeBlock::least_cells)
+        add_cells_of(sheet, piece);
+      else
+        found_->append_block(block_of(sheet, piece));
+      continue;
+    }
+    const Rect beside[] = {
+        {{held->last.row + 1, piece.first.column}, piece.last},
+        {{held->first.row, held->last.column + 1}, {held->last.row, piece.last.column}},
+        {{held->first.row, piece.first.column}, {held->last.row, held->first.column - 1}},
+        {piece.first, {held->first.row - 1, piece.last.column}},
+    };
+    for (const Rect& part : beside)
+      if (part.rows() > 0 && part.columns() > 0) left.push_back(part);
   }
 }
 

@@ -38,6 +38,8 @@ void Application::set_open_progress(void (*progress)(double, void*), void* data)
   object_->open_options.progress_data = data;
 }
 
+void Application::set_limits(const Limits& limits) { object_->open_options.limits = limits; }
+
 Event<const host::OpenError&>& Application::open_failed() { return object_->open_failed; }
 
 Event<std::string_view, bool&>& Application::hyperlink_followed() {

@@ -10,6 +10,7 @@
 #include "qto/host/open_error.hpp"
 #include "qto/host/workbook.hpp"
 #include "qto/host/workbooks.hpp"
+#include "qto/hosts/embedded/xlsx/limits.hpp"
 
 namespace qto::embedded {
 
@@ -43,6 +44,9 @@ class Application {
   void set_window_size(int rows, int columns);
   /// Called now and then while a file is opened, with the fraction done (0..1); null: not called.
   void set_open_progress(void (*progress)(double fraction, void* data), void* data);
+  /// What is accepted of the files that are opened from now on; beyond it one is refused as too
+  /// large.
+  void set_limits(const Limits& limits);
   /// Raised before Workbooks.Open fails because of the file: tells why to whoever sees only that it
   /// failed. The text never holds a password.
   Event<const host::OpenError&>& open_failed();

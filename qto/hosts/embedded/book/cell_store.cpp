@@ -5,7 +5,8 @@
 
 namespace qto::embedded {
 
-/// Sheets are read on several threads.
+/// Books of several threads count together: a number that two stores share would let a result
+/// derived from one pass for the other's.
 std::uint64_t CellStore::next_id() noexcept {
   static std::atomic<std::uint32_t> last = 0;
   return ++last;

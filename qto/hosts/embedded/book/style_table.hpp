@@ -18,6 +18,9 @@ struct CellStyle {
   bool formula_hidden = false;
 };
 
+/// No application writes more; what a file holds beyond is shown as the default.
+inline constexpr std::int64_t most_styles = 65'536;
+
 /// The cell formats of a book by StyleId; entry 0 is the default and always there.
 class StyleTable {
  public:

@@ -1,6 +1,5 @@
 #include "qto/hosts/embedded/xlsx/cell_formulas.hpp"
 
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
 namespace qto::embedded {
@@ -79,11 +78,14 @@ void CellFormulas::store_block(CellPos at, bool has_result) {
   const std::size_t large = sheet_.large_blocks().size();
   sheet_.set_block_formula(block, id);
   if (sheet_.large_blocks().size() == large) context_.array_cells += block.cells();
-  if (context_.array_cells > limits::array_cells || large >= limits::large_array_blocks)
-    context_.package.fail(
-        OpenFailureKind::too_large, "", 0,
-        "the array formulas of sheet \"" + sheet_.name + "\" cover too many cells");
-  context_.check_memory(sheet_);
+  const auto refuse = [&](std::uint64_t Limits::*limit) {
+    context_.package.fail_beyond(
+        limit, "", "the array formulas of sheet \"" + sheet_.name + "\" cover too many cells");
+  };
+  if (static_cast<std::uint64_t>(context_.array_cells) > context_.limits().array_cells)
+    refuse(&Limits::array_cells);
+  if (large >= context_.limits().large_arrays) refuse(&Limits::large_arrays);
+  context_.check_cells(sheet_);
   give(at, id, has_result);
 }
 

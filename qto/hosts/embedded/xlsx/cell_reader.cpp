@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
 namespace qto::embedded {
 CellReader::CellReader(LoadContext& context, Sheet& sheet)
-    : context_(context), sheet_(sheet), formulas_(context, sheet) {}
+    : context_(context),
+      sheet_(sheet),
+      formulas_(context, sheet),
+      inline_(context.limits().text_length) {}
 
 void CellReader::start(std::string_view name, const Attributes& attributes) {
   if (name == "c") return start_cell(attributes.list());
@@ -20,11 +22,11 @@ void CellReader::start(std::string_view name, const Attributes& attributes) {
     if (content_ == Content::inline_text) content_ = Content::text;
     value_.clear();
     sink_ = &value_;
-    sink_limit_ = limits::cell_text_units * 8;
+    sink_limit_ = context_.limits().text_length * 8;
   } else if (name == "f") {
     formulas_.start(attributes.list());
     sink_ = &formulas_.text();
-    sink_limit_ = limits::formula_bytes;
+    sink_limit_ = context_.limits().formula_length;
   } else if (name == "is") {
     has_value_ = in_inline_ = true;
     content_ = Content::inline_text;
@@ -34,8 +36,10 @@ void CellReader::start(std::string_view name, const Attributes& attributes) {
 
 void CellReader::end(std::string_view name) {
   if (!in_cell_) return;
-  // What was cut must not pass for a whole formula; nothing makes these braces readable.
-  if (sink_ == &formulas_.text() && sink_->size() >= limits::formula_bytes) sink_->append("}}");
+  if (sink_ == &formulas_.text() && sink_->size() > context_.limits().formula_length)
+    context_.package.fail_beyond(
+        &Limits::formula_length, "",
+        "the formula of " + sheet_.name + "!" + address_of(at_) + " is too long");
   sink_ = nullptr;
   if (name == "c")
     end_cell();
@@ -47,7 +51,7 @@ void CellReader::end(std::string_view name) {
 
 void CellReader::text(std::string_view piece) {
   if (sink_) {
-    if (sink_->size() < sink_limit_) sink_->append(piece);
+    if (sink_->size() <= sink_limit_) sink_->append(piece);
   } else if (in_inline_) {
     inline_.text(piece);
   }
@@ -56,7 +60,7 @@ void CellReader::text(std::string_view piece) {
 void CellReader::start_row(const Attributes& attributes) {
   column_ = 0;
   in_cell_ = false;
-  context_.check_memory(sheet_);
+  context_.check_cells(sheet_);
   const auto number = attributes.find("r") ? attributes.whole_or("r", 0) : latest_row_ + 1;
   row_ = number >= 1 && number <= max_rows ? static_cast<std::int32_t>(number) : 0;
   if (row_ == 0) return;
@@ -81,9 +85,7 @@ CellReader::Content CellReader::content_of(std::string_view type) noexcept {
 
 StyleId CellReader::style_of(std::string_view number) noexcept {
   const auto style = whole_number(number).value_or(0);
-  return style >= 0 && style < static_cast<std::int64_t>(limits::styles)
-             ? static_cast<StyleId>(style)
-             : 0;
+  return style >= 0 && style < most_styles ? static_cast<StyleId>(style) : 0;
 }
 
 void CellReader::start_cell(const char* const* attributes) {
@@ -165,7 +167,7 @@ void CellReader::store_number(Cell& cell) {
 
 void CellReader::store_text(Cell& cell) {
   decode_escapes(value_);
-  cut_to_units(value_, limits::cell_text_units);
+  cut_to_units(value_, context_.limits().text_length);
   cell.set_text(context_.book.texts.intern(value_));
 }
 

@@ -61,7 +61,7 @@ class ChartHandler final : public XmlHandler {
   }
 
   void on_text(std::string_view text) override {
-    if (sink_ && sink_->size() < limits::cell_text_units) sink_->append(text);
+    if (sink_ && sink_->size() < standard_limits.text_length) sink_->append(text);
   }
 
  private:

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "qto/hosts/embedded/xlsx/external_target.hpp"
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/relationships.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
@@ -14,8 +13,9 @@ namespace {
 
 class ExternalLinkHandler final : public XmlHandler {
  public:
-  ExternalLinkHandler(ExternalBook& into, const Relationships& links, std::string_view base_folder)
-      : into_(into), links_(links), base_folder_(base_folder) {}
+  ExternalLinkHandler(ExternalBook& into, const Relationships& links, std::string_view base_folder,
+                      const Limits& limits)
+      : into_(into), links_(links), base_folder_(base_folder), limits_(limits) {}
 
   void on_start(Space space, std::string_view name, const Attributes& attributes) override {
     if (space != Space::main) return;
@@ -45,7 +45,7 @@ class ExternalLinkHandler final : public XmlHandler {
   }
 
   void on_text(std::string_view text) override {
-    if (in_value_ && value_.size() < limits::cell_text_units * 8) value_.append(text);
+    if (in_value_ && value_.size() < limits_.text_length * 8) value_.append(text);
   }
 
  private:
@@ -106,13 +106,14 @@ class ExternalLinkHandler final : public XmlHandler {
     if (type_ != "str" && type_ != "s")
       if (const auto number = real_number(value_)) return *number;
     decode_escapes(value_);
-    cut_to_units(value_, limits::cell_text_units);
+    cut_to_units(value_, limits_.text_length);
     return value_;
   }
 
   ExternalBook& into_;
   const Relationships& links_;
   std::string_view base_folder_;
+  const Limits& limits_;
   std::size_t sheet_ = 0;
   CellPos at_{0, 0};
   std::string type_;
@@ -126,7 +127,7 @@ ExternalBook read_external_link(Package& package, const Package::Part& part,
                                 std::string_view base_folder) {
   ExternalBook book;
   const Relationships links(package, part.name);
-  ExternalLinkHandler handler(book, links, base_folder);
+  ExternalLinkHandler handler(book, links, base_folder, package.limits());
   PartStream stream = package.open(part);
   read_xml(stream, handler);
   return book;

@@ -9,7 +9,6 @@
 #include "qto/automation/file_path.hpp"
 #include "qto/hosts/embedded/encryption/compound_file.hpp"
 #include "qto/hosts/embedded/encryption/encrypted_package.hpp"
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/open_failure.hpp"
 #include "qto/hosts/embedded/xlsx/package.hpp"
 
@@ -41,15 +40,16 @@ std::string_view remedy_for(EncryptionFault::Kind fault) noexcept {
 }
 
 /// The whole file. It may grow or shrink meanwhile; what there was is what counts.
-Bytes read_all(std::ifstream& content, const std::string& file) {
+Bytes read_all(std::ifstream& content, const std::string& file, std::uint64_t most_bytes) {
   Bytes bytes;
   std::array<char, 1 << 16> block;
   content.clear();
   content.seekg(0);
   while (content.read(block.data(), block.size()), content.gcount() > 0) {
-    if (bytes.size() > limits::encrypted_bytes)
+    if (bytes.size() > most_bytes)
       throw OpenFailure(OpenFailureKind::too_large, file, "", 0,
-                        "the encrypted workbook is larger than 1 GiB");
+                        "the encrypted workbook is too large",
+                        "The limit is encrypted-bytes=" + std::to_string(most_bytes));
     bytes.insert(bytes.end(), block.data(), block.data() + content.gcount());
   }
   return bytes;
@@ -97,14 +97,15 @@ void refuse_package(const Package& package) {
   std::abort();
 }
 
-std::optional<Bytes> read_encrypted_file(const std::string& file, std::string_view password) {
+std::optional<Bytes> read_encrypted_file(const std::string& file, std::string_view password,
+                                         const Limits& limits) {
   std::ifstream content(text::to_path(file), std::ios::binary);
   std::array<char, 8> head{};
   if (!content.read(head.data(), head.size())) return std::nullopt;
   const Bytes begin(head.begin(), head.end());
   if (!CompoundFile::is_one(begin)) return std::nullopt;
   try {
-    return decrypt_package(read_all(content, file), password);
+    return decrypt_package(read_all(content, file, limits.encrypted_bytes), password);
   } catch (const EncryptionFault& fault) {
     throw OpenFailure(kind_of(fault.kind), file, "", 0, fault.what(), remedy_for(fault.kind));
   }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "qto/hosts/embedded/encryption/bytes.hpp"
+#include "qto/hosts/embedded/xlsx/limits.hpp"
 
 namespace qto::embedded {
 
@@ -19,6 +20,7 @@ class Package;
 
 /// The package inside an encrypted workbook file; nothing when the file is no compound file and so
 /// cannot be one. Throws OpenFailure when it is one and cannot be read with that password.
-std::optional<Bytes> read_encrypted_file(const std::string& file, std::string_view password);
+std::optional<Bytes> read_encrypted_file(const std::string& file, std::string_view password,
+                                         const Limits& limits);
 
 }  // namespace qto::embedded

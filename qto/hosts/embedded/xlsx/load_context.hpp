@@ -20,17 +20,18 @@ struct CachedResults {
 struct LoadContext {
   Package& package;
   Book& book;
-  std::int64_t cell_memory;  ///< bytes that the cells may take
   FormulaIntern formulas;
   std::vector<TextId> strings;
   CachedResults results;
   /// Cells that got the formula of an array or data table so far; see limits.
   std::int64_t array_cells = 0;
-  /// Blocks that the cells of earlier sheets take.
+  /// Of the sheets read earlier: the cells, and the blocks that they take.
+  std::int64_t earlier_cells = 0;
   std::int64_t earlier_blocks = 0;
 
-  /// Throws OpenFailure when the cells read so far take too much memory.
-  void check_memory(const Sheet& sheet) const;
+  const Limits& limits() const noexcept { return package.limits(); }
+  /// Throws OpenFailure when there are too many cells or they take too much memory.
+  void check_cells(const Sheet& sheet) const;
 };
 
 }  // namespace qto::embedded

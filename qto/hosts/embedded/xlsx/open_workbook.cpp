@@ -68,9 +68,9 @@ class WorkbookReader {
 
 WorkbookReader::WorkbookReader(const std::string& file, const OpenOptions& options)
     : options_(options),
-      package_(file, options.password),
+      package_(file, options.password, options.limits),
       book_(std::make_unique<Book>()),
-      context_{package_, *book_, options.cell_memory, FormulaIntern(*book_), {}, {}, 0},
+      context_{package_, *book_, FormulaIntern(*book_), {}, {}, 0},
       pivots_(package_, folder_of(file)) {
   book_->name = text::from_path(text::to_path(file).filename());
   book_->path = folder_of(file);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "qto/hosts/embedded/book/book.hpp"
+#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/open_failure.hpp"
 
 namespace qto::embedded {
@@ -19,8 +20,8 @@ struct OpenOptions {
   bool keep_cached_values = true;
   /// Read only what the book links to: sheets come empty, names and styles not at all.
   bool links_only = false;
-  /// A book whose cells take more memory than this is refused as too large.
-  std::int64_t cell_memory = std::int64_t{4} << 30;
+  /// Beyond these a file is refused as too large.
+  Limits limits = {};
 };
 
 /// Reads a workbook (.xlsx, .xlsm, .xltx, .xltm; ECMA-376, transitional and strict), also an

@@ -7,7 +7,6 @@
 
 #include "qto/automation/file_path.hpp"
 #include "qto/hosts/embedded/xlsx/file_kind.hpp"
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/part_path.hpp"
 
 namespace qto::embedded {
@@ -27,21 +26,22 @@ bool climbs_out(std::string_view name) noexcept {
 
 }  // namespace
 
-Package::Package(std::string file, std::string_view password) : file_(std::move(file)) {
+Package::Package(std::string file, std::string_view password, const Limits& limits)
+    : file_(std::move(file)), limits_(limits) {
   std::uint64_t size = 0;
-  if (auto decrypted = read_encrypted_file(file_, password)) {
+  if (auto decrypted = read_encrypted_file(file_, password, limits_)) {
     decrypted_ = *std::move(decrypted);
     size = open_memory();
   } else {
     size = open_file();
   }
-  byte_limit_ = limits::inflate_allowance + limits::inflate_ratio * size;
+  byte_limit_ = limits_.inflated_bytes + limits_.inflate_ratio * size;
   index_parts();
 }
 
 std::uint64_t Package::open_file() {
   int error = 0;
-  archive_ = zip_open(file_.c_str(), ZIP_RDONLY, &error);
+  archive_.reset(zip_open(file_.c_str(), ZIP_RDONLY, &error));
   if (!archive_) refuse_file(file_, text_of_zip_error(error));
   std::error_code ignored;
   const std::uintmax_t size = std::filesystem::file_size(text::to_path(file_), ignored);
@@ -52,7 +52,7 @@ std::uint64_t Package::open_memory() {
   zip_error_t error;
   zip_error_init(&error);
   zip_source_t* source = zip_source_buffer_create(decrypted_.data(), decrypted_.size(), 0, &error);
-  if (source) archive_ = zip_open_from_source(source, ZIP_RDONLY, &error);
+  if (source) archive_.reset(zip_open_from_source(source, ZIP_RDONLY, &error));
   const std::string reason = archive_ ? "" : zip_error_strerror(&error);
   if (!archive_ && source) zip_source_free(source);
   zip_error_fini(&error);
@@ -62,16 +62,17 @@ std::uint64_t Package::open_memory() {
   return decrypted_.size();
 }
 
-Package::~Package() {
-  if (archive_) zip_discard(archive_);
-}
+void Package::Discard::operator()(zip* archive) const noexcept { zip_discard(archive); }
 
 void Package::index_parts() {
-  const zip_int64_t count = zip_get_num_entries(archive_, 0);
+  const zip_int64_t count = zip_get_num_entries(archive_.get(), 0);
+  if (static_cast<std::uint64_t>(count) > limits_.parts)
+    fail_beyond(&Limits::parts, "", "the zip container has too many parts");
   for (zip_int64_t n = 0; n < count; ++n) {
     zip_stat_t entry;
     const auto index = static_cast<zip_uint64_t>(n);
-    if (zip_stat_index(archive_, index, 0, &entry) != 0 || !(entry.valid & ZIP_STAT_NAME)) continue;
+    if (zip_stat_index(archive_.get(), index, 0, &entry) != 0 || !(entry.valid & ZIP_STAT_NAME))
+      continue;
     // Such names are no part names; taking them for what they resolve to would let one part
     // stand in for another.
     if (climbs_out(entry.name)) continue;
@@ -79,7 +80,7 @@ void Package::index_parts() {
     std::string name = entry.name;
     std::replace(name.begin(), name.end(), '\\', '/');
     parts_.push_back({std::move(name), index, entry.valid & ZIP_STAT_SIZE ? entry.size : 0});
-    total_size_ += std::min(parts_.back().size, limits::part_bytes);
+    total_size_ += std::min(parts_.back().size, limits_.part_bytes);
   }
 }
 
@@ -93,8 +94,8 @@ PartStream Package::open(const Part& part) { return PartStream(*this, part); }
 void Package::charge(const Part& part, std::uint64_t bytes) {
   bytes_read_ += bytes;
   if (bytes_read_ > byte_limit_)
-    fail(OpenFailureKind::too_large, part.name, 0,
-         "the parts inflate to more than a workbook of this file size can hold");
+    fail_beyond(&Limits::inflate_ratio, part.name,
+                "the parts inflate to more than a workbook of this file size can hold");
   if (progress_ && total_size_ > 0 && bytes > 0)
     progress_(std::min(1.0, static_cast<double>(bytes_read_) / static_cast<double>(total_size_)),
               progress_data_);
@@ -105,14 +106,22 @@ void Package::fail(OpenFailureKind kind, const std::string& part, long line,
   throw OpenFailure(kind, file_, part, line, reason, remedy);
 }
 
+void Package::fail_beyond(std::uint64_t Limits::*limit, const std::string& part,
+                          std::string_view reason) const {
+  const auto named = std::ranges::find(limit_names(), limit, &LimitName::value);
+  fail(OpenFailureKind::too_large, part, 0, reason,
+       "The limit is " + std::string(named->name) + "=" + std::to_string(limits_.*limit) +
+           "; it can be raised for a file that is trusted");
+}
+
 PartStream::PartStream(Package& package, const Package::Part& part)
     : package_(package), part_(part), left_(part.size) {
-  if (part.size > limits::part_bytes)
-    package.fail(OpenFailureKind::too_large, part.name, 0, "the part is larger than 4 GiB");
+  if (part.size > package.limits().part_bytes)
+    package.fail_beyond(&Limits::part_bytes, part.name, "the part is too large");
   if (package.bytes_read_ + part.size > package.byte_limit_) package.charge(part, part.size);
-  stream_ = zip_fopen_index(package.archive_, part.index, 0);
+  stream_ = zip_fopen_index(package.archive_.get(), part.index, 0);
   if (stream_) return;
-  const int code = zip_error_code_zip(zip_get_error(package.archive_));
+  const int code = zip_error_code_zip(zip_get_error(package.archive_.get()));
   if (code == ZIP_ER_NOPASSWD)
     package.fail(OpenFailureKind::encrypted, part.name, 0, "the part is encrypted");
   package.fail(OpenFailureKind::damaged, part.name, 0,

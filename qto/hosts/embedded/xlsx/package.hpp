@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "qto/hosts/embedded/encryption/bytes.hpp"
+#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/open_failure.hpp"
 
 struct zip;
@@ -23,8 +24,8 @@ class PartStream;
 class Package {
  public:
   /// Throws OpenFailure when the file is no readable zip container; says what it is instead.
-  explicit Package(std::string file, std::string_view password = {});
-  ~Package();
+  explicit Package(std::string file, std::string_view password = {},
+                   const Limits& limits = standard_limits);
   Package(const Package&) = delete;
   Package& operator=(const Package&) = delete;
 
@@ -35,6 +36,7 @@ class Package {
   };
 
   const std::string& file() const noexcept { return file_; }
+  const Limits& limits() const noexcept { return limits_; }
   /// The part of that name (any letter case, separator or percent-encoding), or null. Of several
   /// entries with one name it is always the first.
   const Part* find(std::string_view name) const;
@@ -50,6 +52,9 @@ class Package {
 
   [[noreturn]] void fail(OpenFailureKind kind, const std::string& part, long line,
                          std::string_view reason, std::string_view remedy = {}) const;
+  /// Refuses the file because of a limit.
+  [[noreturn]] void fail_beyond(std::uint64_t Limits::*limit, const std::string& part,
+                                std::string_view reason) const;
 
  private:
   friend class PartStream;
@@ -60,8 +65,12 @@ class Package {
   void charge(const Part& part, std::uint64_t bytes);
 
   std::string file_;
+  const Limits limits_;
   Bytes decrypted_;  ///< the container itself, when the file is encrypted
-  zip* archive_ = nullptr;
+  struct Discard {
+    void operator()(zip* archive) const noexcept;
+  };
+  std::unique_ptr<zip, Discard> archive_;
   std::vector<Part> parts_;
   std::unordered_map<std::string, std::size_t> part_by_key_;
   std::uint64_t total_size_ = 0;

@@ -55,6 +55,7 @@ SheetLinks read_sheet(LoadContext& context, const Package::Part& part, Sheet& sh
   SheetHandler handler(context, sheet, links);
   PartStream stream = context.package.open(part);
   read_xml(stream, handler);
+  context.earlier_cells += sheet.cells.cell_count();
   context.earlier_blocks += sheet.cells.block_count();
   return links;
 }

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "qto/hosts/embedded/formats/number_format.hpp"
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
@@ -61,7 +60,7 @@ class StylesHandler final : public XmlHandler {
 
  private:
   void start_format(const Attributes& attributes) {
-    if (formats_->size() >= limits::styles) return;
+    if (std::ssize(*formats_) >= most_styles) return;
     CellFormat format;
     format.number_format = attributes.whole_or("numFmtId", 0);
     format.base = attributes.whole_or("xfId", 0);

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "qto/automation/text.hpp"
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/protection.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
@@ -20,7 +19,7 @@ SheetVisibility visibility_of(std::string_view state) noexcept {
 
 class WorkbookHandler final : public XmlHandler {
  public:
-  explicit WorkbookHandler(WorkbookPart& into) : into_(into) {}
+  WorkbookHandler(WorkbookPart& into, const Limits& limits) : into_(into), limits_(limits) {}
 
   bool is_workbook() const noexcept { return is_workbook_; }
 
@@ -49,7 +48,11 @@ class WorkbookHandler final : public XmlHandler {
   void on_text(std::string_view text) override {
     if (!in_name_) return;
     std::string& refers_to = into_.names.back().refers_to;
-    if (refers_to.size() < limits::formula_bytes) refers_to.append(text);
+    refers_to.append(text);
+    if (refers_to.size() > limits_.formula_length)
+      throw XmlFault("the formula of a name is too long (formula-length=" +
+                         std::to_string(limits_.formula_length) + ")",
+                     OpenFailureKind::too_large);
   }
 
  private:
@@ -82,6 +85,7 @@ class WorkbookHandler final : public XmlHandler {
   }
 
   WorkbookPart& into_;
+  const Limits& limits_;
   bool is_workbook_ = false;
   bool seen_view_ = false;
   bool in_name_ = false;
@@ -91,13 +95,13 @@ class WorkbookHandler final : public XmlHandler {
 
 WorkbookPart read_workbook_part(Package& package, const Package::Part& part) {
   WorkbookPart workbook;
-  WorkbookHandler handler(workbook);
+  WorkbookHandler handler(workbook, package.limits());
   PartStream stream = package.open(part);
   read_xml(stream, handler);
   if (!handler.is_workbook())
     package.fail(OpenFailureKind::not_a_workbook, part.name, 0, "the part is no workbook");
-  if (workbook.sheets.size() > limits::sheets)
-    package.fail(OpenFailureKind::too_large, part.name, 0, "the workbook has too many sheets");
+  if (workbook.sheets.size() > package.limits().sheets)
+    package.fail_beyond(&Limits::sheets, part.name, "the workbook has too many sheets");
   return workbook;
 }
 

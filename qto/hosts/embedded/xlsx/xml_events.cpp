@@ -3,7 +3,6 @@
 #include <array>
 #include <utility>
 
-#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
 namespace qto::embedded {
@@ -31,8 +30,10 @@ Space space_of(std::string_view uri) {
 
 }  // namespace
 
-void XmlNames::enter(const char* const* attributes, int depth) {
+std::size_t XmlNames::enter(const char* const* attributes, int depth) {
+  std::size_t count = 0;
   for (; *attributes; attributes += 2) {
+    ++count;
     if (**attributes != 'x') continue;
     std::string_view name = *attributes;
     if (!name.starts_with("xmlns")) continue;
@@ -43,6 +44,7 @@ void XmlNames::enter(const char* const* attributes, int depth) {
     bindings_.push_back({std::string(name), space, depth});
     if (name.empty()) default_ = space;
   }
+  return count;
 }
 
 void XmlNames::drop() {
@@ -92,8 +94,14 @@ std::string_view Attributes::relationship(std::string_view name) const noexcept 
 }
 
 void XmlEvents::start(std::string_view name, const char* const* attributes) {
-  if (++depth_ > limits::element_depth) throw XmlFault("elements are nested too deeply");
-  names_.enter(attributes, depth_);
+  if (static_cast<std::uint64_t>(++depth_) > limits_.xml_depth)
+    throw XmlFault(
+        "elements are nested too deeply (xml-depth=" + std::to_string(limits_.xml_depth) + ")",
+        OpenFailureKind::too_large);
+  if (names_.enter(attributes, depth_) > limits_.xml_attributes)
+    throw XmlFault("an element has too many attributes (xml-attributes=" +
+                       std::to_string(limits_.xml_attributes) + ")",
+                   OpenFailureKind::too_large);
   if (skipping_ != 0) return;
   const Space space = names_.resolve(name);
   if (space == Space::compatibility && name == "Choice") {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "qto/hosts/embedded/xlsx/limits.hpp"
 #include "qto/hosts/embedded/xlsx/open_failure.hpp"
 
 namespace qto::embedded {
@@ -26,8 +27,9 @@ enum class Space : std::uint8_t {
 /// The namespace declarations in force while a part is read.
 class XmlNames {
  public:
-  /// Takes the declarations among an element's attributes (name, value, ..., null).
-  void enter(const char* const* attributes, int depth);
+  /// Takes the declarations among an element's attributes (name, value, ..., null), and counts
+  /// the attributes.
+  std::size_t enter(const char* const* attributes, int depth);
   /// Drops what the element of that depth declared.
   void leave(int depth) {
     while (!bindings_.empty() && bindings_.back().depth == depth) drop();
@@ -103,7 +105,9 @@ class XmlHandler {
 /// contents, and bounds the depth.
 class XmlEvents {
  public:
-  explicit XmlEvents(XmlHandler& handler) : handler_(handler) {}
+  explicit XmlEvents(XmlHandler& handler, const Limits& limits = standard_limits)
+      : handler_(handler), limits_(limits) {}
+  const Limits& limits() const noexcept { return limits_; }
 
   /// `attributes`: names and values in turn, ended by a null.
   void start(std::string_view name, const char* const* attributes);
@@ -114,6 +118,7 @@ class XmlEvents {
 
  private:
   XmlHandler& handler_;
+  const Limits& limits_;
   XmlNames names_;
   int depth_ = 0;
   int skipping_ = 0;  ///< depth of the element whose content is passed over, 0 for none

@@ -125,7 +125,7 @@ std::string_view PartReader::next() {
 }  // namespace
 
 void read_xml(PartStream& stream, XmlHandler& handler) {
-  XmlEvents events(handler);
+  XmlEvents events(handler, stream.package().limits());
   XmlTokenizer tokenizer(events);
   PartReader reader(stream);
   try {

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <new>
 
-#include "qto/hosts/embedded/xlsx/limits.hpp"
-
 namespace qto::embedded {
 
 struct ExpatTokenizer::Callbacks {
@@ -59,7 +57,8 @@ void ExpatTokenizer::feed(std::string_view bytes) {
   if (XML_Parse(parser_.get(), bytes.data(), static_cast<int>(bytes.size()), bytes.empty()) !=
       XML_STATUS_OK)
     fail();
-  if (fed_ - XML_GetCurrentByteIndex(parser_.get()) > limits::token_bytes)
+  const std::int64_t unread = fed_ - XML_GetCurrentByteIndex(parser_.get());
+  if (static_cast<std::uint64_t>(unread) > events_.limits().xml_tag_bytes)
     throw XmlFault("a tag or comment is too long", OpenFailureKind::too_large);
 }
 
