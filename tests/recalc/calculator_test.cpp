@@ -165,6 +165,49 @@ TEST_F(CalculatorTest, CyclesGiveZero) {
   EXPECT_EQ(book_.shown("D1"), "0");
 }
 
+TEST_F(CalculatorTest, CirclesInBranchesThatAreNotTakenAreNone) {
+  book_.formula("A1", "IF(C1,B1,10)");
+  book_.formula("B1", "IF(C1,20,A1)+D1");
+  book_.formula("D1", "IF(C1,1,A1)");
+  book_.array("E1:E2", "IF(C1,E2,A1)");
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "10");
+  EXPECT_EQ(book_.shown("B1"), "20");
+  EXPECT_EQ(book_.shown("E2"), "10");
+  book_.value("C1", true);
+  calculate();
+  EXPECT_EQ(book_.shown("A1"), "21");
+  EXPECT_EQ(book_.shown("B1"), "21");
+  EXPECT_EQ(book_.shown("E1"), "0");
+  book_.value("C1", 0.0);
+  calculate();
+  EXPECT_EQ(book_.shown("B1"), "20");
+  EXPECT_EQ(book_.shown("E1"), "10");
+}
+
+TEST_F(CalculatorTest, IteratesCircularCells) {
+  book_.book.iteration = {true, 50, 1e-9};
+  // Interest on the average of a balance that holds the interest.
+  book_.value("A1", 1000.0);
+  book_.formula("A2", "A1+A3");
+  book_.formula("A3", "AVERAGE(A1,A2)*0.1");
+  book_.formula("A4", "ROUND(A3,4)");
+  book_.formula("B1", "B1+1");
+  book_.formula("C1", "IF(C2<3,C1,D1)&\"x\"");
+  book_.formula("C2", "C2+1");
+  book_.formula("D1", "\"d\"&D2");
+  book_.formula("D2", "5");
+  calculate();
+  EXPECT_EQ(book_.shown("A4"), "105.2632");
+  EXPECT_EQ(book_.shown("B1"), "50");
+  EXPECT_EQ(book_.shown("C1"), "d5x");
+  EXPECT_EQ(book_.shown("C2"), "50");
+  book_.value("A1", 2000.0);
+  calculate();
+  EXPECT_EQ(book_.shown("A4"), "210.5263");
+  EXPECT_EQ(book_.shown("B1"), "50");
+}
+
 TEST_F(CalculatorTest, RememberedValuesOfCyclesStandUntilSomethingThereChanges) {
   book_.formula("A1", "A2+B1");
   book_.formula("A2", "A1");

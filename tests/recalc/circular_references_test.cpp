@@ -65,12 +65,29 @@ TEST(CircularReferencesTest, Scenarios) {
       {{{"A5", "SUMPRODUCT(B:B*2)"}, {"B6", "SUMPRODUCT(A:A+1)"}}, "Sheet1!A5"},
       {{{"C5", "B:B 5:5"}}, ""},
       {{{"B5", "B:B 5:5"}}, "Sheet1!B5"},
-      {{{"A1", "IF(B1,A1,0)"}}, "Sheet1!A1"},
+      // Only the branch that is taken is read, and a condition in any case.
+      {{{"A1", "IF(B1,A1,0)"}}, ""},
+      {{{"A1", "IF(B1,0,A1)"}}, "Sheet1!A1"},
+      {{{"A1", "IF(A1,0,0)"}}, "Sheet1!A1"},
+      {{{"E64", "IFERROR(INDEX(H1:H9,2),AVERAGE(D64,F64))"},
+        {"F64", "IFERROR(INDEX(H1:H9,3),AVERAGE(E64,G64))"}},
+       ""},
+      {{{"E64", "IFERROR(NA(),AVERAGE(D64,F64))"}, {"F64", "IFERROR(NA(),AVERAGE(E64,G64))"}},
+       "Sheet1!E64"},
+      {{{"A1", "IFNA(1,A1)+IFS(TRUE,2,A1,3)+SWITCH(1,1,5,A1)+CHOOSE(2,A1,3)"}}, ""},
+      {{{"A1", "IFS(FALSE,2,A1,3)"}}, "Sheet1!A1"},
+      {{{"A1", "SWITCH(1,2,5,A1)"}}, "Sheet1!A1"},
+      {{{"A1", "CHOOSE(1,A1,3)"}}, "Sheet1!A1"},
+      {{{"A1", "XLOOKUP(1,{1,2},D1:E1,A1)"}}, ""},
+      {{{"A1", "XLOOKUP(7,C1:C2,D1:D2,A1)"}}, "Sheet1!A1"},
+      {{{"A1", "LET(x,A1,IF(FALSE,x,1))"}}, ""},
+      {{{"A1", "LET(x,A1,IF(TRUE,x,1))"}}, "Sheet1!A1"},
       {{{"A1", "SUMIF(B1:B9,1,A9)"}, {"A8", "1"}}, ""},
       {{{"A12", "SUMIF(B1:B9,1,A5)"}}, "Sheet1!A12"},
       {{{"A1", "LET(x,B1,x+A2)"}, {"A2", "A1"}}, "Sheet1!A1"},
       {{{"A1", "SUM(A2#)"}, {"A2", "A1"}}, "Sheet1!A1"},
       {{{"A1", "(A2:A3,B1)"}, {"B1", "A1"}}, "Sheet1!A1"},
+      {{{"A1", "SUMPRODUCT(IF({1,0},C1:D1,A1:B1))"}}, "Sheet1!A1"},
       // A lookup reads its keys and one cell.
       {{{"B2", "VLOOKUP(1,A1:C9,3)"}, {"A1", "1"}}, ""},
       {{{"C2", "VLOOKUP(1,A1:C9,3)"}, {"A1", "1"}}, ""},
@@ -97,6 +114,26 @@ TEST(CircularReferencesTest, WhatALookupReadsDependsOnTheValues) {
   EXPECT_EQ(circular(book.book), "Sheet1!C2");
   book.book.find_sheet("Sheet1")->cells.set_formula({2, 3}, 0);
   EXPECT_EQ(circular(book.book), "Sheet1!D2");
+}
+
+TEST(CircularReferencesTest, ABranchLedToByACalculatedCondition) {
+  TextBook book;
+  book.formula("A1", "IF(C1>10,B1,1)");
+  book.formula("B1", "IF(C1>10,2,A1)");
+  book.value("C1", 20.0);
+  EXPECT_EQ(circular(book.book), "");
+  book.formula("B1", "A1");
+  EXPECT_EQ(circular(book.book), "Sheet1!A1");
+  book.value("C1", 5.0);
+  EXPECT_EQ(circular(book.book), "");
+}
+
+TEST(CircularReferencesTest, ABookThatIteratesHasNone) {
+  TextBook book;
+  book.formula("A1", "A1+1");
+  EXPECT_EQ(circular(book.book), "Sheet1!A1");
+  book.book.iteration.on = true;
+  EXPECT_EQ(circular(book.book), "");
 }
 
 TEST(CircularReferencesTest, ThroughNames) {
@@ -160,6 +197,17 @@ TEST(CircularReferencesTest, LongChainNeedsNoMachineStack) {
   for (std::int32_t row = 1; row < length; ++row) sheet.cells.set_formula({row, 1}, next);
   EXPECT_EQ(circular(book.book), "");
   sheet.cells.set_formula({length, 1}, book.formulas.intern("A77", {length, 1}));
+  EXPECT_EQ(circular(book.book), "Sheet1!A77");
+}
+
+TEST(CircularReferencesTest, LongChainOfBranchesNeedsNoMachineStack) {
+  TextBook book;
+  constexpr std::int32_t length = 20'000;
+  Sheet& sheet = *book.book.find_sheet("Sheet1");
+  const FormulaId next = book.formulas.intern("IF($B$1=0,A2,$A$1)", {1, 1});
+  for (std::int32_t row = 1; row < length; ++row) sheet.cells.set_formula({row, 1}, next);
+  EXPECT_EQ(circular(book.book), "");
+  sheet.cells.set_formula({length, 1}, book.formulas.intern("IF($B$1=0,A77,1)", {length, 1}));
   EXPECT_EQ(circular(book.book), "Sheet1!A77");
 }
 

@@ -161,5 +161,24 @@ TEST(CachedResults, StandThoughTheFileAsksForCalculation) {
   EXPECT_FALSE(book->needs_calculation());
 }
 
+TEST(Iteration, AsTheFileAsksForIt) {
+  const auto iteration = [](const std::string& calculation) {
+    BookFile file;
+    file.workbook("<sheets><sheet name='Sheet1' sheetId='1' r:id='r1'/></sheets>" + calculation,
+                  {"worksheet"});
+    return file.cells("").open()->iteration;
+  };
+  EXPECT_FALSE(iteration("").on);
+  EXPECT_FALSE(iteration("<calcPr iterateCount='7'/>").on);
+  const auto usual = iteration("<calcPr iterate='1'/>");
+  EXPECT_TRUE(usual.on);
+  EXPECT_EQ(usual.count, 100);
+  EXPECT_EQ(usual.change, 0.001);
+  const auto own = iteration("<calcPr iterate='1' iterateCount='7' iterateDelta='1E-4'/>");
+  EXPECT_EQ(own.count, 7);
+  EXPECT_EQ(own.change, 1e-4);
+  EXPECT_EQ(iteration("<calcPr iterate='1' iterateCount='-5'/>").count, 1);
+}
+
 }  // namespace
 }  // namespace qto::test

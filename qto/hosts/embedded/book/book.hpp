@@ -24,6 +24,13 @@ struct CellAddress {
   bool operator==(const CellAddress&) const = default;
 };
 
+/// How circular formulas are calculated.
+struct Iteration {
+  bool on = false;        ///< off: their cells are 0
+  int count = 100;        ///< rounds at most
+  double change = 0.001;  ///< a round in which every number changes by less is the last
+};
+
 /// A workbook in memory: sheets, names, tables, styles, texts and formulas.
 class Book {
  public:
@@ -36,6 +43,7 @@ class Book {
   std::string path;
   bool date1904 = false;
   bool accept_labels = false;
+  Iteration iteration;
   SheetProtection structure;  ///< against adding, removing, renaming and hiding sheets
   /// Position, from 0, of the sheet that was in front when the file was saved.
   std::size_t active_sheet = 0;

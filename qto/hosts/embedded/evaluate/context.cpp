@@ -28,8 +28,8 @@ bool holds_no_formulas(const Sheet& sheet) noexcept {
   return sheet.cells.formula_count() == 0 && sheet.large_blocks().empty();
 }
 
-void Context::begin(const Frame& frame) {
-  frame_ = frame;
+void Context::begin(const FormulaPlace& place) {
+  place_ = place;
   gave_up_ = false;
   const double now = environment_.now();
   const int day = now >= 0 && now < 2958466 ? static_cast<int>(now) : 0;
@@ -41,7 +41,7 @@ void Context::begin(const Frame& frame) {
 
 double Context::now() const noexcept {
   const double now = environment_.now();
-  return frame_.book->date1904 ? now - days_to_1904 : now;
+  return place_.book->date1904 ? now - days_to_1904 : now;
 }
 
 bool Context::ready(const Area& area) {

@@ -14,7 +14,7 @@ namespace qto::embedded {
 inline constexpr std::int64_t max_array_elements = std::int64_t{1} << 23;
 
 /// Where the formula stands that is being evaluated.
-struct Frame {
+struct FormulaPlace {
   Book* book = nullptr;
   Sheet* sheet = nullptr;
   CellPos at;
@@ -30,10 +30,10 @@ class Context {
   virtual ~Context() = default;
 
   Environment& environment() const noexcept { return environment_; }
-  const Frame& frame() const noexcept { return frame_; }
-  Book& book() const noexcept { return *frame_.book; }
-  CellPos at() const noexcept { return frame_.at; }
-  DateSettings dates() const noexcept { return {frame_.book->date1904, current_year_}; }
+  const FormulaPlace& place() const noexcept { return place_; }
+  Book& book() const noexcept { return *place_.book; }
+  CellPos at() const noexcept { return place_.at; }
+  DateSettings dates() const noexcept { return {place_.book->date1904, current_year_}; }
   /// The moment of calculation in the book's date system.
   double now() const noexcept;
 
@@ -61,9 +61,9 @@ class Context {
   Area spill_of(const Area& cell) const;
 
  protected:
-  void begin(const Frame& frame);
+  void begin(const FormulaPlace& place);
 
-  Frame frame_;
+  FormulaPlace place_;
 
  private:
   Environment& environment_;

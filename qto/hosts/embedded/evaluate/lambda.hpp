@@ -23,7 +23,7 @@ class Lambda final : public Object {
   std::vector<std::string> parameters;
   const formula::SyntaxTree* tree = nullptr;
   formula::NodeIndex body = formula::no_node;
-  Frame frame;
+  FormulaPlace place;
   std::vector<LocalName> seen;
   bool array = false;
 };

@@ -39,7 +39,7 @@ Operand union_of(const Operand& left, const Operand& right) {
 }
 
 /// The rows of a table that the items of a structured reference name.
-Outcome<Rect> rows_of(const Table& table, unsigned items, const Frame& frame) {
+Outcome<Rect> rows_of(const Table& table, unsigned items, const FormulaPlace& place) {
   if (items == 0) items = formula::StructuredRef::data;
   std::optional<Rect> rows;
   const auto take = [&](const std::optional<Rect>& part) {
@@ -51,9 +51,9 @@ Outcome<Rect> rows_of(const Table& table, unsigned items, const Frame& frame) {
   if (items & formula::StructuredRef::totals) take(table.totals());
   if (items & formula::StructuredRef::this_row) {
     const auto data = table.data();
-    if (!data || frame.at.row < data->first.row || frame.at.row > data->last.row)
+    if (!data || place.at.row < data->first.row || place.at.row > data->last.row)
       return ErrorValue::value;
-    take(Rect{{frame.at.row, data->first.column}, {frame.at.row, data->last.column}});
+    take(Rect{{place.at.row, data->first.column}, {place.at.row, data->last.column}});
   }
   if (!rows) return ErrorValue::ref;
   return *rows;
@@ -79,23 +79,25 @@ Book* ReferenceResolver::linked_book(const Book& owner, std::uint32_t index) {
   return &closed_.stand_in(owner, index);
 }
 
-Book* ReferenceResolver::book_of(const formula::SheetQualifier& qualifier, const Frame& frame) {
-  if (qualifier.external > 0) return linked_book(*frame.book, qualifier.external - 1);
-  if (qualifier.book.empty()) return frame.book;
+Book* ReferenceResolver::book_of(const formula::SheetQualifier& qualifier,
+                                 const FormulaPlace& place) {
+  if (qualifier.external > 0) return linked_book(*place.book, qualifier.external - 1);
+  if (qualifier.book.empty()) return place.book;
   if (Book* open = environment_.find_open_book(qualifier.book)) return open;
-  if (text::equal_fold(qualifier.book, frame.book->name)) return frame.book;
-  const auto& externals = frame.book->externals;
+  if (text::equal_fold(qualifier.book, place.book->name)) return place.book;
+  const auto& externals = place.book->externals;
   for (std::uint32_t i = 0; i < externals.size(); ++i)
-    if (text::equal_fold(externals[i].name, qualifier.book)) return linked_book(*frame.book, i);
+    if (text::equal_fold(externals[i].name, qualifier.book)) return linked_book(*place.book, i);
   return nullptr;
 }
 
 Operand ReferenceResolver::area(const formula::AreaRef& area,
-                                const formula::SheetQualifier& qualifier, const Frame& frame) {
-  const Rect rect = area.resolve(frame.at);
-  if (!qualifier.present()) return Area{frame.sheet, rect};
+                                const formula::SheetQualifier& qualifier,
+                                const FormulaPlace& place) {
+  const Rect rect = area.resolve(place.at);
+  if (!qualifier.present()) return Area{place.sheet, rect};
   if (qualifier.broken) return ErrorValue::ref;
-  Book* book = book_of(qualifier, frame);
+  Book* book = book_of(qualifier, place);
   if (!book) return ErrorValue::ref;
   if (!qualifier.last_sheet.empty()) return span(qualifier, *book, rect);
   if (qualifier.sheet.empty()) return ErrorValue::ref;
@@ -127,13 +129,13 @@ Operand ReferenceResolver::table_data(const Table& table, const Book& book) {
 
 Operand ReferenceResolver::structured(const formula::StructuredRef& reference,
                                       const formula::SheetQualifier& qualifier,
-                                      const Frame& frame) {
-  const Book* book = book_of(qualifier, frame);
+                                      const FormulaPlace& place) {
+  const Book* book = book_of(qualifier, place);
   if (!book) return ErrorValue::ref;
-  const Table* table = reference.table.empty() ? book->table_at(*frame.sheet, frame.at)
+  const Table* table = reference.table.empty() ? book->table_at(*place.sheet, place.at)
                                                : book->find_table(reference.table);
   if (!table || !table->sheet) return ErrorValue::ref;
-  const auto rows = rows_of(*table, reference.items, frame);
+  const auto rows = rows_of(*table, reference.items, place);
   if (!rows) return rows.error();
   Rect rect = *rows;
   if (!reference.first_column.empty()) {

@@ -19,11 +19,11 @@ class ReferenceResolver {
   bool is_closed(const Book& book) const noexcept { return closed_.contains(book); }
 
   /// The book that a qualifier names; null when there is none.
-  Book* book_of(const formula::SheetQualifier& qualifier, const Frame& frame);
+  Book* book_of(const formula::SheetQualifier& qualifier, const FormulaPlace& place);
   Operand area(const formula::AreaRef& area, const formula::SheetQualifier& qualifier,
-               const Frame& frame);
+               const FormulaPlace& place);
   Operand structured(const formula::StructuredRef& reference,
-                     const formula::SheetQualifier& qualifier, const Frame& frame);
+                     const formula::SheetQualifier& qualifier, const FormulaPlace& place);
   /// The data of a whole table.
   Operand table_data(const Table& table, const Book& book);
 

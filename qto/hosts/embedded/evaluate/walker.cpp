@@ -45,9 +45,10 @@ Variant snapped(formula::Operator op, const ValueView& left, const ValueView& ri
 
 }  // namespace
 
-Operand Walker::walk(const formula::SyntaxTree& tree, const Frame& frame, bool array, bool snap) {
-  begin(frame);
-  resolver_.begin(*frame.book);
+Operand Walker::walk(const formula::SyntaxTree& tree, const FormulaPlace& place, bool array,
+                     bool snap) {
+  begin(place);
+  resolver_.begin(*place.book);
   tree_ = &tree;
   locals_.clear();
   visible_locals_ = 0;
@@ -87,12 +88,12 @@ Operand Walker::evaluate_node(const formula::Node& node, formula::NodeIndex inde
     case formula::NodeKind::missing:
       return {};
     case formula::NodeKind::area:
-      return resolver_.area(tree_->areas[node.payload], tree_->qualifiers[node.qualifier], frame_);
+      return resolver_.area(tree_->areas[node.payload], tree_->qualifiers[node.qualifier], place_);
     case formula::NodeKind::name:
       return name(node);
     case formula::NodeKind::structured:
       return resolver_.structured(tree_->structured[node.payload],
-                                  tree_->qualifiers[node.qualifier], frame_);
+                                  tree_->qualifiers[node.qualifier], place_);
     case formula::NodeKind::array:
       return tree_->arrays[node.payload];
     case formula::NodeKind::unary:
@@ -212,7 +213,7 @@ Operand Walker::function_value(std::vector<std::string> parameters, formula::Nod
   function->parameters = std::move(parameters);
   function->tree = tree_;
   function->body = body;
-  function->frame = frame_;
+  function->place = place_;
   function->seen.assign(locals_.begin() + static_cast<std::ptrdiff_t>(visible_locals_),
                         locals_.end());
   function->array = array;
@@ -229,7 +230,7 @@ Operand Walker::apply(const Operand& function, std::span<const Operand> argument
     return ErrorValue::num;
   }
   const Deeper inside(calls_inside_);
-  const Frame outer_frame = std::exchange(frame_, lambda->frame);
+  const FormulaPlace outer_place = std::exchange(place_, lambda->place);
   const formula::SyntaxTree* outer_tree = std::exchange(tree_, lambda->tree);
   const std::size_t outside = locals_.size();
   const std::size_t outer_locals = std::exchange(visible_locals_, outside);
@@ -238,7 +239,7 @@ Operand Walker::apply(const Operand& function, std::span<const Operand> argument
   for (std::size_t i = 0; i < arguments.size(); ++i) bind(lambda->parameters[i], arguments[i]);
   Operand result = evaluate(lambda->body, lambda->array);
   leave_scope(outside);
-  frame_ = outer_frame;
+  place_ = outer_place;
   tree_ = outer_tree;
   visible_locals_ = outer_locals;
   snap_ = outer_snap;
@@ -259,9 +260,9 @@ Operand Walker::name(const formula::Node& node) {
 
 Operand Walker::defined_name(std::string_view name, const formula::SheetQualifier& qualifier) {
   if (qualifier.broken) return ErrorValue::ref;
-  Book* book = resolver_.book_of(qualifier, frame_);
+  Book* book = resolver_.book_of(qualifier, place_);
   if (!book) return ErrorValue::ref;
-  Sheet* sheet = book == frame_.book ? frame_.sheet : nullptr;
+  Sheet* sheet = book == place_.book ? place_.sheet : nullptr;
   if (!qualifier.sheet.empty()) {
     sheet = book->find_sheet(qualifier.sheet);
     if (!sheet) return ErrorValue::ref;
@@ -272,31 +273,31 @@ Operand Walker::defined_name(std::string_view name, const formula::SheetQualifie
     return ErrorValue::name;
   }
   if (!sheet && !book->sheets().empty()) sheet = book->sheets().front().get();
-  return named_value(*found, {book, sheet, frame_.at});
+  return named_value(*found, {book, sheet, place_.at});
 }
 
 /// Names of names of names would be evaluated over and over: each is once in a formula, unless its
 /// value moves or could not be found out where it was asked for.
-Operand Walker::named_value(const DefinedName& name, const Frame& frame) {
-  const std::pair<const DefinedName*, const Sheet*> key(&name, frame.sheet);
+Operand Walker::named_value(const DefinedName& name, const FormulaPlace& place) {
+  const std::pair<const DefinedName*, const Sheet*> key(&name, place.sheet);
   for (const auto& [known, value] : named_)
     if (known == key) return value;
-  Operand value = in_frame(*name.refers_to, frame);
+  Operand value = evaluate_at(*name.refers_to, place);
   if (!volatile_ && !too_deep_ && !gave_up()) named_.emplace_back(key, value);
   return value;
 }
 
-Operand Walker::in_frame(const CompiledFormula& formula, const Frame& frame) {
+Operand Walker::evaluate_at(const CompiledFormula& formula, const FormulaPlace& place) {
   const formula::SyntaxTree* tree = formula.tree();
   if (!tree || tree->root == formula::no_node) return ErrorValue::name;
-  if (!frame.sheet) return ErrorValue::ref;
-  const Frame outer_frame = std::exchange(frame_, frame);
+  if (!place.sheet) return ErrorValue::ref;
+  const FormulaPlace outer_place = std::exchange(place_, place);
   const formula::SyntaxTree* outer_tree = std::exchange(tree_, tree);
   const std::size_t outer_locals = std::exchange(visible_locals_, locals_.size());
   const bool outer_snap = std::exchange(snap_, false);
   // Names calculate as array formulas do.
   Operand result = evaluate(tree->root, true);
-  frame_ = outer_frame;
+  place_ = outer_place;
   tree_ = outer_tree;
   visible_locals_ = outer_locals;
   snap_ = outer_snap;
@@ -304,7 +305,7 @@ Operand Walker::in_frame(const CompiledFormula& formula, const Frame& frame) {
 }
 
 Operand Walker::reference_of(std::string_view text) {
-  const auto formula = CompiledFormula::compile(text, frame_.at);
+  const auto formula = CompiledFormula::compile(text, place_.at);
   const formula::SyntaxTree* tree = formula->tree();
   if (!tree || tree->root == formula::no_node) return ErrorValue::ref;
   const formula::NodeKind kind = tree->at(tree->root).kind;
@@ -312,7 +313,7 @@ Operand Walker::reference_of(std::string_view text) {
       kind != formula::NodeKind::structured && kind != formula::NodeKind::binary &&
       kind != formula::NodeKind::unary)
     return ErrorValue::ref;
-  Operand result = in_frame(*formula, frame_);
+  Operand result = evaluate_at(*formula, place_);
   return result.is_reference() ? result : Operand(ErrorValue::ref);
 }
 

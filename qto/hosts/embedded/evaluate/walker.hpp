@@ -18,7 +18,7 @@ class Walker : public Context {
       : Context(environment), functions_(functions), resolver_(environment) {}
 
   /// Starts afresh and gives what the tree evaluates to, references kept.
-  Operand walk(const formula::SyntaxTree& tree, const Frame& frame, bool array, bool snap);
+  Operand walk(const formula::SyntaxTree& tree, const FormulaPlace& place, bool array, bool snap);
   bool was_volatile() const noexcept { return volatile_; }
   bool is_closed(const Book& book) const noexcept { return resolver_.is_closed(book); }
 
@@ -46,8 +46,8 @@ class Walker : public Context {
   const Operand* local(std::string_view name) const;
   Operand name(const formula::Node& node);
   Operand defined_name(std::string_view name, const formula::SheetQualifier& qualifier);
-  Operand named_value(const DefinedName& name, const Frame& frame);
-  Operand in_frame(const CompiledFormula& formula, const Frame& frame);
+  Operand named_value(const DefinedName& name, const FormulaPlace& place);
+  Operand evaluate_at(const CompiledFormula& formula, const FormulaPlace& place);
 
   const FunctionTable& functions_;
   ReferenceResolver resolver_;

@@ -78,7 +78,7 @@ std::string file_name(const Sheet& sheet) {
 
 Operand fn_cell(Call& call) {
   Context& context = call.context();
-  Area area{context.frame().sheet, Rect::cell(context.at())};
+  Area area{context.place().sheet, Rect::cell(context.at())};
   if (call.given(1)) {
     if (call[1].areas().size() != 1) return ErrorValue::value;
     area = call[1].areas().front();
@@ -89,7 +89,7 @@ Operand fn_cell(Call& call) {
   if (what == "COL") return static_cast<double>(pos.column);
   if (what == "ADDRESS") {
     std::string address;
-    if (area.sheet != context.frame().sheet) {
+    if (area.sheet != context.place().sheet) {
       append_sheet_name(address, area.sheet->name);
       address += '!';
     }

@@ -84,7 +84,7 @@ Operand fn_error_type(Call& call) {
 }
 
 Operand fn_sheet(Call& call) {
-  const Sheet* sheet = call.context().frame().sheet;
+  const Sheet* sheet = call.context().place().sheet;
   if (call.given(0)) {
     if (call[0].is_reference()) {
       sheet = call[0].areas().front().sheet;

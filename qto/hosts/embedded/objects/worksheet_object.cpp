@@ -105,7 +105,8 @@ Ref<host::DefinedName> WorksheetObject::AddName(std::string_view name, std::stri
 
 Ref<host::Range> WorksheetObject::CircularReference() const {
   OpenBook& book = open();
-  const auto cell = book.circles.of(book.book()).first_on(sheet());
+  const auto calculate = [&] { book.application().ensure_calculated(); };
+  const auto cell = book.circles.of(book.book(), calculate).first_on(sheet());
   return cell ? Cells(cell->row, cell->column) : nullptr;
 }
 

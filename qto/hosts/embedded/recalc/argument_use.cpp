@@ -69,4 +69,24 @@ bool hands_on(SpecialFunction function, int argument, int count) noexcept {
   }
 }
 
+bool is_conditional(SpecialFunction function, int argument, int count) noexcept {
+  switch (function) {
+    case SpecialFunction::choice:
+    case SpecialFunction::condition:
+    case SpecialFunction::conditions:
+    case SpecialFunction::catch_error:
+      return argument >= 1;
+    case SpecialFunction::selection:
+      return argument >= 2;
+    case SpecialFunction::result_vector:
+      return argument >= 3;  // what stands in for a value that is not found
+    case SpecialFunction::bind_names:
+      return argument < count - 1;
+    case SpecialFunction::lambda:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace qto::embedded

@@ -39,4 +39,8 @@ SpecialFunction special_function(std::string_view name) noexcept;
 /// True for an argument, counted from 0, whose reference is the function's own result.
 bool hands_on(SpecialFunction function, int argument, int count) noexcept;
 
+/// True for an argument, counted from 0, that is evaluated only where the ones before it, or the
+/// use of a name, ask for it.
+bool is_conditional(SpecialFunction function, int argument, int count) noexcept;
+
 }  // namespace qto::embedded

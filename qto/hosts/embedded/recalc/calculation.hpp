@@ -20,7 +20,11 @@ class Calculation final : private ComponentVisitor, private Environment {
 
  private:
   void settle(const FormulaNode& node, std::vector<Area>& waits) override;
-  void cycle(std::span<const FormulaNode> nodes) override;
+  void cycle(std::span<const FormulaNode> nodes, std::vector<Area>& waits) override;
+  void iterate(std::vector<FormulaNode> nodes, const Iteration& iteration,
+               std::vector<Area>& waits);
+  /// Evaluates and stores; false when the node has to wait for unsettled_.
+  bool evaluate(const FormulaNode& node);
 
   bool ready(const Area& area) override;
   Book* find_open_book(std::string_view name) const override { return open_.find(name); }
@@ -32,6 +36,7 @@ class Calculation final : private ComponentVisitor, private Environment {
   bool must_evaluate(const FormulaNode& node);
   bool reads_a_change(const FormulaNode& node);
   bool keeps_value(const FormulaNode& node);
+  Variant value_of(const FormulaNode& node) const;
   void store(const FormulaNode& node, const Variant& result);
 
   const OpenBooks& open_;

@@ -9,11 +9,11 @@
 namespace qto::embedded {
 namespace {
 
-/// The cells that would lie on a cycle if formulas read all that they watch.
+/// The cells that would lie on a cycle if formulas read all that they may read.
 class Suspects : public ComponentVisitor {
  public:
   explicit Suspects(FormulaGraph& graph) : graph_(graph), cells_(graph) {
-    ComponentSearch(graph, *this, FormulaSelection::everything(), WatchedItems::read).run();
+    ComponentSearch(graph, *this, FormulaSelection::everything(), Reads::possible).run();
   }
 
   bool none() const noexcept { return cells_.none(); }
@@ -24,7 +24,7 @@ class Suspects : public ComponentVisitor {
 
  private:
   void settle(const FormulaNode&, std::vector<Area>&) override {}
-  void cycle(std::span<const FormulaNode> nodes) override {
+  void cycle(std::span<const FormulaNode> nodes, std::vector<Area>&) override {
     for (const FormulaNode& node : nodes) {
       cells_.add({&graph_.sheet(node.sheet), Rect::cell(node.at)});
       formulas_.add(node);
@@ -36,7 +36,7 @@ class Suspects : public ComponentVisitor {
   FormulaSelection formulas_;
 };
 
-/// Collects the cycles. What a suspect reads of the cells that it watches turns out in evaluation.
+/// Collects the cycles. What a suspect reads of all that it may read turns out in evaluation.
 class CycleCollector : public ComponentVisitor {
  public:
   CycleCollector(FormulaGraph& graph, const Suspects& suspects,
@@ -46,15 +46,15 @@ class CycleCollector : public ComponentVisitor {
  private:
   void settle(const FormulaNode& node, std::vector<Area>& waits) override {
     const std::vector<Precedent>& items = graph_.precedents(node).items;
-    const auto watched = [](const Precedent& item) { return item.watched_only; };
-    if (std::none_of(items.begin(), items.end(), watched) || !suspects_.contain(node)) return;
+    if (std::ranges::none_of(items, &Precedent::depends_on_values) || !suspects_.contain(node))
+      return;
     const Area cell{&graph_.sheet(node.sheet), Rect::cell(node.at)};
     if (evaluated_.touch(cell)) return;
     evaluated_.add(cell);
     accessed_.list(node, waits);
   }
 
-  void cycle(std::span<const FormulaNode> nodes) override {
+  void cycle(std::span<const FormulaNode> nodes, std::vector<Area>&) override {
     for (const FormulaNode& node : nodes) {
       const auto [entry, added] = first_.try_emplace(&graph_.sheet(node.sheet), node.at);
       if (!added) entry->second = std::min(entry->second, node.at);
@@ -70,13 +70,15 @@ class CycleCollector : public ComponentVisitor {
 
 }  // namespace
 
-CircularReferences::CircularReferences(const Book& book) {
+CircularReferences::CircularReferences(const Book& book, const std::function<void()>& calculate) {
+  if (book.iteration.on) return;
   FormulaGraph graph({&book});
   if (proven_acyclic(graph)) return;
   const Suspects suspects(graph);
   if (suspects.none()) return;
+  if (calculate) calculate();
   CycleCollector collector(graph, suspects, first_);
-  ComponentSearch(graph, collector, suspects.formulas()).run();
+  ComponentSearch(graph, collector, suspects.formulas(), Reads::certain).run();
 }
 
 std::optional<CellPos> CircularReferences::first_on(const Sheet& sheet) const {
@@ -85,12 +87,13 @@ std::optional<CellPos> CircularReferences::first_on(const Sheet& sheet) const {
   return found->second;
 }
 
-const CircularReferences& CircularReferenceCache::of(const Book& book) {
+const CircularReferences& CircularReferenceCache::of(const Book& book,
+                                                     const std::function<void()>& calculate) {
   const auto found = entries_.find(&book);
   if (found != entries_.end() && found->second.serial == book.serial())
     return found->second.references;
   if (found != entries_.end()) entries_.erase(found);
-  return entries_.emplace(&book, Entry{book.serial(), CircularReferences(book)})
+  return entries_.emplace(&book, Entry{book.serial(), CircularReferences(book, calculate)})
       .first->second.references;
 }
 

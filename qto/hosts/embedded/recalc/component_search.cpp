@@ -5,11 +5,8 @@
 namespace qto::embedded {
 
 ComponentSearch::ComponentSearch(FormulaGraph& graph, ComponentVisitor& visitor,
-                                 const FormulaSelection& selection, WatchedItems watched)
-    : graph_(graph),
-      visitor_(visitor),
-      reads_watched_(watched == WatchedItems::read),
-      sheets_(graph.sheet_count()) {
+                                 const FormulaSelection& selection, Reads reads)
+    : graph_(graph), visitor_(visitor), reads_(reads), sheets_(graph.sheet_count()) {
   for (std::uint32_t number = 0; number < graph.sheet_count(); ++number) collect(number, selection);
 }
 
@@ -39,18 +36,23 @@ void ComponentSearch::collect(std::uint32_t number, const FormulaSelection& sele
 }
 
 void ComponentSearch::run() {
-  for (std::uint32_t number = 0; number < sheets_.size(); ++number) {
-    SheetState& state = sheets_[number];
-    while (const auto pos = state.fresh.next_in(Rect::sheet())) {
-      enter(number, *pos);
-      search();
-    }
-    for (LargeBlock& large : state.large)
-      if (large.state == LargeBlock::fresh) {
-        enter_large(number, large);
-        search();
-      }
+  for (std::uint32_t number = 0; number < sheets_.size(); ++number)
+    while (enter_next(number)) search();
+}
+
+/// Enters a fresh node of the sheet; false when it has none.
+bool ComponentSearch::enter_next(std::uint32_t number) {
+  SheetState& state = sheets_[number];
+  if (const auto pos = state.fresh.next_in(Rect::sheet())) {
+    enter(number, *pos);
+    return true;
   }
+  for (LargeBlock& large : state.large)
+    if (large.state == LargeBlock::fresh) {
+      enter_large(number, large);
+      return true;
+    }
+  return false;
 }
 
 void ComponentSearch::search() {
@@ -58,27 +60,28 @@ void ComponentSearch::search() {
     if (advance(path_.back())) path_.pop_back();
 }
 
-bool ComponentSearch::advance(Frame& frame) {
-  const std::vector<Precedent>& items = frame.list->items;
-  Sheet& sheet = graph_.sheet(frame.node.sheet);
-  while (frame.item < items.size()) {
-    std::size_t next = frame.item;
-    if (items[frame.item].watched_only && !reads_watched_) {
-      frame.item += 1 + std::size_t{items[next].meets};
+bool ComponentSearch::advance(OpenNode& open) {
+  const std::vector<Precedent>& items = open.list->items;
+  Sheet& sheet = graph_.sheet(open.node.sheet);
+  while (open.item < items.size()) {
+    std::size_t next = open.item;
+    const Precedent& item = items[next];
+    if (open.certain ? item.depends_on_values() : item.watched_only && reads_ != Reads::possible) {
+      open.item += 1 + std::size_t{item.meets};
       continue;
     }
-    const std::optional<Area> area = resolve_precedent(items, next, sheet, frame.node.at);
-    if (area && visit(frame, *area)) return false;
-    frame.item = next;
+    const std::optional<Area> area = resolve_precedent(items, next, sheet, open.node.at);
+    if (area && visit(open, *area)) return false;
+    open.item = next;
   }
-  for (; frame.wait < waits_.size(); ++frame.wait)
-    if (visit(frame, Area(waits_[frame.wait]))) return false;
-  return finish(frame);
+  for (; open.wait < waits_.size(); ++open.wait)
+    if (visit(open, Area(waits_[open.wait]))) return false;
+  return finish(open);
 }
 
-bool ComponentSearch::visit(Frame& frame, const Area& area) {
-  const auto number = area.sheet == &graph_.sheet(frame.node.sheet) ? frame.node.sheet
-                                                                    : graph_.number_of(*area.sheet);
+bool ComponentSearch::visit(OpenNode& open, const Area& area) {
+  const auto number = area.sheet == &graph_.sheet(open.node.sheet) ? open.node.sheet
+                                                                   : graph_.number_of(*area.sheet);
   if (!number) return false;
   SheetState& state = sheets_[*number];
   if (const auto pos = state.fresh.next_in(area.rect)) {
@@ -88,22 +91,23 @@ bool ComponentSearch::visit(Frame& frame, const Area& area) {
   if (state.on_stack.touches(area.rect)) {
     if (!numbered_) number_stack();
     const std::uint32_t lowest = state.order.smallest_in(area.rect);
-    frame.low = std::min(frame.low, lowest);
-    if (*number == frame.node.sheet && graph_.cells_of(frame.node).intersect(area.rect))
-      frame.reads_itself = true;
+    open.low = std::min(open.low, lowest);
+    if (*number == open.node.sheet && graph_.cells_of(open.node).intersect(area.rect))
+      open.reads_itself = true;
   }
-  return !state.large.empty() && visit_large(frame, *number, area.rect);
+  return !state.large.empty() && visit_large(open, *number, area.rect);
 }
 
-bool ComponentSearch::visit_large(Frame& frame, std::uint32_t sheet, const Rect& rect) {
+bool ComponentSearch::visit_large(OpenNode& open, std::uint32_t sheet, const Rect& rect) {
   for (LargeBlock& large : sheets_[sheet].large) {
     if (large.state == LargeBlock::done || !large.block.intersect(rect)) continue;
     if (large.state == LargeBlock::fresh) {
       enter_large(sheet, large);
       return true;
     }
-    frame.low = std::min(frame.low, large.order);
-    if (large.order == frame.order) frame.reads_itself = true;
+    if (!numbered_) number_stack();
+    open.low = std::min(open.low, large.order);
+    if (large.order == open.order) open.reads_itself = true;
   }
   return false;
 }
@@ -138,8 +142,8 @@ void ComponentSearch::number_cells(const FormulaNode& node, std::uint32_t order)
 /// the path still.
 void ComponentSearch::number_stack() {
   numbered_ = true;
-  for (const Frame& frame : path_)
-    if (!large_block(frame.node)) number_cells(frame.node, frame.order);
+  for (const OpenNode& open : path_)
+    if (!large_block(open.node)) number_cells(open.node, open.order);
 }
 
 void ComponentSearch::enter_large(std::uint32_t sheet, LargeBlock& large) {
@@ -149,41 +153,81 @@ void ComponentSearch::enter_large(std::uint32_t sheet, LargeBlock& large) {
 }
 
 void ComponentSearch::push(const FormulaNode& node, std::uint32_t order) {
-  Frame frame;
-  frame.node = node;
-  frame.list = &graph_.precedents(node);
-  frame.wait = frame.waits_begin = waits_.size();
-  frame.stack_begin = stack_.size();
-  frame.order = frame.low = order;
-  path_.push_back(frame);
+  OpenNode open;
+  open.node = node;
+  open.list = &graph_.precedents(node);
+  open.wait = open.waits_begin = waits_.size();
+  open.stack_begin = stack_.size();
+  open.order = open.low = order;
+  open.certain = reads_ == Reads::certain || is_reopened(node);
+  path_.push_back(open);
   stack_.push_back(node);
 }
 
-bool ComponentSearch::finish(Frame& frame) {
-  const bool complete = frame.low == frame.order;
-  const bool alone = stack_.size() == frame.stack_begin + 1 && !frame.reads_itself;
+bool ComponentSearch::finish(OpenNode& open) {
+  const bool complete = open.low == open.order;
+  const bool alone = stack_.size() == open.stack_begin + 1 && !open.reads_itself;
   if (complete && alone) {
     const std::size_t known = waits_.size();
-    visitor_.settle(frame.node, waits_);
+    visitor_.settle(open.node, waits_);
     if (waits_.size() != known) return false;
     take_off_stack(stack_.back());
     stack_.pop_back();
-  } else if (complete) {
-    close_component(frame);
+  } else if (complete && !close_component(open)) {
+    return false;
   }
-  waits_.resize(frame.waits_begin);
+  waits_.resize(open.waits_begin);
   if (path_.size() > 1) {
-    Frame& reader = path_[path_.size() - 2];
-    reader.low = std::min(reader.low, frame.low);
+    OpenNode& reader = path_[path_.size() - 2];
+    reader.low = std::min(reader.low, open.low);
   }
   return true;
 }
 
-void ComponentSearch::close_component(const Frame& frame) {
-  const auto first = stack_.begin() + static_cast<std::ptrdiff_t>(frame.stack_begin);
-  visitor_.cycle({first, stack_.end()});
-  std::for_each(first, stack_.end(), [this](const FormulaNode& node) { take_off_stack(node); });
+/// False when the cycle has to wait. Nodes that are reopened come again when somebody reads them.
+bool ComponentSearch::close_component(OpenNode& open) {
+  const auto first = stack_.begin() + static_cast<std::ptrdiff_t>(open.stack_begin);
+  const std::span<const FormulaNode> nodes(first, stack_.end());
+  const bool again = reads_ == Reads::in_order && may_reopen(nodes);
+  if (!again) {
+    const std::size_t known = waits_.size();
+    closing_ = open.order;
+    visitor_.cycle(nodes, waits_);
+    closing_ = 0;
+    if (waits_.size() != known) return false;
+  }
+  for (const FormulaNode& node : nodes) {
+    take_off_stack(node);
+    if (again) reopen(node);
+  }
   stack_.erase(first, stack_.end());
+  return true;
+}
+
+/// True when the values may tell that it is no cycle at all.
+bool ComponentSearch::may_reopen(std::span<const FormulaNode> nodes) {
+  return std::any_of(nodes.begin(), nodes.end(), [this](const FormulaNode& node) {
+    return !is_reopened(node) &&
+           std::ranges::any_of(graph_.precedents(node).items, &Precedent::depends_on_values);
+  });
+}
+
+void ComponentSearch::reopen(const FormulaNode& node) {
+  if (LargeBlock* large = large_block(node)) {
+    large->state = LargeBlock::fresh;
+    large->reopened = true;
+    return;
+  }
+  SheetState& state = sheets_[node.sheet];
+  state.fresh.insert(graph_.cells_of(node));
+  state.reopened.insert(node.at);
+}
+
+bool ComponentSearch::is_reopened(const FormulaNode& node) const noexcept {
+  if (sheets_[node.sheet].reopened.contains(node.at)) return true;
+  return std::ranges::any_of(sheets_[node.sheet].large, [&](const LargeBlock& large) {
+    return large.reopened && large.formula == node.formula;
+  });
 }
 
 ComponentSearch::LargeBlock* ComponentSearch::large_block(const FormulaNode& node) noexcept {
@@ -215,10 +259,16 @@ bool ComponentSearch::unsettled(const Area& area) const noexcept {
   const auto number = graph_.number_of(*area.sheet);
   if (!number) return false;
   const SheetState& state = sheets_[*number];
-  return state.fresh.touches(area.rect) || state.on_stack.touches(area.rect) ||
-         std::any_of(state.large.begin(), state.large.end(), [&](const LargeBlock& large) {
-           return large.state != LargeBlock::done && large.block.intersect(area.rect);
-         });
+  // Orders count from 1, so outside of a cycle everything on the stack lies before its first.
+  const std::uint32_t first = closing_ != 0 ? closing_ : entered_ + 1;
+  const auto waits = [&](const LargeBlock& large) {
+    const bool open = large.state == LargeBlock::fresh ||
+                      (large.state == LargeBlock::on_stack && large.order < first);
+    return open && large.block.intersect(area.rect);
+  };
+  if (state.fresh.touches(area.rect) || std::ranges::any_of(state.large, waits)) return true;
+  return state.on_stack.touches(area.rect) &&
+         (closing_ == 0 || state.order.smallest_in(area.rect) < first);
 }
 
 }  // namespace qto::embedded

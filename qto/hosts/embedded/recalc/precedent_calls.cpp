@@ -39,8 +39,10 @@ void PrecedentWalk::visit_call(const Part& part) {
   int position = 0;
   for (formula::NodeIndex child = node.first_child; child != formula::no_node;
        child = part.tree->at(child).next) {
-    if (position != 0 || !fixed_index)
+    if (position != 0 || !fixed_index) {
       arguments.push_back(argument(part, child, position, function, spec));
+      if (is_conditional(function, position, node.child_count)) arguments.back().conditional = true;
+    }
     ++position;
   }
   work_.insert(work_.end(), arguments.rbegin(), arguments.rend());
@@ -56,7 +58,7 @@ void PrecedentWalk::visit_called_name(const Part& call) {
     return;
   }
   target.use = Use::full;
-  if (names_seen_.insert({name, target.use}).second) push(target);
+  if (names_seen_.insert({name, target.use, target.conditional}).second) push(target);
 }
 
 PrecedentWalk::Part PrecedentWalk::argument(const Part& call, formula::NodeIndex node, int position,
@@ -141,7 +143,7 @@ bool PrecedentWalk::visit_fixed_index(const Part& call) {
   cell.first_column.value += *column - 1;
   cell.last_row = cell.first_row;
   cell.last_column = cell.first_column;
-  add(cell, found->sheet, call.use);
+  add(cell, found->sheet, call, call.use);
   return true;
 }
 
@@ -163,7 +165,7 @@ void PrecedentWalk::visit_table(const Part& call, SpecialFunction function) {
     keys.last_row = keys.first_row;
     if (keys.shape == AreaShape::columns) keys.shape = AreaShape::area;
   }
-  add(keys, found->sheet, Use::full);
+  add(keys, found->sheet, call, Use::full);
 }
 
 /// The block that is added up has the shape of the one that is tested, whatever its own.
@@ -185,7 +187,7 @@ void PrecedentWalk::visit_sum_range(const Part& call) {
   area.shape = AreaShape::area;
   area.last_row = {area.first_row.value + *rows, area.first_row.absolute};
   area.last_column = {area.first_column.value + *columns, area.first_column.absolute};
-  add(area, sum->sheet, Use::full);
+  add(area, sum->sheet, call, Use::full);
 }
 
 void PrecedentWalk::bind_locals(const Part& call) {

@@ -23,7 +23,7 @@ PrecedentList PrecedentWalk::run(const FormulaRecord& record) {
   const formula::SyntaxTree* tree = record.compiled ? record.compiled->tree() : nullptr;
   if (!tree || record.kind == FormulaKind::data_table) return {};
   const bool array = record.kind == FormulaKind::array;
-  push({tree, tree->root, &book_, nullptr, array ? Use::full : Use::single, array});
+  push({tree, tree->root, &book_, nullptr, array ? Use::full : Use::single, array, false});
   while (!work_.empty()) {
     const Part part = work_.back();
     work_.pop_back();
@@ -51,13 +51,14 @@ void PrecedentWalk::visit(const Part& part) {
   }
 }
 
-void PrecedentWalk::add(const formula::AreaRef& area, Sheet* sheet, Use use) {
+void PrecedentWalk::add(const formula::AreaRef& area, Sheet* sheet, const Part& part, Use use) {
   if (use == Use::address) return;
   Precedent item;
   item.area = area;
   item.sheet = sheet;
   item.implicit = use == Use::single && area.shape != AreaShape::cell;
   item.watched_only = use == Use::watched;
+  item.conditional = part.conditional;
   list_.items.push_back(item);
 }
 
@@ -92,11 +93,11 @@ void PrecedentWalk::visit_area(const Part& part) {
   const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
   const formula::AreaRef& area = part.tree->areas[part.at().payload];
   if (qualifier.broken) return;
-  if (!qualifier.present()) return add(area, part.sheet, part.use);
+  if (!qualifier.present()) return add(area, part.sheet, part, part.use);
   const Book* book = book_of(part, qualifier);
   if (!book) return note_unreachable(part, qualifier);
   if (!qualifier.last_sheet.empty()) return add_span(part, qualifier, *book);
-  if (Sheet* sheet = book->find_sheet(qualifier.sheet)) add(area, sheet, part.use);
+  if (Sheet* sheet = book->find_sheet(qualifier.sheet)) add(area, sheet, part, part.use);
 }
 
 void PrecedentWalk::add_span(const Part& part, const formula::SheetQualifier& qualifier,
@@ -107,7 +108,7 @@ void PrecedentWalk::add_span(const Part& part, const formula::SheetQualifier& qu
   const auto [from, to] = std::minmax({book.index_of(*first), book.index_of(*last)});
   const Use use = part.use == Use::single ? Use::full : part.use;
   for (int i = from; i <= to; ++i)
-    add(part.tree->areas[part.at().payload], book.sheets()[i].get(), use);
+    add(part.tree->areas[part.at().payload], book.sheets()[i].get(), part, use);
 }
 
 void PrecedentWalk::visit_structured(const Part& part) {
@@ -119,6 +120,7 @@ void PrecedentWalk::visit_structured(const Part& part) {
   Precedent item;
   item.implicit = part.use == Use::single;
   item.watched_only = part.use == Use::watched;
+  item.conditional = part.conditional;
   if (book == &book_ && (ref.table.empty() || (ref.items & formula::StructuredRef::this_row))) {
     item.structured = &ref;
     list_.items.push_back(item);
@@ -163,7 +165,7 @@ const DefinedName* PrecedentWalk::find_name(const Part& part, Part& target) cons
 void PrecedentWalk::visit_name(const Part& part) {
   Part target;
   if (const DefinedName* name = find_name(part, target)) {
-    if (names_seen_.insert({name, part.use}).second) push(target);
+    if (names_seen_.insert({name, part.use, part.conditional}).second) push(target);
     return;
   }
   const formula::SheetQualifier& qualifier = part.tree->qualifiers[part.at().qualifier];
@@ -179,7 +181,7 @@ void PrecedentWalk::visit_name(const Part& part) {
        {data->last.row, true},
        {data->last.column, true},
        AreaShape::area},
-      book->find_sheet(table->sheet->name), part.use);
+      book->find_sheet(table->sheet->name), part, part.use);
 }
 
 void PrecedentWalk::visit_unary(const Part& part) {
@@ -240,7 +242,7 @@ void PrecedentWalk::visit_range(const Part& part) {
     area.last_row = last->area.first_row;
     area.last_column = last->area.first_column;
     area.shape = AreaShape::area;
-    return add(area, first->sheet, part.use);
+    return add(area, first->sheet, part, part.use);
   }
   // What lies between turns out in evaluation.
   list_.is_volatile = true;
@@ -270,10 +272,10 @@ void PrecedentWalk::visit_intersection(const Part& part) {
     return;
   }
   if (part.use == Use::address) return;
-  add(first->area, first->sheet, part.use);
+  add(first->area, first->sheet, part, part.use);
   list_.items.back().implicit = part.use == Use::single;
   list_.items.back().meets = static_cast<std::uint16_t>(leaves.size());
-  for (const Leaf& other : leaves) add(other.area, other.sheet, Use::full);
+  for (const Leaf& other : leaves) add(other.area, other.sheet, part, Use::full);
 }
 
 bool PrecedentWalk::is_local(const Part& part, std::string_view name) const {

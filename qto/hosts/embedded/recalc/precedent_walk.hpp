@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -28,7 +29,8 @@ class PrecedentWalk {
     const Book* book = nullptr;  ///< where the tree belongs
     Sheet* sheet = nullptr;      ///< of references without a sheet; null: the formula's own
     Use use = Use::single;
-    bool array = false;  ///< operations run over all elements
+    bool array = false;        ///< operations run over all elements
+    bool conditional = false;  ///< evaluation may not come here
 
     const formula::Node& at() const { return tree->at(node); }
     Part child(formula::NodeIndex index, Use child_use) const;
@@ -59,7 +61,7 @@ class PrecedentWalk {
   void visit_sum_range(const Part& call);
   void push(const Part& part) { work_.push_back(part); }
 
-  void add(const formula::AreaRef& area, Sheet* sheet, Use use);
+  void add(const formula::AreaRef& area, Sheet* sheet, const Part& part, Use use);
   void add_span(const Part& part, const formula::SheetQualifier& qualifier, const Book& book);
   const Book* book_of(const Part& part, const formula::SheetQualifier& qualifier) const;
   /// For a qualifier whose book is not open.
@@ -75,7 +77,7 @@ class PrecedentWalk {
   const FunctionTable& functions_;
   std::vector<Part> work_;
   std::vector<std::pair<const formula::SyntaxTree*, std::string_view>> locals_;
-  std::set<std::pair<const DefinedName*, Use>> names_seen_;
+  std::set<std::tuple<const DefinedName*, Use, bool>> names_seen_;  // the last: conditional
   PrecedentList list_;
 };
 

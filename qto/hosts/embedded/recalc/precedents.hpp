@@ -25,6 +25,11 @@ struct Precedent {
   /// A change there matters, but which part is read turns out in evaluation only, so nothing can
   /// be said about order.
   bool watched_only = false;
+  /// It stands where evaluation may not come: in a branch, behind a condition, in a LAMBDA.
+  bool conditional = false;
+
+  /// True when evaluation alone tells whether, or how much of it, is read.
+  bool depends_on_values() const noexcept { return watched_only || conditional; }
 };
 
 struct PrecedentList {

@@ -82,6 +82,7 @@ std::unique_ptr<Book> WorkbookReader::read() {
   workbook_ = read_workbook_part(package_, *workbook_part_);
   links_ = Relationships(package_, workbook_part_->name);
   book_->date1904 = workbook_.date1904;
+  book_->iteration = workbook_.iteration;
   book_->structure = workbook_.structure;
   book_->active_sheet = active_sheet();
   make_sheets();

@@ -1,5 +1,6 @@
 #include "qto/hosts/embedded/xlsx/workbook_part.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "qto/automation/text.hpp"
@@ -27,6 +28,7 @@ class WorkbookHandler final : public XmlHandler {
     if (space != Space::main) return;
     if (name == "workbook") is_workbook_ = true;
     if (name == "workbookPr") into_.date1904 = attributes.flag("date1904");
+    if (name == "calcPr") read_iteration(attributes);
     if (name == "workbookProtection") {
       into_.structure.enabled = attributes.flag("lockStructure");
       read_password(attributes, book_password, into_.structure);
@@ -58,6 +60,15 @@ class WorkbookHandler final : public XmlHandler {
     sheet.relationship = attributes.relationship();
     sheet.visibility = visibility_of(attributes.text("state"));
     into_.sheets.push_back(std::move(sheet));
+  }
+
+  void read_iteration(const Attributes& attributes) {
+    constexpr std::int64_t most_rounds = 32767;
+    Iteration& iteration = into_.iteration;
+    iteration.on = attributes.flag("iterate");
+    iteration.count = static_cast<int>(std::clamp(
+        attributes.whole_or("iterateCount", iteration.count), std::int64_t{1}, most_rounds));
+    iteration.change = attributes.number_or("iterateDelta", iteration.change);
   }
 
   void start_name(const Attributes& attributes) {

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "qto/hosts/embedded/book/sheet.hpp"
+#include "qto/hosts/embedded/book/book.hpp"
 #include "qto/hosts/embedded/xlsx/package.hpp"
 
 namespace qto::embedded {
@@ -31,6 +31,7 @@ struct WorkbookPart {
   /// Relationships of the linked books, in the order in which formulas number them.
   std::vector<std::string> externals;
   bool date1904 = false;
+  Iteration iteration;
   SheetProtection structure;
   std::int64_t active_sheet = 0;
 };
