@@ -187,11 +187,20 @@ class Cutter {
 
   void emit_structured(const Token& token) {
     auto structured = parse_structured(text(token));
-    const bool qualified = next_ >= 2 && kind(next_ - 2) == TokenKind::qualifier;
-    if (!structured || qualified) return literal(text(token));
+    const auto before = qualifier_before();
+    if (!structured || !before) return literal(text(token));
     add(PieceKind::structured, static_cast<std::uint32_t>(out_.structured.size()));
     out_.structured.push_back(std::move(*structured));
+    out_.pieces.back().qualifier = *before;
     keep(out_.pieces.back(), text(token));
+  }
+
+  /// The qualifier in front of the token that is being emitted, 0 for none; nothing when its text
+  /// has been taken as it is.
+  std::optional<std::uint32_t> qualifier_before() const {
+    if (next_ < 2 || kind(next_ - 2) != TokenKind::qualifier) return 0;
+    if (out_.pieces.empty() || out_.pieces.back().kind != PieceKind::qualifier) return std::nullopt;
+    return out_.pieces.back().item;
   }
 
   void emit_qualifier(const Token& token) {
@@ -205,7 +214,14 @@ class Cutter {
   void emit_name(std::string_view name) {
     const bool constant =
         text::equal_ascii_nocase(name, "TRUE") || text::equal_ascii_nocase(name, "FALSE");
-    literal(constant ? text::upper_ascii(name) : without_prefix(name));
+    if (constant) return literal(text::upper_ascii(name));
+    const std::string_view shown = without_prefix(name);
+    const auto before = qualifier_before();
+    // With a prefix it is a parameter.
+    if (!before || shown.size() != name.size()) return literal(shown);
+    add(PieceKind::name, 0);
+    out_.pieces.back().qualifier = *before;
+    keep(out_.pieces.back(), shown);
   }
 
   void blanks_before(const Token& token) {

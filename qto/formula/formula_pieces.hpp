@@ -14,7 +14,9 @@ enum class PieceKind : std::uint8_t {
   local_literal,  ///< shown to the author only: the marks "@" and "#"
   area,
   qualifier,   ///< into a linked book; its text depends on whether that book is open
-  structured,  ///< shown to the author as written (`begin`, `length`)
+  structured,  ///< shown to the author as written (`begin`, `length`); its `qualifier` stands
+               ///< before
+  name,        ///< as written, unless a table has that name
   single,      ///< "@" before a reference, which the next `covers` pieces write out
   spill,       ///< a reference with "#" after it, which the next `covers` pieces write out
 };
@@ -25,7 +27,7 @@ struct Piece {
   bool over_structured = false;  ///< single: `item` is a structured reference, not an area
   std::uint16_t covers = 0;
   std::uint32_t item = 0;       ///< into the list of its kind
-  std::uint32_t qualifier = 0;  ///< single, spill: into qualifiers, 0 for none
+  std::uint32_t qualifier = 0;  ///< single, spill, structured, name: into qualifiers, 0 for none
   std::uint32_t begin = 0;      ///< into literals
   std::uint32_t length = 0;
 };

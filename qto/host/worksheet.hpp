@@ -72,6 +72,9 @@ class Worksheet : public Sheet {
   virtual Variant cell_value(CellPos pos) const = 0;
   virtual bool cell_has_formula(CellPos pos) const = 0;
   virtual FormulaPattern formula_pattern(CellPos) const { return {}; }
+  /// The cells of this sheet that the value of a cell in a what-if data table rests on: the formula
+  /// first, then each input cell and the value that it takes. None for any other cell.
+  virtual std::vector<CellPos> data_table_sources(CellPos) const { return {}; }
 };
 
 }  // namespace qto::host

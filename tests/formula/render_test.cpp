@@ -39,7 +39,11 @@ class RenderTest : public testing::Test {
     context.book = &book_;
     context.sheet = sheet_;
     context.at = parse_cell(cell)->pos;
-    if (open) context.is_open = [](const Book&, std::uint32_t, const void*) { return true; };
+    context.data = &linked_;
+    if (open)
+      context.find_open = [](const Book&, std::uint32_t, const void* book) {
+        return static_cast<const Book*>(book);
+      };
     return context;
   }
 
@@ -65,6 +69,7 @@ class RenderTest : public testing::Test {
   }
 
   Book book_;
+  Book linked_;
   Sheet* sheet_ = &book_.add_sheet("Sheet1");
   Sheet* other_ = nullptr;
 };
@@ -118,6 +123,13 @@ TEST_F(RenderTest, StructuredReferencesBecomeTheRangesThatTheyDenote) {
       {"[@Amount]*[@2007]", "C13", "=B13*D13"},
       {"Sales[[#This Row],[Amount]]", "A1", "=#VALUE!"},
       {"@Sales[Amount]", "F12", "=B12"},
+      {"SUM(Sales)", "A1", "=SUM(B11:D14)"},
+      {"VLOOKUP(3,sales,2)", "A1", "=VLOOKUP(3,B11:D14,2)"},
+      {"SUM(Sales[Amount]:Sales[2007])", "A1", "=SUM(B11:D14)"},
+      {"Sales[@2007]:Sales[@Amount]", "F12", "=B12:D12"},
+      {"Sales[[#All],[Amount]:[Price '[x']]]", "A1", "=B10:C15"},
+      {"[0]!Sales[Amount]", "A1", "=B11:B14"},
+      {"Salesman+1", "A1", "=Salesman+1"},
       {"Sales[Nothing]", "A1", "=#REF!"},
       {"Nowhere[Amount]", "A1", "=#REF!"},
       {"[@Amount]", "A1", "=#REF!"},
@@ -131,6 +143,27 @@ TEST_F(RenderTest, StructuredReferencesBecomeTheRangesThatTheyDenote) {
   std::string out;
   CompiledFormula::compile("Sales[Amount]", {1, 1})->append_formula(out, elsewhere);
   EXPECT_EQ(out, "=Sheet1!B11:B14");
+  RenderContext name = context("A1");
+  name.on_any_sheet = true;
+  out.clear();
+  CompiledFormula::compile("Sales[Amount]+Sales", {1, 1})->append_formula(out, name);
+  EXPECT_EQ(out, "=Sheet1!$B$11:$B$14+Sheet1!$B$11:$D$14");
+}
+
+TEST_F(RenderTest, TablesOfOtherBooksShowTheirPlaceWhileTheBookIsOpen) {
+  linked_.name = "Book2.xlsx";
+  Table table;
+  table.name = "TT";
+  table.sheet = &linked_.add_sheet("My Data");
+  table.range = {{1, 1}, {3, 2}};
+  table.columns = {"K", "L"};
+  linked_.add_table(table);
+  EXPECT_EQ(open_formula("SUM([1]!TT[K])"), "=SUM('[Book2.xlsx]My Data'!A2:A3)");
+  EXPECT_EQ(open_formula("SUM([1]!TT[K]:[1]!TT[L])"), "=SUM('[Book2.xlsx]My Data'!A2:B3)");
+  EXPECT_EQ(open_formula("SUM([1]!TT)"), "=SUM('[Book2.xlsx]My Data'!A2:B3)");
+  EXPECT_EQ(open_formula("[1]!Rate+1"), "=Book2.xlsx!Rate+1");
+  EXPECT_EQ(formula("SUM([1]!TT[K])", "A1", "A1"), "=SUM('D:\\Data\\Book2.xlsx'!TT[K])");
+  EXPECT_EQ(local("SUM([1]!TT[K])"), "=SUM('D:\\Data\\Book2.xlsx'!TT[K])");
 }
 
 TEST_F(RenderTest, MarksBecomeTheReferenceThatTheyDenote) {

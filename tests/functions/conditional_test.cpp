@@ -67,5 +67,28 @@ TEST(Subtotals, PassOverEachOtherAndHiddenRows) {
   EXPECT_EQ(book.run("=SUBTOTAL(9,A1:A4)"), "7");
 }
 
+TEST(Subtotals, PassOverRowsThatAFilterHides) {
+  SmallBook book("A1=1; A2=2; A3=4; A4=8; A5=16");
+  SheetLayout& layout = book.sheet("Sheet1").layout;
+  layout.add_filter(2, 4);
+  EXPECT_EQ(book.run("=SUBTOTAL(9,A1:A5)"), "31");
+  layout.hide_rows(2, 3, true);
+  layout.hide_rows(5, 5, true);
+  EXPECT_EQ(book.run("=SUBTOTAL(9,A1:A5)"), "25");
+  EXPECT_EQ(book.run("=SUBTOTAL(2,A1:A5)"), "3");
+  EXPECT_EQ(book.run("=SUBTOTAL(109,A1:A5)"), "9");
+  EXPECT_EQ(book.run("=AGGREGATE(9,5,A1:A5)"), "9");
+  EXPECT_EQ(book.run("=AGGREGATE(9,4,A1:A5)"), "31");
+}
+
+TEST(Subtotals, CountingGoesOnBehindErrors) {
+  const SmallBook book("A1=1; A2=#N/A; A3=x; A4=4");
+  expect_results(book, {{"=SUBTOTAL(2,A1:A5)", "2"},
+                        {"=SUBTOTAL(3,A1:A5)", "4"},
+                        {"=AGGREGATE(3,4,A1:A5)", "4"},
+                        {"=AGGREGATE(3,6,A1:A5)", "3"},
+                        {"=SUBTOTAL(9,A1:A5)", "#N/A"}});
+}
+
 }  // namespace
 }  // namespace qto::embedded

@@ -77,6 +77,8 @@ TEST(WorksheetFunction, MatchAndCountIf) {
   EXPECT_EQ(functions->Match(Variant(desk.at("A4")), list, 0.0), 4.0);
   EXPECT_EQ(functions->Match(99.0, list, 0.0), std::nullopt);
   EXPECT_EQ(functions->Match(Empty{}, list, 0.0), std::nullopt);
+  desk.put("A6", "0");
+  EXPECT_EQ(functions->Match(Empty{}, desk.at("A5:A6"), 0.0), 2.0);
   EXPECT_EQ(functions->Match(20.0, desk.at("A1:B5"), 0.0), std::nullopt);  // no vector
 
   EXPECT_EQ(functions->CountIf(list, ">=20"), 2.0);

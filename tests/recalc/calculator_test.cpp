@@ -208,6 +208,48 @@ TEST_F(CalculatorTest, IteratesCircularCells) {
   EXPECT_EQ(book_.shown("B1"), "50");
 }
 
+TEST_F(CalculatorTest, DataTablesShowWhatIf) {
+  book_.value("B1", 100.0);      // amount
+  book_.formula("B2", "0.1+0");  // rate, an input with a formula
+  book_.formula("B3", "Sheet2!A1+B1");
+  book_.formula("Sheet2!A1", "Sheet1!B1*Sheet1!B2");
+  book_.formula("D1", "B3");
+  book_.value("E1", 200.0);
+  book_.value("D2", 200.0);
+  book_.formula("F1", "E1*2");
+  book_.value("D3", 0.5);
+  book_.data_table("E2:F3", "TABLE(B1,B2)");
+  book_.formula("D5", "B3");
+  book_.formula("E5", "B1");
+  book_.value("C6", 1.0);
+  book_.data_table("D6:E6", "TABLE(,B1)");
+  book_.formula("C9", "B3&\"x\"");
+  book_.value("D8", 2.0);
+  book_.data_table("D9:E9", "TABLE(B1,)");
+  book_.formula("G1", "SUM(E2:F3)");
+  calculate();
+  EXPECT_EQ(book_.shown("E2"), "40200");
+  EXPECT_EQ(book_.shown("F2"), "80400");
+  EXPECT_EQ(book_.shown("E3"), "300");
+  EXPECT_EQ(book_.shown("F3"), "600");
+  EXPECT_EQ(book_.shown("D6"), "1.1");
+  EXPECT_EQ(book_.shown("E6"), "1");
+  EXPECT_EQ(book_.shown("D9"), "2.2x");
+  EXPECT_EQ(book_.shown("E9"), "0x");
+  EXPECT_EQ(book_.shown("G1"), "121500");
+  EXPECT_EQ(book_.shown("B1"), "100");
+  EXPECT_EQ(book_.shown("B2"), "0.1");
+  EXPECT_EQ(book_.shown("B3"), "110");
+  plant("E2", 7.0);
+  book_.value("Z1", 1.0);
+  calculate();
+  EXPECT_EQ(book_.shown("E2"), "7");
+  book_.value("E1", 300.0);
+  calculate();
+  EXPECT_EQ(book_.shown("E2"), "60300");
+  EXPECT_EQ(book_.shown("G1"), "182250");
+}
+
 TEST_F(CalculatorTest, RememberedValuesOfCyclesStandUntilSomethingThereChanges) {
   book_.formula("A1", "A2+B1");
   book_.formula("A2", "A1");

@@ -80,6 +80,18 @@ class RandomBook : public TextBook {
 
 using Node = std::pair<const Sheet*, CellPos>;
 
+/// The blocks that the formula of a cell reads.
+std::vector<Area> areas_read(const Book& book, Sheet& sheet, CellPos at) {
+  std::vector<Area> areas;
+  const PrecedentList list = list_precedents(book, sheet, book.formula(sheet.formula_at(at)));
+  for (std::size_t i = 0; i < list.items.size();) {
+    const bool read = !list.items[i].watched_only;
+    const std::optional<Area> area = resolve_precedent(list.items, i, sheet, at);
+    if (area && read) areas.push_back(*area);
+  }
+  return areas;
+}
+
 /// The formula cells with what they read; the cells of an array formula are its first one.
 std::map<Node, std::set<Node>> graph_of(const Book& book) {
   std::map<Node, std::set<Node>> graph;
@@ -94,10 +106,7 @@ std::map<Node, std::set<Node>> graph_of(const Book& book) {
       for (std::int32_t column = 1; column <= 2 * side; ++column) {
         const auto node = node_at(*sheet, {row, column});
         if (!node) continue;
-        std::vector<Area> areas;
-        precedent_areas(book, *sheet, node->second, book.formula(sheet->formula_at({row, column})),
-                        areas);
-        for (const Area& area : areas)
+        for (const Area& area : areas_read(book, *sheet, node->second))
           for (std::int32_t r = 1; r <= 2 * side; ++r)
             for (std::int32_t c = 1; c <= 2 * side; ++c)
               if (area.rect.contains({r, c}))

@@ -44,6 +44,14 @@ struct TextBook {
     book.cell_changed({sheet, block.first});
   }
 
+  /// TABLE(row input,column input)
+  void data_table(std::string_view address, std::string_view text) {
+    const Rect block = parse_area(address)->rect();
+    Sheet* sheet = at("A1").sheet;
+    sheet->set_block_formula(block, formulas.add_data_table(text, block));
+    book.cell_changed({sheet, block.first});
+  }
+
   void value(std::string_view address, const Variant& value) {
     const CellAddress cell = at(address);
     book.store(cell.sheet->cells.touch(cell.pos), value);

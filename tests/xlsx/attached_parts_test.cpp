@@ -37,6 +37,37 @@ TEST(Tables, ColumnsAndRows) {
   EXPECT_FALSE(second->data());
 }
 
+TEST(Filters, RowsThatTheyHide) {
+  const std::string rows =
+      "<sheetData><row r='2' hidden='1'/><row r='3'/><row r='9' hidden='1'/></sheetData>";
+  const std::string criterion =
+      "<filterColumn colId='0'><filters><filter val='x'/></filters></filterColumn>";
+  const auto filtered = [&](const std::string& filter) {
+    const auto book = BookFile().sheet(rows + filter).open();
+    std::string out;
+    for (int row = 1; row <= 9; ++row)
+      if (sheet_of(*book, "Sheet1").layout.row_filtered_out(row)) out += std::to_string(row);
+    return out;
+  };
+  EXPECT_EQ(filtered(""), "");
+  EXPECT_EQ(filtered("<autoFilter ref='A1:B5'/>"), "");
+  EXPECT_EQ(filtered("<autoFilter ref='A1:B5'><filterColumn colId='0' hiddenButton='1'/>"
+                     "</autoFilter>"),
+            "");
+  EXPECT_EQ(filtered("<autoFilter ref='A1:B5'>" + criterion + "</autoFilter>"), "2");
+  EXPECT_EQ(filtered("<autoFilter ref='A2:B9'>" + criterion + criterion + "</autoFilter>"), "9");
+  EXPECT_EQ(filtered("<customSheetViews><customSheetView><autoFilter ref='A1:B5'>" + criterion +
+                     "</autoFilter></customSheetView></customSheetViews>"),
+            "");
+
+  BookFile file;
+  file.sheet(rows + "<tableParts><tablePart r:id='t1'/></tableParts>")
+      .links("xl/sheet1.xml", {{"t1", "table", "table1.xml"}})
+      .part("xl/table1.xml", root("table displayName='T' ref='A1:A5'",
+                                  "<autoFilter ref='A1:A5'>" + criterion + "</autoFilter>"));
+  EXPECT_TRUE(sheet_of(*file.open(), "Sheet1").layout.row_filtered_out(2));
+}
+
 BookFile linked_book(const std::string& content, const std::vector<Link>& links) {
   BookFile file;
   file.workbook(

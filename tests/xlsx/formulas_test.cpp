@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "qto/hosts/embedded/formulas/data_table.hpp"
 #include "tests/xlsx/book_file.hpp"
 
 namespace qto::test {
@@ -124,6 +125,32 @@ TEST(DataTables, NameTheirInputCells) {
   EXPECT_EQ(formula(*book, "Sheet1", "B2"), "=TABLE(,A9)");
   EXPECT_EQ(formula(*book, "Sheet1", "D1"), "=TABLE(A9,)");
   EXPECT_EQ(formula(*book, "Sheet1", "G2"), "=TABLE(A8,A9)");
+}
+
+TEST(DataTables, TellWhatTheirCellsRestOn) {
+  const auto book =
+      BookFile()
+          .cells(
+              "<row r='2'><c r='C2'><f t='dataTable' ref='C2:C3' dtr='0' r1='A9'/><v>1</v></c>"
+              "<c r='F2'><f t='dataTable' ref='F2:G2' dtr='1' r1='A9'/><v>1</v></c>"
+              "<c r='J2'><f t='dataTable' ref='J2:K3' dt2D='1' dtr='1' r1='A8' r2='A9'/>"
+              "<v>1</v></c><c r='M2'><f t='dataTable' ref='M2' del1='1'/><v>1</v></c></row>"
+              "<row r='1'><c r='A1'><f t='dataTable' ref='A1' dtr='0' r1='A9'/><v>1</v></c></row>")
+          .open();
+  const Sheet& sheet = sheet_of(*book, "Sheet1");
+  const auto sources = [&](std::string_view address) {
+    const CellPos at = parse_cell(address)->pos;
+    const auto table = data_table(book->formula(sheet.formula_at(at)));
+    std::string out;
+    for (const CellPos cell : table ? table->sources(at) : std::vector<CellPos>())
+      out += (out.empty() ? "" : " ") + address_of(cell);
+    return out;
+  };
+  EXPECT_EQ(sources("C3"), "C1 A9 B3");
+  EXPECT_EQ(sources("G2"), "E2 A9 G1");
+  EXPECT_EQ(sources("K3"), "I1 A8 K1 A9 I3");
+  EXPECT_EQ(sources("M2"), "");
+  EXPECT_EQ(sources("A1"), "A9");
 }
 
 TEST(CachedResults, DecideWhatIsCalculated) {

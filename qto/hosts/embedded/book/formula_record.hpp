@@ -9,7 +9,7 @@
 
 namespace qto::embedded {
 
-class CompiledFormula;  // formula/: the pieces that its text is rendered from, and its syntax tree
+class CompiledFormula;  // formulas/: the pieces that its text is rendered from, and its syntax tree
 
 enum class FormulaKind : std::uint8_t {
   normal,      ///< references move with the cell that shows it
@@ -23,7 +23,7 @@ struct FormulaRecord {
   FormulaKind kind = FormulaKind::normal;
   /// The block that an array formula or data table fills.
   Rect block;
-  /// Never null; parsed once, when the formula came into the book.
+  /// Never null; cut into pieces when the formula came into the book, parsed when first asked for.
   std::shared_ptr<const CompiledFormula> compiled;
 };
 

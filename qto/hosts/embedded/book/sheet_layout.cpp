@@ -55,6 +55,13 @@ void SheetLayout::hide_columns(std::int32_t first, std::int32_t last, bool hidde
   for (std::int32_t column = first; column <= last; ++column) columns_[column - 1].hidden = hidden;
 }
 
+bool SheetLayout::row_filtered_out(std::int32_t row) const noexcept {
+  const auto holds = [row](const FilteredRows& rows) {
+    return row >= rows.first && row <= rows.last;
+  };
+  return std::ranges::any_of(filters_, holds) && row_hidden(row);
+}
+
 void SheetLayout::hide_rows(std::int32_t first, std::int32_t last, bool hidden) {
   const auto from = std::ranges::lower_bound(rows_, first, {}, &RowLayout::row);
   const auto to = std::ranges::upper_bound(rows_, last, {}, &RowLayout::row);

@@ -39,10 +39,18 @@ class SheetLayout {
   bool row_hidden(std::int32_t row) const noexcept { return this->row(row).hidden; }
   void hide_columns(std::int32_t first, std::int32_t last, bool hidden);
   void hide_rows(std::int32_t first, std::int32_t last, bool hidden);
+  /// Tells that a filter decides which of these rows are shown.
+  void add_filter(std::int32_t first, std::int32_t last) { filters_.push_back({first, last}); }
+  /// True for a hidden row that a filter is about, whoever hid it.
+  bool row_filtered_out(std::int32_t row) const noexcept;
 
  private:
+  struct FilteredRows {
+    std::int32_t first, last;
+  };
   std::vector<ColumnLayout> columns_;  // by column, as far as any differs
   std::vector<RowLayout> rows_;        // sorted by row
+  std::vector<FilteredRows> filters_;
 };
 
 }  // namespace qto::embedded

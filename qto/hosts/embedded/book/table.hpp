@@ -20,6 +20,8 @@ struct Table {
   int header_rows = 1;
   int totals_rows = 0;
   std::vector<std::string> columns;
+  /// A filter of its own decides which of its rows are shown.
+  bool filtered = false;
 
   /// Position of a column from 0; letter case is ignored.
   std::optional<int> find_column(std::string_view column) const;

@@ -1,15 +1,11 @@
 #include "qto/hosts/embedded/evaluate/references.hpp"
 
 #include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/formulas/table_target.hpp"
 
 namespace qto::embedded {
 
 namespace {
-
-Rect enclosing(const Rect& a, const Rect& b) noexcept {
-  return {{std::min(a.first.row, b.first.row), std::min(a.first.column, b.first.column)},
-          {std::max(a.last.row, b.last.row), std::max(a.last.column, b.last.column)}};
-}
 
 Operand range_between(const Operand& left, const Operand& right) {
   Area result = left.areas().front();
@@ -36,27 +32,6 @@ Operand union_of(const Operand& left, const Operand& right) {
   std::vector<Area> areas(left.areas().begin(), left.areas().end());
   areas.insert(areas.end(), right.areas().begin(), right.areas().end());
   return Operand::of_areas(std::move(areas));
-}
-
-/// The rows of a table that the items of a structured reference name.
-Outcome<Rect> rows_of(const Table& table, unsigned items, const FormulaPlace& place) {
-  if (items == 0) items = formula::StructuredRef::data;
-  std::optional<Rect> rows;
-  const auto take = [&](const std::optional<Rect>& part) {
-    if (part) rows = rows ? enclosing(*rows, *part) : *part;
-  };
-  if (items & formula::StructuredRef::all) take(table.range);
-  if (items & formula::StructuredRef::headers) take(table.headers());
-  if (items & formula::StructuredRef::data) take(table.data());
-  if (items & formula::StructuredRef::totals) take(table.totals());
-  if (items & formula::StructuredRef::this_row) {
-    const auto data = table.data();
-    if (!data || place.at.row < data->first.row || place.at.row > data->last.row)
-      return ErrorValue::value;
-    take(Rect{{place.at.row, data->first.column}, {place.at.row, data->last.column}});
-  }
-  if (!rows) return ErrorValue::ref;
-  return *rows;
 }
 
 }  // namespace
@@ -120,36 +95,16 @@ Operand ReferenceResolver::span(const formula::SheetQualifier& qualifier, Book& 
   return Operand::of_areas(std::move(areas), true);
 }
 
-Operand ReferenceResolver::table_data(const Table& table, const Book& book) {
-  const auto data = table.data();
-  Sheet* sheet = table.sheet ? book.find_sheet(table.sheet->name) : nullptr;
-  if (!data || !sheet) return ErrorValue::ref;
-  return Area{sheet, *data};
-}
-
 Operand ReferenceResolver::structured(const formula::StructuredRef& reference,
                                       const formula::SheetQualifier& qualifier,
                                       const FormulaPlace& place) {
   const Book* book = book_of(qualifier, place);
   if (!book) return ErrorValue::ref;
-  const Table* table = reference.table.empty() ? book->table_at(*place.sheet, place.at)
-                                               : book->find_table(reference.table);
-  if (!table || !table->sheet) return ErrorValue::ref;
-  const auto rows = rows_of(*table, reference.items, place);
-  if (!rows) return rows.error();
-  Rect rect = *rows;
-  if (!reference.first_column.empty()) {
-    const auto first = table->find_column(reference.first_column);
-    const auto last =
-        reference.last_column.empty() ? first : table->find_column(reference.last_column);
-    if (!first || !last) return ErrorValue::ref;
-    const int left = table->range.first.column;
-    rect.first.column = left + std::min(*first, *last);
-    rect.last.column = left + std::max(*first, *last);
-  }
-  Sheet* sheet = book->find_sheet(table->sheet->name);
+  const StructuredTarget target = resolve_structured(reference, *book, *place.sheet, place.at);
+  if (target.error) return *target.error;
+  Sheet* sheet = book->find_sheet(target.table->sheet->name);
   if (!sheet) return ErrorValue::ref;
-  return Area{sheet, rect};
+  return Area{sheet, target.rect};
 }
 
 }  // namespace qto::embedded

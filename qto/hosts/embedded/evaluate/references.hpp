@@ -24,8 +24,6 @@ class ReferenceResolver {
                const FormulaPlace& place);
   Operand structured(const formula::StructuredRef& reference,
                      const formula::SheetQualifier& qualifier, const FormulaPlace& place);
-  /// The data of a whole table.
-  Operand table_data(const Table& table, const Book& book);
 
  private:
   Book* linked_book(const Book& owner, std::uint32_t index);

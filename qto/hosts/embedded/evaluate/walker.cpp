@@ -269,7 +269,8 @@ Operand Walker::defined_name(std::string_view name, const formula::SheetQualifie
   }
   const DefinedName* found = book->names.resolve(name, sheet);
   if (!found || !found->refers_to) {
-    if (const Table* table = book->find_table(name)) return resolver_.table_data(*table, *book);
+    if (book->find_table(name))
+      return resolver_.structured({std::string(name), 0, "", ""}, qualifier, place_);
     return ErrorValue::name;
   }
   if (!sheet && !book->sheets().empty()) sheet = book->sheets().front().get();

@@ -4,6 +4,7 @@
 
 #include "qto/formula/formula_pieces.hpp"
 #include "qto/formula/parser.hpp"
+#include "qto/hosts/embedded/book/book.hpp"
 #include "qto/hosts/embedded/formulas/formula_text.hpp"
 
 namespace qto::embedded {
@@ -69,15 +70,22 @@ const formula::SyntaxTree* CompiledFormula::tree() const {
 
 const std::string& CompiledFormula::why_broken() const { return impl_->parse().why_broken; }
 
-std::optional<std::int32_t> CompiledFormula::moving_references() const noexcept {
+std::optional<std::int32_t> CompiledFormula::moving_references(const Book& book) const {
   std::int32_t count = 0;
-  for (const formula::Piece& piece : impl_->pieces.pieces) {
-    if (piece.kind == formula::PieceKind::area)
-      ++count;
-    else if (piece.kind != formula::PieceKind::literal &&
-             piece.kind != formula::PieceKind::local_literal)
-      return std::nullopt;
-  }
+  for (const formula::Piece& piece : impl_->pieces.pieces) switch (piece.kind) {
+      case formula::PieceKind::area:
+        ++count;
+        break;
+      case formula::PieceKind::literal:
+      case formula::PieceKind::local_literal:
+        break;
+      case formula::PieceKind::name:
+        if (piece.qualifier != 0 || book.find_table(impl_->pieces.literal(piece)))
+          return std::nullopt;
+        break;
+      default:
+        return std::nullopt;
+    }
   return count;
 }
 

@@ -20,10 +20,13 @@ struct RenderContext {
   const Book* book = nullptr;
   const Sheet* sheet = nullptr;
   CellPos at;
-  /// True when the linked book (Book::externals[index]) is open; decides how references into it
-  /// are written. Null: none is.
-  bool (*is_open)(const Book& book, std::uint32_t index, const void* data) = nullptr;
+  /// The linked book (Book::externals[index]) when it is open, or null; decides how references
+  /// into it are written. Null: none is.
+  const Book* (*find_open)(const Book& book, std::uint32_t index, const void* data) = nullptr;
   const void* data = nullptr;
+  /// For the text of a name, which is read on any sheet: references to tables tell their sheet,
+  /// with dollars.
+  bool on_any_sheet = false;
 };
 
 /// A formula as it is kept: once for all cells that share it. The text is a list of pieces, literal
@@ -50,9 +53,9 @@ class CompiledFormula {
   bool broken() const { return tree() == nullptr; }
 
   /// The number of references when all that the text has are plain areas, so that it reads the same
-  /// in every cell but for their moving; none when names of tables, other books or marks stand in
-  /// it.
-  std::optional<std::int32_t> moving_references() const noexcept;
+  /// in every cell of the book but for their moving; none when names of tables, other books or
+  /// marks stand in it.
+  std::optional<std::int32_t> moving_references(const Book& book) const;
 
   /// Equal texts relative to their cells: such formulas share one record.
   bool same_as(const CompiledFormula& other) const noexcept;

@@ -58,6 +58,12 @@ void append_own(std::string& out, const formula::SheetQualifier& qualifier,
 
 }  // namespace
 
+const Book* find_open_link(const RenderContext& context, std::uint32_t number) {
+  if (!context.book || number == 0 || number > context.book->externals.size()) return nullptr;
+  if (context.book->externals[number - 1].kind == ExternalBook::Kind::self) return context.book;
+  return context.find_open ? context.find_open(*context.book, number - 1, context.data) : nullptr;
+}
+
 void append_link_qualifier(std::string& out, const formula::SheetQualifier& qualifier,
                            const RenderContext& context) {
   const std::uint32_t number = qualifier.external;
@@ -72,8 +78,7 @@ void append_link_qualifier(std::string& out, const formula::SheetQualifier& qual
   if (link.kind != ExternalBook::Kind::workbook) {
     append_application_link(out, link);
   } else {
-    const bool open = context.is_open && context.is_open(*context.book, number - 1, context.data);
-    append_workbook(out, qualifier, open ? "" : link.folder, link.name);
+    append_workbook(out, qualifier, find_open_link(context, number) ? "" : link.folder, link.name);
   }
   out.push_back('!');
 }

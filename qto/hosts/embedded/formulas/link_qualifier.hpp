@@ -7,6 +7,9 @@
 
 namespace qto::embedded {
 
+/// The book that a link, counted from 1, leads to when it is open, or null.
+const Book* find_open_link(const RenderContext& context, std::uint32_t number);
+
 /// Appends a qualifier into a numbered link as people see it: by the book's name when the book is
 /// open, with its folder when not; a link to a running application as application|document!. A
 /// number that the book does not have is kept as a number.

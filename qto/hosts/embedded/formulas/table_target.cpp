@@ -6,13 +6,7 @@ namespace qto::embedded {
 namespace {
 
 void unite_rows(std::optional<Rect>& rows, const std::optional<Rect>& more) {
-  if (!more) return;
-  if (!rows) {
-    rows = more;
-    return;
-  }
-  rows->first.row = std::min(rows->first.row, more->first.row);
-  rows->last.row = std::max(rows->last.row, more->last.row);
+  if (more) rows = rows ? enclosing(*rows, *more) : *more;
 }
 
 std::optional<Rect> rows_of(const Table& table, std::uint8_t items) {
@@ -37,6 +31,11 @@ bool narrow_columns(Rect& rect, const Table& table, const formula::StructuredRef
 }
 
 }  // namespace
+
+Rect enclosing(const Rect& a, const Rect& b) noexcept {
+  return {{std::min(a.first.row, b.first.row), std::min(a.first.column, b.first.column)},
+          {std::max(a.last.row, b.last.row), std::max(a.last.column, b.last.column)}};
+}
 
 StructuredTarget resolve_structured(const formula::StructuredRef& ref, const Book& book,
                                     const Sheet& sheet, CellPos at) {

@@ -9,6 +9,9 @@
 
 namespace qto::embedded {
 
+/// The smallest block that holds both.
+Rect enclosing(const Rect& a, const Rect& b) noexcept;
+
 /// What a structured reference denotes for a formula in one cell.
 struct StructuredTarget {
   const Table* table = nullptr;  ///< null: no such table, or the cell lies in none

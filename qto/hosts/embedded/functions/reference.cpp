@@ -151,12 +151,14 @@ Operand fn_formulatext(Call& call) {
   const FormulaId id = sheet.formula_at(area->rect.first);
   if (id == 0) return ErrorValue::na;
   const FormulaRecord& record = sheet.book().formula(id);
-  RenderContext render{&sheet.book(), &sheet, area->rect.first, nullptr, nullptr};
+  RenderContext render;
+  render.book = &sheet.book();
+  render.sheet = &sheet;
+  render.at = area->rect.first;
   if (record.kind != FormulaKind::normal) render.at = record.block.first;
-  render.is_open = [](const Book& book, std::uint32_t index, const void* data) {
+  render.find_open = [](const Book& book, std::uint32_t index, const void* data) -> const Book* {
     const auto& environment = *static_cast<const Environment*>(data);
-    return index < book.externals.size() &&
-           environment.find_open_book(book.externals[index].name) != nullptr;
+    return environment.find_open_book(book.externals[index].name);
   };
   render.data = &call.context().environment();
   std::string text;

@@ -13,12 +13,21 @@ namespace {
 
 using enum Parameter;
 
-/// Which cells an aggregate passes over.
-struct Skip {
-  bool hidden_rows = false;
-  bool errors = false;
-  bool subtotals = false;
+enum class Rows { all, unfiltered, visible };
+enum class Errors { end_it, passed_over, counted };
+
+/// Which cells an aggregate takes.
+struct Selection {
+  Rows rows = Rows::all;
+  Errors errors = Errors::end_it;
+  bool subtotals = true;
 };
+
+/// Counting numbers does not mind errors, and counting values counts them.
+Errors errors_for(double kind) {
+  if (kind == 2) return Errors::passed_over;
+  return kind == 3 ? Errors::counted : Errors::end_it;
+}
 
 /// True when a formula is itself a subtotal, so that totals do not count twice.
 bool is_subtotal(const Book& book, FormulaId id) {
@@ -34,7 +43,7 @@ bool is_subtotal(const Book& book, FormulaId id) {
 /// Gathers values; gives the error that ends the gathering.
 class Gatherer {
  public:
-  Gatherer(Context& context, Skip skip) : context_(context), skip_(skip) {}
+  Gatherer(Context& context, Selection selection) : context_(context), selection_(selection) {}
 
   std::optional<ErrorValue> add(const Operand& operand) {
     for (const Area& area : operand.areas())
@@ -56,25 +65,29 @@ class Gatherer {
     std::optional<ErrorValue> error;
     area.sheet->cells.for_each_by_row(area.rect, [&](CellPos pos, const Cell& cell, FormulaId id) {
       if (error || cell.is_empty()) return;
-      if (skip_.hidden_rows && area.sheet->layout.row_hidden(pos.row)) return;
-      if (skip_.subtotals && id != 0 && is_subtotal(book, id)) return;
+      if (passes_over(*area.sheet, pos.row)) return;
+      if (!selection_.subtotals && id != 0 && is_subtotal(book, id)) return;
       error = take(view_of(cell, book.texts));
     });
     return error;
   }
 
+  bool passes_over(const Sheet& sheet, std::int32_t row) const {
+    if (selection_.rows == Rows::all) return false;
+    return selection_.rows == Rows::visible ? sheet.layout.row_hidden(row)
+                                            : sheet.layout.row_filtered_out(row);
+  }
+
   std::optional<ErrorValue> take(const ValueView& value) {
-    if (value.is_error()) {
-      if (skip_.errors) return std::nullopt;
-      return value.error();
-    }
+    if (value.is_error() && selection_.errors == Errors::end_it) return value.error();
+    if (value.is_error() && selection_.errors == Errors::passed_over) return std::nullopt;
     if (value.is_number()) sample.numbers.push_back(value.number());
     if (!value.is_empty()) ++sample.values;
     return std::nullopt;
   }
 
   Context& context_;
-  Skip skip_;
+  Selection selection_;
 };
 
 Operand fn_subtotal(Call& call) {
@@ -82,12 +95,11 @@ Operand fn_subtotal(Call& call) {
   const bool visible_only = code > 100;
   const double kind = visible_only ? code - 100 : code;
   if (kind < 1 || kind > 11) return ErrorValue::value;
-  Gatherer gatherer(call.context(), {visible_only, false, true});
+  const Rows rows = visible_only ? Rows::visible : Rows::unfiltered;
+  Gatherer gatherer(call.context(), {rows, errors_for(kind), false});
   for (const Operand& argument : call.from(1)) {
     if (!argument.is_reference()) return argument.error() ? *argument.error() : ErrorValue::value;
-    const auto error = gatherer.add(argument);
-    // Counting does not mind errors.
-    if (error && kind != 2 && kind != 3) return *error;
+    if (const auto error = gatherer.add(argument)) return *error;
   }
   return aggregate(static_cast<Aggregate>(kind), std::move(gatherer.sample));
 }
@@ -97,7 +109,9 @@ Operand fn_aggregate(Call& call) {
   const double option = call.given(1) ? std::trunc(call.number(1)) : 0;
   if (kind < 1 || kind > 19 || option < 0 || option > 7) return ErrorValue::value;
   const int bits = static_cast<int>(option);
-  Gatherer gatherer(call.context(), {(bits & 1) != 0, (bits & 2) != 0, bits < 4});
+  const Rows rows = (bits & 1) != 0 ? Rows::visible : Rows::all;
+  const Errors errors = (bits & 2) != 0 ? Errors::passed_over : errors_for(kind);
+  Gatherer gatherer(call.context(), {rows, errors, bits >= 4});
   double k = 0;
   int last = call.count();
   if (kind >= 14) {
@@ -120,7 +134,8 @@ constexpr FunctionSpec subtotal_table[] = {
      "function, options, array, [k]", "an aggregate that can pass over errors and hidden rows",
      "=AGGREGATE(14,6,{3,#N/A,5},1)", "5"},
     {"SUBTOTAL", 2, any_count, plain, {number, values}, fn_subtotal, "function, range1, ...",
-     "an aggregate that passes over other subtotals", "=SUBTOTAL(2,A1:B9)", "0"},
+     "an aggregate that passes over other subtotals and rows that a filter hides",
+     "=SUBTOTAL(2,A1:B9)", "0"},
 };
 // clang-format on
 static_assert(well_formed(subtotal_table));

@@ -6,10 +6,12 @@
 namespace qto::embedded {
 namespace {
 
-bool link_is_open(const Book& book, std::uint32_t index, const void* data) {
+const Book* open_link(const Book& book, std::uint32_t index, const void* data) {
   const auto* application = static_cast<const ApplicationObject*>(data);
   const ExternalBook& link = book.externals[index];
-  return link.kind == ExternalBook::Kind::workbook && application->find_book(link.name);
+  const OpenBook* open =
+      link.kind == ExternalBook::Kind::workbook ? application->find_book(link.name) : nullptr;
+  return open ? &open->book() : nullptr;
 }
 
 void append_constant(std::string& out, const Book& book, const Cell& cell) {
@@ -38,7 +40,7 @@ RenderContext context_at(const OpenBook& book, const Sheet& sheet, CellPos at) {
   context.book = &book.book();
   context.sheet = &sheet;
   context.at = at;
-  context.is_open = link_is_open;
+  context.find_open = open_link;
   context.data = &book.application();
   return context;
 }

@@ -85,7 +85,9 @@ bool NameObject::Visible() const { return !name().hidden; }
 
 std::string NameObject::RefersTo() const {
   std::string out;
-  name().refers_to->append_formula(out, context_at_active_cell(workbook_->open()));
+  RenderContext context = context_at_active_cell(workbook_->open());
+  context.on_any_sheet = true;
+  name().refers_to->append_formula(out, context);
   return out;
 }
 

@@ -8,12 +8,14 @@
 namespace qto::embedded {
 namespace {
 
-/// An argument as formula text: a range by its address, a value as a literal.
-bool append_argument(std::string& out, const Variant& value, const Book& book) {
+/// An argument as formula text: a range by its address, a value as a literal. Nothing counts as 0,
+/// as an empty cell does that is looked up or stands for a condition.
+void append_argument(std::string& out, const Variant& value, const Book& book) {
   const auto range = ref_cast<host::Range>(value.object());
-  if (!range) return append_literal(out, value, book);
-  out.append(range_of(range).Address(true, true, host::xlA1, true));
-  return true;
+  if (range)
+    out.append(range_of(range).Address(true, true, host::xlA1, true));
+  else if (!append_literal(out, value, book))
+    out.push_back('0');
 }
 
 Variant evaluate_on(const RangeObject& range, std::string_view formula) {
@@ -28,7 +30,7 @@ std::optional<double> WorksheetFunctionObject::Match(const Variant& lookup_value
                                                      std::optional<double> match_type) {
   const RangeObject& range = range_of(lookup_range);
   std::string formula = "MATCH(";
-  if (!append_argument(formula, lookup_value, range.sheet()->open().book())) return std::nullopt;
+  append_argument(formula, lookup_value, range.sheet()->open().book());
   formula.append(",").append(range.Address(true, true, host::xlA1, true));
   if (match_type) {
     formula.push_back(',');
@@ -42,8 +44,7 @@ std::optional<double> WorksheetFunctionObject::Match(const Variant& lookup_value
 double WorksheetFunctionObject::CountIf(const Ref<host::Range>& range, const Variant& criteria) {
   const RangeObject& counted = range_of(range);
   std::string formula = "COUNTIF(" + counted.Address(true, true, host::xlA1, true) + ",";
-  // An empty criterion counts what equals zero, as an empty cell given to the function does.
-  if (!append_argument(formula, criteria, counted.sheet()->open().book())) formula.append("0");
+  append_argument(formula, criteria, counted.sheet()->open().book());
   const Variant result = evaluate_on(counted, formula.append(")"));
   const double* count = result.get_if<double>();
   if (!count) fail("COUNTIF gives no number for " + formula);

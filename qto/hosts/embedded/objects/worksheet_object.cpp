@@ -1,6 +1,7 @@
 #include "qto/hosts/embedded/objects/worksheet_object.hpp"
 
 #include "qto/automation/text.hpp"
+#include "qto/hosts/embedded/formulas/data_table.hpp"
 #include "qto/hosts/embedded/objects/cell_formula.hpp"
 #include "qto/hosts/embedded/objects/chart_objects.hpp"
 #include "qto/hosts/embedded/objects/checks/raise.hpp"
@@ -177,8 +178,14 @@ host::FormulaPattern WorksheetObject::formula_pattern(CellPos pos) const {
   if (id == 0) return {};
   const FormulaRecord& record = open().book().formula(id);
   if (record.kind != FormulaKind::normal) return {};
-  const auto references = record.compiled->moving_references();
+  const auto references = record.compiled->moving_references(open().book());
   return references ? host::FormulaPattern{id, *references} : host::FormulaPattern{};
+}
+
+std::vector<CellPos> WorksheetObject::data_table_sources(CellPos pos) const {
+  const FormulaId id = sheet().formula_at(pos);
+  const auto table = id != 0 ? data_table(open().book().formula(id)) : std::nullopt;
+  return table ? table->sources(pos) : std::vector<CellPos>();
 }
 
 bool WorksheetObject::cell_has_formula(CellPos pos) const { return sheet().formula_at(pos) != 0; }

@@ -47,6 +47,7 @@ class WorksheetObject final : public host::Worksheet {
   Variant cell_value(CellPos pos) const override;
   bool cell_has_formula(CellPos pos) const override;
   host::FormulaPattern formula_pattern(CellPos pos) const override;
+  std::vector<CellPos> data_table_sources(CellPos pos) const override;
 
   /// Null once the sheet is gone.
   embedded::Sheet* find_sheet() const noexcept { return slot_->sheet; }

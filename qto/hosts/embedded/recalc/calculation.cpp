@@ -24,18 +24,28 @@ bool nearly_same(const Variant& before, const Variant& after, double change) {
 }  // namespace
 
 Calculation::Calculation(const std::vector<Book*>& books, const OpenBooks& open, double now)
+    : Calculation(books, open, now, pending_in(books)) {}
+
+Calculation::Calculation(const std::vector<Book*>& books, const OpenBooks& open, double now,
+                         std::span<const CellAddress> changes)
     : open_(open),
       now_(now),
       graph_({books.begin(), books.end()}, &open),
-      changed_(changes_of(graph_, books)),
+      changed_(marked(graph_, changes)),
       search_(graph_, *this, selection(books)),
       evaluator_(*this, functions::registry()) {}
 
-MarkedCells Calculation::changes_of(const FormulaGraph& graph, const std::vector<Book*>& books) {
-  MarkedCells changed(graph);
+std::vector<CellAddress> Calculation::pending_in(const std::vector<Book*>& books) {
+  std::vector<CellAddress> cells;
   for (const Book* book : books)
-    for (const CellAddress& cell : book->pending()) changed.add({cell.sheet, Rect::cell(cell.pos)});
-  return changed;
+    cells.insert(cells.end(), book->pending().begin(), book->pending().end());
+  return cells;
+}
+
+MarkedCells Calculation::marked(const FormulaGraph& graph, std::span<const CellAddress> cells) {
+  MarkedCells marked(graph);
+  for (const CellAddress& cell : cells) marked.add({cell.sheet, Rect::cell(cell.pos)});
+  return marked;
 }
 
 FormulaSelection Calculation::selection(const std::vector<Book*>& books) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <random>
+#include <span>
 #include <vector>
 
 #include "qto/hosts/embedded/evaluate/environment.hpp"
@@ -15,7 +16,11 @@ namespace qto::embedded {
 /// evaluates those that depend on a change.
 class Calculation final : private ComponentVisitor, private Environment {
  public:
+  /// Of what is pending in the books.
   Calculation(const std::vector<Book*>& books, const OpenBooks& open, double now);
+  /// Of what depends on the changes of these cells; nothing else is pending.
+  Calculation(const std::vector<Book*>& books, const OpenBooks& open, double now,
+              std::span<const CellAddress> changes);
   void run();
 
  private:
@@ -31,7 +36,8 @@ class Calculation final : private ComponentVisitor, private Environment {
   double now() const override { return now_; }
   double random() override;
 
-  static MarkedCells changes_of(const FormulaGraph& graph, const std::vector<Book*>& books);
+  static std::vector<CellAddress> pending_in(const std::vector<Book*>& books);
+  static MarkedCells marked(const FormulaGraph& graph, std::span<const CellAddress> cells);
   FormulaSelection selection(const std::vector<Book*>& books);
   bool must_evaluate(const FormulaNode& node);
   bool reads_a_change(const FormulaNode& node);

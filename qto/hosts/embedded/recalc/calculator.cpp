@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qto/hosts/embedded/recalc/calculation.hpp"
+#include "qto/hosts/embedded/recalc/data_tables.hpp"
 
 namespace qto::embedded {
 namespace {
@@ -40,8 +41,11 @@ bool Calculator::needs_calculation(Book& book) const {
 
 void Calculator::calculate(Book& book, double now) {
   const std::vector<Book*> books = linked_with(book);
+  DataTables tables(books, open_, now);
+  tables.note_pending();
   Calculation(books, open_, now).run();
   for (Book* done : books) done->calculation_done();
+  tables.calculate();
 }
 
 }  // namespace qto::embedded

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "qto/hosts/embedded/recalc/accessed_areas.hpp"
+#include "qto/hosts/embedded/evaluate/evaluator.hpp"
+#include "qto/hosts/embedded/functions/registry.hpp"
 #include "qto/hosts/embedded/recalc/acyclic_proof.hpp"
 #include "qto/hosts/embedded/recalc/component_search.hpp"
 
@@ -34,6 +35,35 @@ class Suspects : public ComponentVisitor {
   FormulaGraph& graph_;
   MarkedCells cells_;
   FormulaSelection formulas_;
+};
+
+/// Finds out what a formula reads by evaluating it over the values that the cells hold now.
+class AccessedAreas final : private Environment {
+ public:
+  explicit AccessedAreas(const FormulaGraph& graph)
+      : graph_(graph), evaluator_(*this, functions::registry()) {}
+
+  /// Appends the blocks that an evaluation of the node reads.
+  void list(const FormulaNode& node, std::vector<Area>& out) {
+    const FormulaRecord& record = graph_.record(node);
+    out_ = &out;
+    evaluator_.evaluate(
+        *record.compiled, graph_.sheet(node.sheet), node.at,
+        record.kind == FormulaKind::array ? EvaluationMode::array : EvaluationMode::cell);
+  }
+
+ private:
+  bool ready(const Area& area) override {
+    out_->push_back(area);
+    return true;
+  }
+  Book* find_open_book(std::string_view) const override { return nullptr; }
+  double now() const override { return 1; }
+  double random() override { return 0; }
+
+  const FormulaGraph& graph_;
+  std::vector<Area>* out_ = nullptr;
+  Evaluator evaluator_;
 };
 
 /// Collects the cycles. What a suspect reads of all that it may read turns out in evaluation.

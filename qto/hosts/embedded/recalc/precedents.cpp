@@ -54,15 +54,4 @@ std::optional<Area> resolve_precedent(std::span<const Precedent> items, std::siz
   return Area{area->sheet, *own};
 }
 
-void precedent_areas(const Book& book, Sheet& sheet, CellPos at, const FormulaRecord& record,
-                     std::vector<Area>& out) {
-  const CellPos from = record.kind == FormulaKind::array ? record.block.first : at;
-  const PrecedentList list = list_precedents(book, sheet, record);
-  for (std::size_t i = 0; i < list.items.size();) {
-    const bool read = !list.items[i].watched_only;
-    const std::optional<Area> area = resolve_precedent(list.items, i, sheet, from);
-    if (area && read) out.push_back(*area);
-  }
-}
-
 }  // namespace qto::embedded

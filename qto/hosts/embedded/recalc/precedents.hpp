@@ -52,8 +52,4 @@ PrecedentList list_precedents(const Book& book, const Sheet& sheet, const Formul
 std::optional<Area> resolve_precedent(std::span<const Precedent> items, std::size_t& index,
                                       Sheet& sheet, CellPos at);
 
-/// Appends the blocks that the formula of a cell reads.
-void precedent_areas(const Book& book, Sheet& sheet, CellPos at, const FormulaRecord& record,
-                     std::vector<Area>& out);
-
 }  // namespace qto::embedded

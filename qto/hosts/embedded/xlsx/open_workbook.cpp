@@ -196,6 +196,8 @@ void WorkbookReader::attach_tables(Sheet& sheet, const Relationships& links,
       package_.fail(OpenFailureKind::damaged, part, 0,
                     "the part of the table with the relationship \"" + id + "\" is missing");
     Table table = read_table(package_, *table_part, sheet);
+    if (const auto data = table.data(); data && table.filtered)
+      sheet.layout.add_filter(data->first.row, data->last.row);
     if (!book_->find_table(table.name)) book_->add_table(std::move(table));
   }
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
 #include "qto/hosts/embedded/xlsx/protection.hpp"
 
@@ -26,6 +28,12 @@ double default_width(double base_characters) noexcept {
 
 }  // namespace
 
+bool is_filter_criterion(std::string_view element) noexcept {
+  constexpr std::string_view criteria[] = {"filters",       "customFilters", "top10",
+                                           "dynamicFilter", "colorFilter",   "iconFilter"};
+  return std::ranges::find(criteria, element) != std::end(criteria);
+}
+
 void SheetSettings::start(std::string_view name, const Attributes& attributes) {
   if (name == "sheetFormatPr") return start_format(attributes);
   if (name == "col") return start_column(attributes);
@@ -33,6 +41,9 @@ void SheetSettings::start(std::string_view name, const Attributes& attributes) {
   if (name == "pane") return start_pane(attributes);
   if (name == "selection") return start_selection(attributes);
   if (name == "sheetProtection") return start_protection(attributes);
+  if (name == "autoFilter") return start_filter(attributes);
+  if (name == "customSheetViews") own_views_ = false;
+  if (is_filter_criterion(name)) return take_filter();
   if (name == "mergeCell")
     if (const auto area = parse_area(attributes.text("ref"))) sheet_.merges.push_back(area->rect());
 }
@@ -111,6 +122,17 @@ void SheetSettings::start_selection(const Attributes& attributes) {
     sheet_.selection = area->rect();
     return;
   }
+}
+
+void SheetSettings::start_filter(const Attributes& attributes) {
+  const auto area = parse_area(attributes.text("ref"));
+  filter_ = area && own_views_ ? area->rect() : Rect{};
+}
+
+/// Notes the filter once, whatever number of its columns have criteria.
+void SheetSettings::take_filter() {
+  const Rect filter = std::exchange(filter_, Rect{});
+  if (filter.rows() > 1) sheet_.layout.add_filter(filter.first.row + 1, filter.last.row);
 }
 
 void SheetSettings::start_protection(const Attributes& attributes) {

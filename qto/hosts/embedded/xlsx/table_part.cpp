@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "qto/hosts/embedded/xlsx/sheet_settings.hpp"
 #include "qto/hosts/embedded/xlsx/xml_reader.hpp"
 #include "qto/hosts/embedded/xlsx/xml_value.hpp"
 
@@ -17,6 +18,7 @@ class TableHandler final : public XmlHandler {
   void on_start(Space space, std::string_view name, const Attributes& attributes) override {
     if (space != Space::main) return;
     if (name == "table") return start_table(attributes);
+    if (is_filter_criterion(name)) into_.filtered = true;
     if (name != "tableColumn") return;
     std::string column(attributes.text("name"));
     decode_escapes(column);
