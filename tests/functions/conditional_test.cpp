@@ -53,6 +53,32 @@ TEST(Criteria, CountBlanksOfWholeColumnsByArithmetic) {
                                  {"=COUNTBLANK(A:A)", "1048569"}});
 }
 
+TEST(Conditional, ConditionsOfEveryForm) {
+  expect_results(
+      "A1=1; A2=2; A3=x; A4=#N/A; A5=TRUE; A7=2; B1=10; B2=20; B3=30; B4=40; B5=50; B6=60; B7=70;"
+      "C1=2; C2=; C3=>1",
+      {{"=SUMIFS(B1:B7,A1:A7,C1)", "90"},
+       {"=SUMIFS(B1:B7,A1:A7,\">\"&C1-1)", "90"},
+       {"=SUMIFS(B1:B7,A1:A7,C3)", "90"},
+       {"=SUMIFS(B1:B7,A1:A7,C9)", "0"},
+       {"=SUMIFS(B1:B7,A1:A7,\"\")", "60"},
+       {"=SUMIFS(B1:B7,A1:A7,\"<>\")", "220"},
+       {"=SUMIFS(B1:B7,A1:A7,\"=\")", "60"},
+       {"=SUMIFS(B1:B7,A1:A7,TRUE)", "50"},
+       {"=SUMIFS(B1:B7,A1:A7,#N/A)", "40"},
+       {"=SUMIFS(B1:B7,A1:A7,\"#N/A\")", "40"},
+       {"=SUM(SUMIFS(B1:B7,A1:A7,{1,\"x\"}))", "40"},
+       {"=SUMIFS(B1:B7,B1:B7,\">=20\",B1:B7,\"<=30\")", "50"},
+       {"=SUMIFS(B1:B7,A1:A6,1)", "#VALUE!"},
+       {"=COUNTIFS(A1:A7,C1,B1:B7,\">20\")", "1"},
+       {"=COUNTIFS(A1:A7,\"<>x\")", "6"},
+       {"=SUMPRODUCT((B1:B3>10)*(B1:B3<=30)*B1:B3)", "50"},
+       {"=SUMPRODUCT(--(B1:B7>C1*10),B1:B7)", "250"},
+       {"=SUMPRODUCT((A1:A3=\"x\")*1)", "1"},
+       {"=SUMPRODUCT((A1:A4=2)*B1:B4)", "#N/A"},
+       {"=SUMPRODUCT(ISNUMBER(A1:A7)*B1:B7)", "100"}});
+}
+
 TEST(Subtotals, PassOverEachOtherAndHiddenRows) {
   SmallBook book("A1=1; A2=2; A4=4; A5=#N/A");
   book.fill("A3==SUBTOTAL(9,A1:A2)");
@@ -82,12 +108,11 @@ TEST(Subtotals, PassOverRowsThatAFilterHides) {
 }
 
 TEST(Subtotals, CountingGoesOnBehindErrors) {
-  const SmallBook book("A1=1; A2=#N/A; A3=x; A4=4");
-  expect_results(book, {{"=SUBTOTAL(2,A1:A5)", "2"},
-                        {"=SUBTOTAL(3,A1:A5)", "4"},
-                        {"=AGGREGATE(3,4,A1:A5)", "4"},
-                        {"=AGGREGATE(3,6,A1:A5)", "3"},
-                        {"=SUBTOTAL(9,A1:A5)", "#N/A"}});
+  expect_results("A1=1; A2=#N/A; A3=x; A4=4", {{"=SUBTOTAL(2,A1:A5)", "2"},
+                                               {"=SUBTOTAL(3,A1:A5)", "4"},
+                                               {"=AGGREGATE(3,4,A1:A5)", "4"},
+                                               {"=AGGREGATE(3,6,A1:A5)", "3"},
+                                               {"=SUBTOTAL(9,A1:A5)", "#N/A"}});
 }
 
 }  // namespace

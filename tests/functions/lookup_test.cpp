@@ -36,6 +36,49 @@ TEST(Lookup, SearchesSortedValues) {
                                 {"=LOOKUP(250,E1:G2)", "y"}});
 }
 
+TEST(Lookup, TheFormOfArraysGivesTheLastRowOrColumn) {
+  expect_results(lookup_cells, {{"=LOOKUP(20,B1:C3)", "3"},
+                                {"=LOOKUP(\"banana\",A1:B3)", "20"},
+                                {"=LOOKUP(\"banana\",A1:B3,C1:C3)", "3"},
+                                {"=LOOKUP(200,E1:G2)", "y"},
+                                {"=LOOKUP(2,{1,\"a\";2,\"b\"})", "b"},
+                                {"=LOOKUP(5,B1:C3)", "#N/A"},
+                                {"=LOOKUP(H9,{0,1},{\"zero\",\"one\"})", "zero"},
+                                {"=VLOOKUP(H9,{0,\"a\";1,\"b\"},2)", "a"},
+                                {"=MATCH(H9,{0,1},0)", "1"},
+                                {"=MATCH(\"3/4\",{45000,\"3/4\"},0)", "2"}});
+}
+
+TEST(Choice, OfEveryForm) {
+  expect_results(lookup_cells, {{"=IF(3,\"yes\",\"no\")", "yes"},
+                                {"=IF(H9,\"yes\",\"no\")", "no"},
+                                {"=IF(\"true\",1,2)", "1"},
+                                {"=IF(\"x\",1,2)", "#VALUE!"},
+                                {"=IF(TRUE,,2)", "0"},
+                                {"=IF(FALSE,1)", "FALSE"},
+                                {"=IFS(B1>10,1,B1=10,2,TRUE,3)", "2"},
+                                {"=IFS(FALSE,1)", "#N/A"},
+                                {"=IFS(NA(),1,TRUE,2)", "#N/A"},
+                                {"=IFS(B1,C2)", "3"},
+                                {"=SWITCH(B2,10,\"a\",20,\"b\",\"c\")", "b"},
+                                {"=SWITCH(99,10,\"a\",20,\"b\",\"c\")", "c"},
+                                {"=SWITCH(TRUE,B1>10,\"a\",B1>5,\"b\")", "b"},
+                                {"=SWITCH(\"1\",1,\"a\",\"b\")", "b"},
+                                {"=CHOOSE(2.9,1,2,3)", "2"},
+                                {"=CHOOSE(0,1,2)", "#VALUE!"},
+                                {"=SUM(B1:CHOOSE(2,B2,B3))", "60"},
+                                {"=SUM(IF(TRUE,B1:B3,C1:C3))", "60"},
+                                {"=SUM(B1:IF(FALSE,B3,B2))", "30"},
+                                {"=ROWS(IFS(TRUE,B1:B3))", "3"},
+                                {"=ROWS(SWITCH(1,1,B1:B3))", "3"},
+                                {"=IFERROR(VLOOKUP(\"plum\",A1:B3,2,0),\"none\")", "none"},
+                                {"=IFERROR(H9,1)", "0"},
+                                {"=IFNA(1/0,1)", "#DIV/0!"},
+                                {"=XLOOKUP(99,B1:B3,A1:A3,C2)", "3"},
+                                {"=SUM(B1:XLOOKUP(20,B1:B3,B1:B3))", "30"},
+                                {"=XLOOKUP(200,E1:G1,E2:G2)", "y"}});
+}
+
 TEST(Lookup, ExtendedFormsGoBothWays) {
   expect_results(lookup_cells,
                  {{"=XLOOKUP(20,B1:B3,A1:A3)", "Banana"},

@@ -10,7 +10,7 @@ namespace qto::embedded {
 namespace {
 
 /// Tables may rest on tables; those that rest on themselves come to no end.
-constexpr int most_rounds = 8;
+constexpr int most_table_rounds = 8;
 
 Variant value_at(const Sheet& sheet, CellPos pos) {
   const Cell* cell = sheet.cells.find(pos);
@@ -96,7 +96,7 @@ void DataTables::note_changes(std::span<const CellAddress> changes, bool everyth
 }
 
 void DataTables::calculate() {
-  for (int round = 0; round < most_rounds; ++round) {
+  for (int round = 0; round < most_table_rounds; ++round) {
     std::vector<CellAddress> changes;
     for (const Entry& entry : entries_) {
       if (!entry.stale) continue;
