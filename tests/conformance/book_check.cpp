@@ -133,7 +133,11 @@ class Check {
     const bool array = record.kind == FormulaKind::array;
     const CellPos first = array ? record.block.first : cell.pos;
     std::string text;
-    record.compiled->append_local(text, {&book_, cell.sheet, first, nullptr, nullptr});
+    RenderContext context;
+    context.book = &book_;
+    context.sheet = cell.sheet;
+    context.at = first;
+    record.compiled->append_local(text, context);
     result_.differences.push_back({reason, cell.sheet->name + '!' + address_of(cell.pos), text,
                                    shown(got), shown(view_of(cell.value)), array});
   }
