@@ -54,6 +54,7 @@ class EveryProcedure : public testing::Test {
     (void)drill.InputCells(), (void)drill.ErrorCells(), (void)drill.StartUnderlyingObject();
     (void)drill.BooksNotOpened(), (void)drill.PartsAnalysed(), (void)drill.DrillOptions();
     (void)drill.ExceededMaxItems(), (void)drill.MaxItems();
+    (void)drill.OpaqueCells(), (void)drill.Circles();
     drill.put_MaximumDepth(drill.MaximumDepth());
     drill.put_IgnoreConstantIfZeroOrOne(drill.IgnoreConstantIfZeroOrOne());
   }
@@ -69,6 +70,7 @@ class EveryProcedure : public testing::Test {
     options.put_ParseOffset(options.ParseOffset());
     options.put_ParseIndex(options.ParseIndex());
     options.put_ParseMatch(options.ParseMatch());
+    options.put_Reading(options.Reading());
   }
 
   void touch(ModelPart& part) {
@@ -82,6 +84,7 @@ class EveryProcedure : public testing::Test {
     (void)part.IsConstant(), (void)part.HasConstant(), (void)part.ResultsSet();
     (void)part.LocalFile(), (void)part.AddressShortLocal(), (void)part.Text(), (void)part.Formula();
     (void)part.AddressLong(qtoaddressPath), (void)part.AddressLongLocal(qtoaddressBook);
+    (void)part.DrillRemark();
     (void)part.FormulaLocal(), (void)part.FormulaHidden(), (void)part.EmbeddedChartName();
     (void)part.ExcelApplication(), (void)part.Sheet(), (void)part.ObjectType();
     part.putref_DirectPrecedents(Ref<ModelParts>(part.DirectPrecedents()));
