@@ -10,7 +10,6 @@
 #include "qto/model/series_formula.hpp"
 
 namespace qto {
-
 namespace {
 
 /// The text that a drill reads a million formulas into, or one of its own: a host that is asked for
