@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <vector>
 
 #include "cli/answer/answer_json.hpp"
 #include "cli/answer/answer_text.hpp"
 #include "cli/answer/drill.hpp"
 #include "cli/answer/refusal.hpp"
 #include "cli/asking/complaint.hpp"
+#include "cli/asking/starts.hpp"
 #include "cli/book/contents.hpp"
 #include "cli/book/item.hpp"
 #include "cli/book/open_start_book.hpp"
@@ -106,32 +109,72 @@ class Run {
   }
 
   ExitStatus drill() {
-    const auto start = find_start(book_, arguments_.item);
+    std::vector<Start> starts;
+    for (const std::string& text : written_starts(arguments_))
+      std::ranges::move(find_starts(book_, text), std::back_inserter(starts));
+    JsonWriter json(stdout);
+    const ExitStatus status =
+        starts.size() == 1 ? drill_from(starts[0], reports_, json) : drill_from_each(starts, json);
+    if (arguments_.json) json.finish();
+    return std::max(status, finish());
+  }
+
+  ExitStatus drill_from(const Start& start, const Reports& reports, JsonWriter& json) {
     Drill drill(arguments_, progress_);
     progress_.stage("following formulas");
     try {
-      drill.run(start);
+      drill.run(start.object);
     } catch (const AutomationError& error) {
-      throw Complaint(refused, refusal_text(error.number, book_, arguments_.item, start),
+      throw Complaint(refused, refusal_text(error.number, book_, start.text, start.object),
                       error_number_text(error.number));
     }
     // On a terminal the answer itself is what moves.
     is_terminal(Stream::output) ? progress_.hide() : progress_.stage("writing the answer");
     if (arguments_.json)
-      write_drill(arguments_, drill, failures_, reports_, progress_);
+      write_drill(json, arguments_, drill, failures_, reports, progress_);
     else
       print_drill(arguments_, drill, failures_, progress_);
-    const ExitStatus status = finish(drill.ended_by());
-    return drill.engine().ExceededMaxItems() ? done_in_part : status;
+    if (!drill.ended_by().empty()) ended_by_ = drill.ended_by();
+    return drill.engine().ExceededMaxItems() ? done_in_part : done;
   }
 
-  ExitStatus finish(const std::string& ended_by = {}) {
+  /// One answer after the other. A start that is refused does not keep the others from theirs.
+  ExitStatus drill_from_each(const std::vector<Start>& starts, JsonWriter& json) {
+    if (arguments_.json) begin_answers(json, arguments_.operation);
+    ExitStatus status = done;
+    std::size_t refusals = 0;
+    for (const Start& start : starts) {
+      if (!arguments_.json && &start != &starts.front()) fmt::print("\n");
+      try {
+        const Reports reports;
+        status = std::max(status, drill_from(start, reports, json));
+      } catch (const Complaint& complaint) {
+        ++refusals;
+        refuse(start, complaint, json);
+      }
+      if (!ended_by_.empty()) break;
+    }
+    if (arguments_.json) end_answers(json);
+    if (refusals == starts.size()) return refused;
+    return refusals > 0 ? done_in_part : status;
+  }
+
+  void refuse(const Start& start, const Complaint& complaint, JsonWriter& json) {
+    progress_.hide();
+    if (!arguments_.json) return print_complaint(complaint, false);
+    json.begin_object();
+    json.member("item", start.text);
+    write_error(json, complaint);
+    json.end_object();
+  }
+
+  ExitStatus finish() {
     std::fflush(stdout);
     progress_.hide();
-    if (!ended_by.empty())
-      fmt::print(stderr, "qto: {}; this is what was found until then\n", ended_by);
+    if (!ended_by_.empty())
+      fmt::print(stderr, "qto: {}; this is what was found until then\n", ended_by_);
     reports_.print();
-    return !ended_by.empty() || reports_.count() > 0 ? done_in_part : done;
+    return !ended_by_.empty() || reports_.count() > 0 ? done_in_part : done;
   }
 
   const Arguments& arguments_;
@@ -142,6 +185,7 @@ class Run {
   embedded::Application application_;
   OpenFailures failures_{application_};
   Ref<host::Workbook> book_;
+  std::string ended_by_;  // what ended a drill before its time
 };
 
 int complain(const Arguments& arguments, const Complaint& complaint) {

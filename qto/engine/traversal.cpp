@@ -325,7 +325,6 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
         find_precedents_if_necessary(part);
         Ref<ModelParts> list = part->direct();
         bool any_error = false;
-        if (list) mark_names_of_errors(*list);
         if (list) any_error = list->any_error(drill_number_);
         if (any_error) return list;
         add_to(*error_cells_, part);

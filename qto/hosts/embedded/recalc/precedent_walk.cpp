@@ -287,13 +287,6 @@ void PrecedentWalk::visit_invocation(const Part& part) {
     push(part.child(child, Use::full));
 }
 
-/// What the function makes of its arguments shows in evaluation only.
-void PrecedentWalk::visit_invocation(const Part& part) {
-  for (formula::NodeIndex child = part.at().first_child; child != formula::no_node;
-       child = part.tree->at(child).next)
-    push(part.child(child, Use::full));
-}
-
 bool PrecedentWalk::is_local(const Part& part, std::string_view name) const {
   return std::any_of(locals_.begin(), locals_.end(), [&](const auto& local) {
     return local.first == part.tree && text::equal_fold(local.second, name);
