@@ -5,7 +5,7 @@ QTO := build/release/bin/qto
 SOURCE_DIRS := $(wildcard qto cli examples tests benchmarks)
 SOURCES = $(shell find $(SOURCE_DIRS) -name '*.hpp' -o -name '*.cpp')
 
-.PHONY: help demo build test benchmarks headers sanitize windows tidy bench format check packages dev-packages clean
+.PHONY: help demo build test benchmarks headers sanitize tsan windows tidy bench format check packages dev-packages clean
 .DEFAULT_GOAL := help
 
 help: ## list the targets
@@ -36,6 +36,11 @@ sanitize: packages ## the tests under AddressSanitizer and UndefinedBehaviorSani
 	cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize
+
+tsan: packages ## the tests of threads under ThreadSanitizer
+	cmake --preset tsan
+	cmake --build --preset tsan
+	ctest --preset tsan
 
 windows: ## the same libraries and command for Windows, tests under Wine; left out where that cannot be
 	tools/windows/check.sh x64

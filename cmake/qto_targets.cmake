@@ -17,6 +17,10 @@ if(WIN32)
   target_compile_options(qto_flags INTERFACE
     $<BUILD_INTERFACE:-Wno-attributes;-Wno-maybe-uninitialized>)
 endif()
+if(QTO_SANITIZE_THREADS)
+  target_compile_options(qto_flags INTERFACE $<BUILD_INTERFACE:-fsanitize=thread>)
+  target_link_options(qto_flags INTERFACE $<BUILD_INTERFACE:-fsanitize=thread>)
+endif()
 if(QTO_SANITIZE)
   # Null is found by AddressSanitizer as well, and alignment, harmless on the machines we build for,
   # doubles the time that the compiler takes.

@@ -17,15 +17,16 @@ enum class ErrorNumber : std::int32_t {
   unknown_token = static_cast<std::int32_t>(0x80040007),
 };
 
-/// A failure that the client must handle. It carries a number and nothing else: no source, no
-/// description. `reported_first` marks the ones that pass the error report on their way out.
+/// A failure that the client must handle. It carries a number and nothing else. `reported_first`
+/// marks the ones that pass the error report on their way out.
 class AutomationError : public std::exception {
  public:
   explicit AutomationError(std::int32_t error_number, bool report = false) noexcept
       : number(error_number), reported_first(report) {}
   explicit AutomationError(ErrorNumber error_number, bool report = false) noexcept
       : AutomationError(static_cast<std::int32_t>(error_number), report) {}
-  const char* what() const noexcept override { return ""; }
+  /// A sentence for the reader.
+  const char* what() const noexcept override;
 
   std::int32_t number;
   bool reported_first;

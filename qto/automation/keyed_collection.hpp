@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -28,10 +30,15 @@ class KeyedCollection {
   bool add(Key key, Ref<T> item) {
     if (find_slot(key) != none) return false;
     slots_.push_back({std::move(key), std::move(item)});
-    if (index_)
-      index_->insert(slots_, slots_.size() - 1);
-    else if (slots_.size() > linear_limit)
-      rebuild_index();
+    try {
+      if (index_)
+        index_->insert(slots_, slots_.size() - 1);
+      else if (slots_.size() > linear_limit)
+        rebuild_index();
+    } catch (...) {
+      slots_.pop_back();  // an item that cannot be found was not added
+      throw;
+    }
     return true;
   }
 
@@ -137,7 +144,7 @@ class KeyedCollection {
       ++used_;
     }
     void grow(const Slots& slots) {
-      entries_.assign(entries_.size() * 2, {});
+      entries_ = std::vector<Entry>(entries_.size() * 2);
       used_ = 0;
       for (std::size_t slot = 0; slot < slots.size(); ++slot)
         if (slots[slot].item) place(slots[slot].key.hash(), static_cast<std::uint32_t>(slot));
@@ -173,18 +180,42 @@ class KeyedCollection {
   void close_holes() {
     std::erase_if(slots_, [](const Slot& slot) { return !slot.item; });
     holes_ = 0;
-    if (index_) rebuild_index();
+    if (!std::exchange(index_, nullptr)) return;
+    try {
+      rebuild_index();
+    } catch (const std::bad_alloc&) {
+      // Searched item by item until there is memory for one.
+    }
   }
 
   void rebuild_index() {
-    index_ = std::make_unique<Index>(slots_.size());
-    for (std::size_t slot = 0; slot < slots_.size(); ++slot) index_->insert(slots_, slot);
+    auto index = std::make_unique<Index>(slots_.size());
+    for (std::size_t slot = 0; slot < slots_.size(); ++slot) index->insert(slots_, slot);
+    index_ = std::move(index);
   }
 
   Slots slots_;
   std::unique_ptr<Index> index_;
   std::uint32_t holes_ = 0;
   std::uint32_t passes_ = 0;
+};
+
+/// A walk as C++ loops take it; each item stays alive until the next one is asked for.
+template <class T, class Pass>
+class PassIterator {
+ public:
+  explicit PassIterator(Pass pass) : pass_(std::move(pass)), item_(pass_.next()) {}
+  T& operator*() const noexcept { return *item_; }
+  T* operator->() const noexcept { return item_.get(); }
+  PassIterator& operator++() {
+    item_ = Ref<T>(pass_.next());
+    return *this;
+  }
+  bool operator==(std::default_sentinel_t) const noexcept { return !item_; }
+
+ private:
+  Pass pass_;
+  Ref<T> item_;
 };
 
 }  // namespace qto

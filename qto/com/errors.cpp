@@ -21,31 +21,9 @@ std::int32_t current_error_number() noexcept {
   }
 }
 
-namespace {
-
-std::string_view text_of(std::int32_t number) {
-  switch (static_cast<ErrorNumber>(number)) {
-    case ErrorNumber::wrong_object:
-      return "The object cannot be followed: give one cell, a chart's series or a ModelPart.";
-    case ErrorNumber::no_formula:
-      return "The start cell holds no formula.";
-    case ErrorNumber::circular_reference:
-      return "The start workbook holds a circular reference.";
-    case ErrorNumber::out_of_range:
-      return "The value is out of range, or the property cannot be written in this state.";
-    case ErrorNumber::unknown_token:
-      return "A formula holds a part of a kind that is not known.";
-  }
-  return "";
-}
-
-}  // namespace
-
 std::string current_error_text() {
   try {
     throw;
-  } catch (const AutomationError& error) {
-    return std::string(text_of(error.number));
   } catch (const std::exception& failure) {
     return failure.what();
   } catch (...) {

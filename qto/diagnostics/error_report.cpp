@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "qto/automation/apartment.hpp"
 #include "qto/diagnostics/error_dialog.hpp"
 #include "qto/diagnostics/mail_report.hpp"
 #include "qto/diagnostics/subject.hpp"
@@ -22,10 +23,9 @@ struct ReportingState {
   bool reporting = false;
 };
 
-ReportingState& reporting_state() {
-  static ReportingState instance;
-  return instance;
-}
+thread_local constinit ApartmentState<ReportingState> reporting;
+
+ReportingState& reporting_state() { return reporting.get(); }
 
 /// Set while a report is being made.
 class Reporting {
@@ -130,12 +130,12 @@ std::string ErrorReport::further_lines() const {
 }
 
 Outcome report_error(const Failure& failure, QualifiedName procedure, int line) {
-  const Reporting reporting;
+  const Reporting in_progress;
   if (failure.number == send_saved_report)
-    return reporting.outermost() ? send_and_thank() : Outcome::leave;
+    return in_progress.outermost() ? send_and_thank() : Outcome::leave;
   save(failure);
   ErrorReport report = compose(failure, procedure, line);
-  if (!reporting.outermost()) {
+  if (!in_progress.outermost()) {
     reporting_state().reported(report);
     return Outcome::leave;
   }

@@ -9,7 +9,7 @@
 #include "qto/diagnostics/trace.hpp"
 
 /// The standard error report: what happens when a failure arises inside a procedure and is not
-/// expected there. Process-wide, like the rest of the diagnostics.
+/// expected there. All of it belongs to the calling thread's apartment.
 namespace qto::diagnostics {
 
 /// What the procedure in which a failure arose does next; the number is the position of the

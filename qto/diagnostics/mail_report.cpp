@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "qto/automation/apartment.hpp"
 #include "qto/diagnostics/procedure.hpp"
 
 namespace qto::diagnostics {
@@ -12,10 +13,9 @@ struct MailState {
   FollowHyperlink follow = nullptr;
 };
 
-MailState& mail_state() {
-  static MailState instance;
-  return instance;
-}
+thread_local constinit ApartmentState<MailState> mail;
+
+MailState& mail_state() { return mail.get(); }
 
 constexpr std::string_view omission = " ...";
 

@@ -14,10 +14,10 @@ struct SubjectMark {
   const void* subject = nullptr;
   DescribeSubject describe = nullptr;
 };
-inline SubjectMark current_subject;
+inline thread_local constinit SubjectMark current_subject;
 }  // namespace detail
 
-/// Marks what is being parsed while it lives.
+/// Marks what is being parsed on this thread while it lives.
 class Subject {
  public:
   Subject(const void* subject, DescribeSubject describe) noexcept

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <span>
 #include <string_view>
 
-/// The call trace. State is process-wide and unguarded, like the rest of the engine.
+/// The call trace. Each apartment traces its own calls.
 ///
 /// While tracing is on, every procedure registers on entry and on exit. Two outputs may be switched
 /// on beside the call stack: a log and a viewer (trace_outputs.hpp).
@@ -19,15 +20,20 @@ struct QualifiedName {
 };
 
 namespace detail {
-/// Hidden: every procedure reads it, and one library holds them all.
-[[gnu::visibility("hidden")]] inline bool tracing_on = false;
+/// How many threads trace. Hidden: every procedure reads it, and one library holds them all.
+[[gnu::visibility("hidden")]] inline constinit std::atomic<std::int32_t> tracing_threads = 0;
+[[gnu::cold]] bool this_thread_traces() noexcept;
 }  // namespace detail
 
 /// False by default; then procedures do not touch the call stack at all.
 #ifdef QTO_WITHOUT_TRACING  // only to measure what the test of the flag costs
 constexpr bool tracing() noexcept { return false; }
 #else
-inline bool tracing() noexcept { return detail::tracing_on; }
+inline bool tracing() noexcept {
+  if (detail::tracing_threads.load(std::memory_order_relaxed) == 0) [[likely]]
+    return false;
+  return detail::this_thread_traces();
+}
 #endif
 /// Switching on begins with an empty call stack; calls that are open already are no part of it.
 void set_tracing(bool on);

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "qto/automation/apartment.hpp"
 #include "qto/automation/error.hpp"
 #include "qto/automation/file_path.hpp"
 #include "qto/diagnostics/procedure.hpp"
@@ -89,10 +90,9 @@ struct State {
   bool writing = false;
 };
 
-State& state() {
-  static State instance;
-  return instance;
-}
+thread_local constinit ApartmentState<State> outputs_of_thread;
+
+State& state() { return outputs_of_thread.get(); }
 
 /// Runs one output as a statement of its own procedure; one that fails for good is switched off,
 /// for it would fail again at every call of the engine.

@@ -66,38 +66,49 @@ void DrillDown::putref_DrillOptions(const Ref<qto::DrillOptions>& options) {
   clsParser_->putref_ParseOptions(options);
 }
 
+namespace {
+
+/// Null for an object that has none above it, such as the application.
+Ref<host::Workbook> workbook_above(const Ref<host::HostObject>& object) {
+  for (auto owner = object->Parent(); owner; owner = owner->Parent()) {
+    if (auto workbook = ref_cast<host::Workbook>(owner)) return workbook;
+    if (ref_cast<host::Application>(owner)) break;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
 void DrillDown::putref_StartUnderlyingObject(const Ref<Object>& object) {
   Procedure proc("DrillDown", "StartUnderlyingObject[Set]");
   if (!object) throw AutomationError(ErrorNumber::wrong_object);
-  if (object->TypeName() == "ModelPart") return accept_part(ref_cast<ModelPart>(object));
+  if (const auto part = ref_cast<ModelPart>(object)) return accept_part(part);
   const auto host_object = ref_cast<host::HostObject>(object);
   if (!host_object) throw AutomationError(ErrorNumber::wrong_object);
-  Ref<host::HostObject> owner = host_object;
-  const bool found_owner = proc.step([&] {
-    do owner = owner->Parent();
-    while (owner && owner->TypeName() != "Workbook" && owner->TypeName() != "Application");
+  Ref<host::Workbook> workbook;
+  bool told = false;
+  (void)proc.step([&] {
+    workbook = workbook_above(host_object);
+    told = true;
   });
-  if (!found_owner) return;
-  if (!owner || owner->TypeName() == "Application")
-    throw AutomationError(ErrorNumber::wrong_object);
-  start_workbook_ = ref_cast<host::Workbook>(owner);
-  const std::string_view kind = object->TypeName();
-  if (kind == "Range") {
-    if (!proc.step([&] { check_range(ref_cast<host::Range>(object)); })) return;
-  } else if (kind != "Series") {
-    throw AutomationError(ErrorNumber::wrong_object);
-  }
+  if (!told) return;
+  if (!workbook) throw AutomationError(ErrorNumber::wrong_object);
+  const auto range = ref_cast<host::Range>(object);
+  if (!range && !ref_cast<host::Series>(object)) throw AutomationError(ErrorNumber::wrong_object);
+  if (range && !proc.step([&] { check_range(range); })) return;
   if (!proc.step([&] { enter_context(host_object->Application()); })) return;
+  start_workbook_ = workbook;
   start_object_ = object;
   start_part_ = make_ref<ModelPart>(context_);
-  start_part_->Create(object, kind);
+  start_part_->Create(object, range ? "Range" : "Series");
 }
 
 void DrillDown::accept_part(const Ref<ModelPart>& part) {
   Procedure proc("DrillDown", "StartUnderlyingObject[Set]");
   (void)proc.step([&] {
     const auto object = ref_cast<host::HostObject>(part->UnderlyingObject());
-    if (!object) throw NumberedFailure(91, "the part has no object in an open workbook");
+    // An unknown part, or one whose workbook is closed.
+    if (!object) throw AutomationError(ErrorNumber::wrong_object);
     enter_context(object->Application());
     start_part_ = part;
     start_part_->join(context_);

@@ -96,6 +96,7 @@ class DrillDown : public Object {
   host::Application& application() const;
 
   // Set-up and limits
+  class Operation;
   void set_up();
   void refuse_circular_start();
   bool contains_circular_reference(const Ref<host::Workbook>& workbook);
@@ -104,7 +105,7 @@ class DrillDown : public Object {
   std::int32_t non_negative(std::int32_t value);
 
   // Traversal
-  struct Frame;
+  struct Entered;
   class Walk;
   void drill_this_cell(const Ref<ModelPart>& start);
   void drill_to_inputs(const Ref<ModelPart>& start);
@@ -160,6 +161,7 @@ class DrillDown : public Object {
   bool exceeded_ = false;
   bool ignore_zero_or_one_ = false;
   bool met_cycle_ = false;
+  bool at_work_ = false;
 };
 
 }  // namespace qto

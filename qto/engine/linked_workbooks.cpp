@@ -9,19 +9,9 @@ namespace {
 /// Opens read-only; a host failure is a null result.
 Ref<host::Workbook> try_open(host::Application& app, const std::string& full_name,
                              const std::string& password) {
-  try {
-    return app.Workbooks()->Open(full_name, {}, true, password);
-  } catch (const std::exception&) {
-    return nullptr;
-  }
-}
-
-void bring_to_front(host::Application& app) {
-  try {
-    app.bring_to_front();
-  } catch (const std::exception&) {
-    // A window that stays behind is no reason not to open.
-  }
+  Ref<host::Workbook> opened;
+  (void)host::tried([&] { opened = app.Workbooks()->Open(full_name, {}, true, password); });
+  return opened;
 }
 
 }  // namespace
@@ -43,7 +33,8 @@ qtoReasonNotOpened DrillDown::open_linked_book(Ref<ModelPart>& part) {
     BeforeInternetAccess(part->WorkBookPath(), part->WorkBookName(), cancel);
     if (cancel) return record(qtownoUserDecision);
   }
-  bring_to_front(app);
+  // A window that stays behind is no reason not to open.
+  (void)host::tried([&] { app.bring_to_front(); });
   std::string password;
   auto workbook = try_open(app, full_name, password);
   if (!workbook) {

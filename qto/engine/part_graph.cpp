@@ -1,24 +1,38 @@
 #include "qto/engine/part_graph.hpp"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
 #include <new>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "qto/automation/apartment.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
 
 namespace qto {
 namespace {
 
-/// Never destroyed: what is still watched when the process ends needs no taking down.
-std::vector<Ref<ModelPart>>& watched() {
-  using Parts = std::vector<Ref<ModelPart>>;
-  alignas(Parts) static std::byte place[sizeof(Parts)];
-  static auto* const parts = new (place) Parts;
-  return *parts;
-}
+/// The parts of an apartment that are watched. With their thread the lost ones go as well.
+struct Watched {
+  std::vector<Ref<ModelPart>> parts;
+  Watched() = default;
+  Watched(const Watched&) = delete;
+  Watched& operator=(const Watched&) = delete;
+  ~Watched() {
+    try {
+      release_lost();
+    } catch (const std::bad_alloc&) {
+      // A circle stays.
+    }
+  }
+  void release_lost();
+};
+
+thread_local constinit ApartmentState<Watched> watched_of_thread;
+
+std::vector<Ref<ModelPart>>& watched() { return watched_of_thread.get().parts; }
 
 /// Direct precedents, and all of them where some were left out.
 std::array<Ref<ModelParts>, 2> lists_of(ModelPart& part) {
@@ -89,23 +103,30 @@ void watch_graph(const Ref<ModelPart>& start, ModelParts& parts) {
   parts.for_each([](ModelPart& part) { watch(part); });
 }
 
-void release_lost_graphs() {
-  if (watched().empty()) return;
-  std::vector<Ref<ModelPart>> parts;
+void release_lost_graphs() noexcept {
+  try {
+    watched_of_thread.get().release_lost();
+  } catch (const std::bad_alloc&) {
+    // The next time.
+  }
+}
+
+void Watched::release_lost() {
+  if (parts.empty()) return;
+  std::vector<Ref<ModelPart>> all;
   {
     // A part may have been watched by several drills; it is one reference here.
     std::unordered_map<ModelPart*, bool> once;
-    for (auto& part : watched())
-      if (once.try_emplace(part.get(), true).second) parts.push_back(part);
-    watched().clear();
+    for (const auto& part : parts)
+      if (once.try_emplace(part.get(), true).second) all.push_back(part);
   }
+  parts = std::move(all);
   const Reachability outside(parts);
-  for (auto& part : parts) {
-    if (outside.reaches(part.get()))
-      watched().push_back(part);
-    else
-      part->clear_precedents();
-  }
+  const auto lost = std::stable_partition(
+      parts.begin(), parts.end(), [&](const auto& part) { return outside.reaches(part.get()); });
+  all.assign(lost, parts.end());
+  parts.erase(lost, parts.end());
+  for (const auto& part : all) part->clear_precedents();
 }
 
 }  // namespace qto

@@ -14,6 +14,6 @@ class ModelParts;
 /// Watches the parts of a drill that met a circle.
 void watch_graph(const Ref<ModelPart>& start, ModelParts& parts);
 /// Takes down every watched part that nobody outside can reach any more.
-void release_lost_graphs();
+void release_lost_graphs() noexcept;
 
 }  // namespace qto

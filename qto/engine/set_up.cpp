@@ -1,15 +1,33 @@
+#include <atomic>
+
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/engine/memory_status.hpp"
 #include "qto/host/host.hpp"
-#include "qto/host/insist.hpp"
+#include "qto/host/restore.hpp"
 #include "qto/links/main.hpp"
 
 namespace qto {
 
+/// From an event of an operation none can be started: its collections are in use.
+class DrillDown::Operation {
+ public:
+  explicit Operation(DrillDown& drill) : drill_(drill) {
+    if (drill_.at_work_) throw AutomationError(ErrorNumber::out_of_range);
+    drill_.at_work_ = true;
+  }
+  Operation(const Operation&) = delete;
+  Operation& operator=(const Operation&) = delete;
+  ~Operation() { drill_.at_work_ = false; }
+
+ private:
+  DrillDown& drill_;
+};
+
 void DrillDown::DrillHere() {
   Procedure proc("DrillDown", "DrillHere");
+  const Operation operation(*this);
   set_up();
   circularity_guard_ = maximum_depth_ == 0;
   if (circularity_guard_) refuse_circular_start();
@@ -19,6 +37,7 @@ void DrillDown::DrillHere() {
 
 void DrillDown::FindInputs() {
   Procedure proc("DrillDown", "FindInputs");
+  const Operation operation(*this);
   set_up();
   circularity_guard_ = true;
   refuse_circular_start();
@@ -29,6 +48,7 @@ void DrillDown::FindInputs() {
 
 void DrillDown::TraceError() {
   Procedure proc("DrillDown", "TraceError");
+  const Operation operation(*this);
   set_up();
   circularity_guard_ = true;
   refuse_circular_start();
@@ -39,9 +59,7 @@ void DrillDown::TraceError() {
 
 void DrillDown::set_up() {
   Procedure proc("DrillDown", "set_up");
-  // From an event of this drill: its collections are in use.
-  if (current_depth_ > 0) throw AutomationError(ErrorNumber::out_of_range);
-  static std::uint64_t drills = 0;
+  static std::atomic<std::uint64_t> drills = 0;
   drill_number_ = ++drills;
   parts_analysed_ = make_ref<ModelParts>();
   exceeded_ = false;
@@ -76,7 +94,7 @@ class AlertsKeeper {
   AlertsKeeper(const AlertsKeeper&) = delete;
   AlertsKeeper& operator=(const AlertsKeeper&) = delete;
   ~AlertsKeeper() {
-    host::insist([this] { app_.put_DisplayAlerts(alerts_); });
+    host::restore([this] { app_.put_DisplayAlerts(alerts_); });
   }
 
  private:

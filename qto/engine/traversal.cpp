@@ -1,18 +1,18 @@
 #include <deque>
 #include <optional>
 
-#include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/engine/part_graph.hpp"
 #include "qto/host/application.hpp"
+#include "qto/host/failure.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
 
 /// One part under way: its precedents and how far the pass over them has come.
-struct DrillDown::Frame {
-  explicit Frame(Ref<ModelPart> entered)
+struct DrillDown::Entered {
+  explicit Entered(Ref<ModelPart> entered)
       : part(entered), walked(std::move(entered)), is_parent(walked->is_range()) {}
   Ref<ModelPart> part;    // a client may put another in its place
   Ref<ModelPart> walked;  // the one that was entered
@@ -49,14 +49,14 @@ class DrillDown::Walk {
     start_ = start;
     push(start, enter);
     while (!stack_.empty()) {
-      Frame& frame = stack_.back();
-      ModelPart* next = frame.pass ? next_of(*frame.pass) : nullptr;
+      Entered& entered = stack_.back();
+      ModelPart* next = entered.pass ? next_of(*entered.pass) : nullptr;
       if (!next) {
         pop();
         continue;
       }
       Ref<ModelPart> precedent(next);
-      if (visit(precedent, frame.pass->list())) push(std::move(precedent), enter);
+      if (visit(precedent, entered.pass->list())) push(std::move(precedent), enter);
     }
   }
 
@@ -64,13 +64,13 @@ class DrillDown::Walk {
   template <class Enter>
   void push(Ref<ModelPart> part, Enter&& enter) {
     stack_.emplace_back(std::move(part));
-    Frame& frame = stack_.back();
-    if (diagnostics::tracing()) frame.traced = diagnostics::trace_in("DrillDown", name_);
+    Entered& entered = stack_.back();
+    if (diagnostics::tracing()) entered.traced = diagnostics::trace_in("DrillDown", name_);
     drill_.yield();
     ++drill_.current_depth_;
-    frame.walked->mark_walk(true);
-    if (frame.is_parent) drill_.clsParser_->AddParentRange(*frame.walked);
-    if (const Ref<ModelParts> list = enter(frame.part)) frame.pass.emplace(list);
+    entered.walked->mark_walk(true);
+    if (entered.is_parent) drill_.clsParser_->AddParentRange(*entered.walked);
+    if (const Ref<ModelParts> list = enter(entered.part)) entered.pass.emplace(list);
   }
 
   /// Without a depth limit, parts that were walked once have nothing new below them.
@@ -79,14 +79,14 @@ class DrillDown::Walk {
   }
 
   void pop() {
-    const Frame& frame = stack_.back();
-    const auto& list = frame.part->direct();
-    if (drops_empty_lists_ && list && list->size() == 0) frame.part->set_direct(nullptr);
-    if (frame.is_parent && drill_.clsParser_->ParentCount() > parents_)
+    const Entered& entered = stack_.back();
+    const auto& list = entered.part->direct();
+    if (drops_empty_lists_ && list && list->size() == 0) entered.part->set_direct(nullptr);
+    if (entered.is_parent && drill_.clsParser_->ParentCount() > parents_)
       drill_.clsParser_->RemoveParentRange();
-    frame.walked->mark_walk(false);
+    entered.walked->mark_walk(false);
     --drill_.current_depth_;
-    const diagnostics::TracedCall traced = frame.traced;
+    const diagnostics::TracedCall traced = entered.traced;
     stack_.pop_back();
     if (traced != 0) diagnostics::trace_out("DrillDown", name_, traced);
   }
@@ -97,28 +97,19 @@ class DrillDown::Walk {
   const std::size_t parents_;
   const std::int32_t depth_;
   Ref<ModelPart> start_;
-  std::deque<Frame> stack_;
+  std::deque<Entered> stack_;
 };
 
 void DrillDown::yield() {
-  try {
-    if (const auto& app = context_->application()) app->yield();
-  } catch (const AutomationError&) {
-    throw;
-  } catch (const std::exception&) {
-    // A host that cannot work off its messages can still be asked.
-  }
+  // A host that cannot work off its messages can still be asked.
+  if (const auto& app = context_->application()) (void)host::tried([&] { app->yield(); });
 }
 
 /// A part whose key cannot be told, which was reported, counts as not met before.
 ModelPart* DrillDown::find_analysed(ModelPart& part) const {
-  try {
-    return parts_analysed_->find(part.Key());
-  } catch (const AutomationError&) {
-    throw;
-  } catch (const std::exception&) {
-    return nullptr;
-  }
+  ModelPart* found = nullptr;
+  (void)host::tried([&] { found = parts_analysed_->find(part.Key()); });
+  return found;
 }
 
 void DrillDown::find_precedents_if_necessary(Ref<ModelPart>& part) {
@@ -229,7 +220,7 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         if (already_seen(precedent, list) || exceeded_) return false;
-        if (!precedent->is_unknown()) return precedent->HasError();
+        if (!precedent->is_unknown()) return precedent->shows_error();
         add_to(*error_cells_, precedent);
         return false;
       });

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+#include <exception>
+#include <new>
+
 #include "qto/automation/error.hpp"
 
 namespace qto::host {
@@ -17,5 +20,21 @@ class HostFailure : public NumberedFailure {
 inline constexpr std::int32_t general_failure = 1004;
 /// "Subscript out of range": no such member of a collection.
 inline constexpr std::int32_t no_such_member = 9;
+
+/// Runs what may fail in the host without harm; false when it did. Errors for the client and a lack
+/// of memory pass on: they say nothing about what is in the host.
+template <class Call>
+bool tried(Call&& call) {
+  try {
+    call();
+    return true;
+  } catch (const AutomationError&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
 
 }  // namespace qto::host

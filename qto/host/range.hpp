@@ -21,15 +21,16 @@ class Range : public HostObject {
   std::string_view TypeName() const noexcept final { return "Range"; }
 
   virtual Ref<host::Worksheet> Worksheet() const = 0;
-  /// Where the block lies on its sheet (of several areas the first).
-  virtual Rect block() const noexcept = 0;
+  /// Where the block lies on its sheet (of several areas the first). Like every ordinary call it
+  /// throws when the application fails.
+  virtual Rect block() const = 0;
   /// Number of separate blocks; 1 for an ordinary range.
-  virtual int AreasCount() const noexcept { return 1; }
-  virtual std::int64_t CellsCount() const noexcept { return block().cells(); }
-  std::int32_t Row() const noexcept { return block().first.row; }
-  std::int32_t Column() const noexcept { return block().first.column; }
-  std::int32_t RowsCount() const noexcept { return block().rows(); }
-  std::int32_t ColumnsCount() const noexcept { return block().columns(); }
+  virtual int AreasCount() const { return 1; }
+  virtual std::int64_t CellsCount() const { return block().cells(); }
+  std::int32_t Row() const { return block().first.row; }
+  std::int32_t Column() const { return block().first.column; }
+  std::int32_t RowsCount() const { return block().rows(); }
+  std::int32_t ColumnsCount() const { return block().columns(); }
   /// A cell counted from the top left of the range, which it may lie outside of.
   virtual Ref<Range> Cells(std::int32_t row, std::int32_t column) const = 0;
   /// One row or column of the range, counted from 1.

@@ -16,7 +16,6 @@ class DefinedName;
 class PivotTable;
 class Range;
 
-/// One worksheet. Cells are reached as ranges or, where a million of them are read, by position.
 /// What a cell's formula has in common with copies of it in other cells of its sheet.
 struct FormulaPattern {
   /// The same for formulas that read the same relative to their cells; 0 when the host cannot tell.
@@ -25,6 +24,7 @@ struct FormulaPattern {
   std::int32_t references = 0;
 };
 
+/// One worksheet. Cells are reached as ranges or, where a million of them are read, by position.
 class Worksheet : public Sheet {
  public:
   std::string_view TypeName() const noexcept final { return "Worksheet"; }

@@ -9,11 +9,10 @@ namespace qto {
 void LinkList::putref_Workbook(const Ref<host::Workbook>& workbook) {
   Procedure proc("LinkList", "Workbook[Set]");
   workbook_ = workbook;
-  try {
+  // When that fails the previous list stays.
+  (void)host::tried([&] {
     if (workbook_) links_ = workbook_->LinkSources(host::link_type_workbooks);
-  } catch (const std::exception&) {
-    // The previous list stays.
-  }
+  });
 }
 
 Ref<host::Workbook> LinkList::Workbook() const {

@@ -32,12 +32,8 @@ std::string LinkedBook::FullNameWithPath() const {
 bool LinkedBook::OpenIt(const Ref<host::Application>& in_app) {
   Procedure proc("LinkedBook", "OpenIt");
   if (why_not_opened_ != qtoWNOOK || !in_app) return false;
-  try {
-    in_app->Workbooks()->Open(FullNameWithPath(), false, true, password_);
-    return true;
-  } catch (const std::exception&) {
-    return false;
-  }
+  return host::tried(
+      [&] { in_app->Workbooks()->Open(FullNameWithPath(), false, true, password_); });
 }
 
 void LinkedBook::put_Path(std::string_view path) {
@@ -81,11 +77,10 @@ void LinkedBook::CloseBook() {
   if (why_not_opened_ != qtoWNOOK) return;
   const Ref<host::Application>& app = application_ ? application_ : Main::shared_application();
   if (!app) return;
-  try {
+  // A book that cannot be closed stays open; the record does not change.
+  (void)host::tried([&] {
     if (const auto book = app->Workbooks()->find(name_)) book->Close(false);
-  } catch (const std::exception&) {
-    // A book that cannot be closed stays open; the record does not change.
-  }
+  });
 }
 
 }  // namespace qto

@@ -31,6 +31,11 @@ class LinkedBooks : public Object {
   using Books = KeyedCollection<LinkedBook, FoldedKey>;
   /// A walk over the records in order. It does not hold the collection.
   Books::Pass NewEnum() const;
+  /// for (LinkedBook& book : *list); the list is held by the caller.
+  PassIterator<LinkedBook, Books::Pass> begin() const {
+    return PassIterator<LinkedBook, Books::Pass>(NewEnum());
+  }
+  std::default_sentinel_t end() const noexcept { return {}; }
   /// Calls visit(LinkedBook&) for every record in order.
   template <class Visit>
   void for_each(Visit&& visit) const {

@@ -7,6 +7,7 @@
 #include "qto/diagnostics/mail_report.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
+#include "qto/host/restore.hpp"
 #include "qto/links/contexts.hpp"
 
 namespace qto::Main {
@@ -49,11 +50,8 @@ class ClosedAgain {
   ClosedAgain(const ClosedAgain&) = delete;
   ClosedAgain& operator=(const ClosedAgain&) = delete;
   ~ClosedAgain() {
-    try {
-      book_->Close(false);
-    } catch (const std::exception&) {
-      // An empty book that stays open does no harm.
-    }
+    // An empty book that stays open does no harm.
+    (void)host::restore([this] { book_->Close(false); });
   }
 
  private:

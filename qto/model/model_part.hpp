@@ -20,6 +20,10 @@
 
 namespace qto {
 
+namespace host {
+class DefinedName;
+class Series;
+}  // namespace host
 class ModelParts;
 
 /// One item of a spreadsheet model: a cell or range, a defined name, a range inside a pivot table,
@@ -36,7 +40,8 @@ class ModelPart : public Object {
   ~ModelPart() override;
   std::string_view TypeName() const noexcept override { return "ModelPart"; }
 
-  /// Raised when the title changes; a handler may assign another title to the second argument.
+  /// Raised when the title changes, with the title before and the new one. What a handler assigns
+  /// to the second argument becomes the title, unless a client set the new one itself.
   Event<const std::string&, std::string&> TitleChanged;
   /// Raised before hidden rows, columns or sheets are shown: the hidden object (a handler may
   /// assign another range), its local address, the sheet, and the answers: may it be unhidden
@@ -49,7 +54,8 @@ class ModelPart : public Object {
   // Identity
 
   /// Fills the part from a host object of the type `likely_type` ("Range", "Pivot Table", "Name",
-  /// "Series"; any other raises 80040001), or makes an unknown part when there is no object.
+  /// "Series"), or makes an unknown part when there is no object. Any other type, or an object that
+  /// is not of the type given, raises 80040001.
   void Create(const Ref<Object>& object, std::string_view likely_type,
               std::string_view unknown_name = {});
   /// The wrapped host object; nothing for an unknown part or one whose object is gone.
@@ -184,6 +190,8 @@ class ModelPart : public Object {
   std::string_view read_formula_again();
   /// The formula as it was last read; the view holds until the next reading.
   std::string_view held_formula() const noexcept { return formula_.view(); }
+  /// As HasError; the formula of a name is read when that was not done yet.
+  bool shows_error();
   /// A mark that the traversals set while the part is being walked.
   bool on_walk() const noexcept { return has(walked); }
   void mark_walk(bool value) noexcept { set(walked, value); }
@@ -228,16 +236,22 @@ class ModelPart : public Object {
     return sheet_ ? sheet_->context : rare().context;
   }
   const Ref<host::Application>& application() const;
+  /// The wrapped object. Its type was checked when the part was made from it.
+  template <class Kind>
+  const Kind& object() const {
+    return dynamic_cast<const Kind&>(*rare().underlying);
+  }
   bool has_object() const noexcept { return sheet_ || rare().underlying; }
   static Type type_of(std::string_view likely_type) noexcept;
 
-  void require_kind(const Object* object) const;
+  static void require_kind(const Object* object, Type type);
   void create_range(const Ref<host::Range>& range);
   void create_pivot_table();
   void create_name();
   void create_series();
   void make_unknown(std::string_view unknown_name);
   void place_on_sheet(const Ref<host::Range>& range);
+  void keep_book(const Ref<host::Workbook>& book);
   void check_relative_name();
   void check_still_exists();
   bool object_answers() const noexcept;
@@ -245,23 +259,26 @@ class ModelPart : public Object {
   void lose_object();
   void forget_cell();
   std::string compute_unique_key();
+  std::string cell_key() const;
 
   std::string address_result(qtoAddressType qualifier, const std::string& address);
   std::string read_formula();
   bool read_formula_into(std::string& out);
+  std::string formula_of_object();
   Variant get_value();
-  Variant name_value();
+  Variant name_value(bool& holds_error);
   std::string get_text();
   std::string get_title();
-  bool set_range_results(std::int32_t style);
-  bool set_name_results(std::int32_t style);
-  bool set_series_results(std::int32_t style);
+  bool set_range_results(const host::Range& cells, std::int32_t style);
+  bool set_name_results(const host::DefinedName& name, std::int32_t style);
+  bool set_series_results(const host::Series& series, std::int32_t style);
   Ref<host::Range> range() const;
 
   qtoReasonNotSelect select_range();
   qtoReasonNotSelect select_series();
   bool activate_chart(const Ref<host::Sheet>& sheet);
-  void ask_to_unhide(const Ref<host::Sheet>& sheet, bool& allowed, std::string& password);
+  Ref<Object> ask_to_unhide(const Ref<host::Sheet>& sheet, bool& allowed, std::string& password);
+  void take_answer(const Ref<Object>& hidden);
 
   Ref<SheetRecord> sheet_;  // set for a part of one cell; its position is pos_
   CellPos pos_;

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
@@ -25,18 +27,16 @@ ModelPart::ModelPart(Ref<Context> context) : formula_contains_constant_(qtoNoCon
 void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
                        std::string_view unknown_name) {
   Procedure proc("ModelPart", "Create");
+  const Type type = type_of(likely_type);
+  require_kind(object.get(), type);
   rare().context = own_context();
   sheet_ = nullptr;
   rare().underlying = object;
-  type_ = type_of(likely_type);
+  type_ = type;
   if (type_ == Type::other) rare().object_type = likely_type;
   set(checked_for_precedents, false);
   set(text_read, false);
-  if (!proc.step([&] {
-        require_kind(object.get());
-        value_ = get_value();
-      }))
-    return;
+  if (!proc.step([&] { value_ = get_value(); })) return;
   if (!object) {
     make_unknown(unknown_name);
   } else {
@@ -65,10 +65,10 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
 }
 
 /// A client may name a type that its object is not of.
-void ModelPart::require_kind(const Object* object) const {
+void ModelPart::require_kind(const Object* object, Type type) {
   if (!object) return;
-  bool fits = true;
-  switch (type_) {
+  bool fits = false;
+  switch (type) {
     case Type::range:
     case Type::pivot_table:
       fits = dynamic_cast<const host::Range*>(object);
@@ -80,9 +80,9 @@ void ModelPart::require_kind(const Object* object) const {
       fits = dynamic_cast<const host::Series*>(object);
       break;
     default:
-      throw AutomationError(ErrorNumber::wrong_object);
+      break;
   }
-  if (!fits) throw NumberedFailure(13, "Type mismatch: the object is not of the type given");
+  if (!fits) throw AutomationError(ErrorNumber::wrong_object);
 }
 
 void ModelPart::create_afresh() {
@@ -102,9 +102,10 @@ void ModelPart::create_cell(const Ref<SheetRecord>& sheet, CellPos pos) {
         type_ = Type::range;
         set(checked_for_precedents, false);
         set(text_read, false);
-        if (!proc.step([&] { value_ = get_value(); })) return;
         set(unknown, false);
         set(local_file, sheet->local_file);
+        // A cell whose value the host does not give is there all the same.
+        (void)proc.step([&] { value_ = get_value(); });
       },
       sheet);
 }
@@ -129,7 +130,7 @@ void ModelPart::create_range(const Ref<host::Range>& range) {
       return;
     }
     place_on_sheet(range);
-    set(local_file, !Main::IsURL(rare().workbook->Path()));
+    set(local_file, !Main::IsURL(rare().work_book_path));
   });
 }
 
@@ -141,7 +142,15 @@ void ModelPart::create_pivot_table() {
 void ModelPart::place_on_sheet(const Ref<host::Range>& range) {
   rare().address_short = range->Address(false, false, host::xlA1, false);
   rare().work_sheet_name = range->Worksheet()->Name();
-  rare().workbook = range->Worksheet()->Workbook();
+  keep_book(range->Worksheet()->Workbook());
+}
+
+/// With the names under which it is known when it is closed.
+void ModelPart::keep_book(const Ref<host::Workbook>& book) {
+  rare().workbook = book;
+  if (!book) return;
+  rare().work_book_name = book->Name();
+  rare().work_book_path = book->Path();
 }
 
 void ModelPart::create_name() {
@@ -150,13 +159,11 @@ void ModelPart::create_name() {
   if (!proc.step([&] { rare().address_short = name->Name(); })) return;
   const bool placed = proc.step([&] {
     const auto parent = name->Parent();
-    if (parent->TypeName() == "Workbook") {
-      rare().workbook = ref_cast<host::Workbook>(parent);
-      return;
-    }
+    if (const auto book = ref_cast<host::Workbook>(parent)) return keep_book(book);
     const auto sheet = ref_cast<host::Sheet>(parent);
+    if (!sheet) throw NumberedFailure(91, "a name of neither a workbook nor a sheet");
     rare().work_sheet_name = sheet->Name();
-    rare().workbook = sheet->Workbook();
+    keep_book(sheet->Workbook());
   });
   if (placed) check_relative_name();
 }
@@ -169,20 +176,21 @@ void ModelPart::create_series() {
   formula_.assign(formula);
   set(constant, formula.empty());
   (void)proc.step([&] {
-    Ref<host::HostObject> chart = series->Parent();
-    while (chart && chart->TypeName() != "Chart")
-      chart = chart->TypeName() == "Application" ? nullptr : chart->Parent();
+    Ref<host::HostObject> owner = series->Parent();
+    while (owner && !ref_cast<host::Chart>(owner))
+      owner = ref_cast<host::Application>(owner) ? nullptr : owner->Parent();
+    const auto chart = ref_cast<host::Chart>(owner);
     if (!chart) throw NumberedFailure(91, "a series without a chart");
     const auto container = chart->Parent();
-    if (container->TypeName() == "ChartObject") {
-      const auto holder = ref_cast<host::ChartObject>(container);
+    if (const auto holder = ref_cast<host::ChartObject>(container)) {
       const auto sheet = ref_cast<host::Sheet>(holder->Parent());
+      if (!sheet) throw NumberedFailure(91, "a chart object without a sheet");
       rare().embedded_chart_name = holder->Name();
       rare().work_sheet_name = sheet->Name();
-      rare().workbook = sheet->Workbook();
-    } else if (container->TypeName() == "Workbook") {
-      rare().work_sheet_name = ref_cast<host::Chart>(chart)->Name();
-      rare().workbook = ref_cast<host::Workbook>(container);
+      keep_book(sheet->Workbook());
+    } else if (const auto book = ref_cast<host::Workbook>(container)) {
+      rare().work_sheet_name = chart->Name();
+      keep_book(book);
     } else {
       throw AutomationError(ErrorNumber::out_of_range);
     }

@@ -85,8 +85,9 @@ void ModelPart::putref_ParentRange(Ref<host::Range> range) {
 
 std::string ModelPart::WorkBookName() const {
   Procedure proc("ModelPart", "WorkBookName[Get]");
-  std::string name = rare().work_book_name;
-  if (const auto book = Workbook()) (void)proc.step([&] { name = book->Name(); });
+  std::string name = sheet_ ? sheet_->book_name : rare().work_book_name;
+  if (const auto book = Workbook(); book && book->exists())
+    (void)proc.step([&] { name = book->Name(); });
   return name;
 }
 
@@ -98,8 +99,9 @@ void ModelPart::put_WorkBookName(std::string_view name) {
 
 std::string ModelPart::WorkBookPath() const {
   Procedure proc("ModelPart", "WorkBookPath[Get]");
-  std::string path = rare().work_book_path;
-  if (const auto book = Workbook()) (void)proc.step([&] { path = book->Path(); });
+  std::string path = sheet_ ? sheet_->book_path : rare().work_book_path;
+  if (const auto book = Workbook(); book && book->exists())
+    (void)proc.step([&] { path = book->Path(); });
   return path;
 }
 
@@ -113,8 +115,11 @@ void ModelPart::put_WorkBookPath(std::string_view path) {
 
 std::string ModelPart::WorkBookFullName() const {
   Procedure proc("ModelPart", "WorkBookFullName[Get]");
-  std::string name = Main::AddSeparator(rare().work_book_path, LocalFile()) + rare().work_book_name;
-  if (const auto book = Workbook()) (void)proc.step([&] { name = book->FullName(); });
+  const std::string& path = sheet_ ? sheet_->book_path : rare().work_book_path;
+  std::string name =
+      Main::AddSeparator(path, LocalFile()) + (sheet_ ? sheet_->book_name : rare().work_book_name);
+  if (const auto book = Workbook(); book && book->exists())
+    (void)proc.step([&] { name = book->FullName(); });
   return name;
 }
 
@@ -171,7 +176,15 @@ std::string ModelPart::UniqueKey() {
   return rare().unique_key;
 }
 
+/// The text of a key that was made without one.
+std::string ModelPart::cell_key() const {
+  CellPos cell;
+  const bool of_cell = key_.is_set() && sheet_ && key_.is_cell_of(sheet_->prefix, cell);
+  return of_cell ? sheet_->prefix_text() + address_of(cell) : "";
+}
+
 std::string ModelPart::compute_unique_key() {
+  if (std::string key = cell_key(); !key.empty()) return key;
   if (!has(relative_name)) return AddressLong(qtoaddressPath);
   if (!rare().parent_range) throw NumberedFailure(91, "a relative name without a parent cell");
   // The same relative name used from two cells is two different things.
@@ -225,6 +238,9 @@ void ModelPart::forget_cell() {
   Rare& texts = rare();
   texts.address_short = address_of(pos_);
   texts.work_sheet_name = sheet_->name;
+  texts.work_book_name = sheet_->book_name;
+  texts.work_book_path = sheet_->book_path;
+  if (texts.unique_key.empty()) texts.unique_key = cell_key();
   texts.workbook = sheet_->workbook;
   texts.context = sheet_->context;
   sheet_ = nullptr;

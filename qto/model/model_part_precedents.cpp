@@ -1,10 +1,41 @@
+#include <new>
+#include <utility>
+#include <vector>
+
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
-#include "qto/model/release_flat.hpp"
 
 namespace qto {
+namespace {
+
+/// The lists that wait while this thread takes down another one.
+thread_local constinit std::vector<Ref<ModelParts>>* waiting_lists = nullptr;
+
+/// Gives up a reference to a list. Lists released while another is being released wait for it, so
+/// that a chain of parts of any depth is taken down by a loop.
+void release_flat(Ref<ModelParts> list) noexcept {
+  if (!list || list->ref_count() > 1) return;
+  if (waiting_lists) {
+    try {
+      waiting_lists->push_back(list);
+    } catch (const std::bad_alloc&) {
+      // It goes at once, one call deeper.
+    }
+    return;
+  }
+  std::vector<Ref<ModelParts>> waiting;
+  waiting_lists = &waiting;
+  for (list = nullptr; !waiting.empty();) {
+    list = std::move(waiting.back());
+    waiting.pop_back();
+    list = nullptr;
+  }
+  waiting_lists = nullptr;
+}
+
+}  // namespace
 
 ModelPart::~ModelPart() {
   // A chain of a million parts must not be released by recursion.

@@ -67,27 +67,29 @@ void ModelPart::SetResultsValues() {
   rare().text = std::move(shown);
   set(text_read, true);
   const auto object = UnderlyingObject();
-  const std::string_view kind = object ? object->TypeName() : "";
-  if (kind != "Range" && kind != "Name" && kind != "Series")
+  bool done = false;
+  if (const auto cells = ref_cast<host::Range>(object))
+    done = set_range_results(*cells, style);
+  else if (const auto name = ref_cast<host::DefinedName>(object))
+    done = set_name_results(*name, style);
+  else if (const auto series = ref_cast<host::Series>(object))
+    done = set_series_results(*series, style);
+  else
     throw AutomationError(ErrorNumber::wrong_object);
-  const bool done = kind == "Range"  ? set_range_results(style)
-                    : kind == "Name" ? set_name_results(style)
-                                     : set_series_results(style);
   if (!done) return;
   set(results_set, true);
   AfterSetResults();
 }
 
-bool ModelPart::set_range_results(std::int32_t style) {
+bool ModelPart::set_range_results(const host::Range& cells, std::int32_t style) {
   Procedure proc("ModelPart", "SetResultsValues");
-  const auto cells = range();
   if (!proc.step(
-          [&] { rare().address_short_local = cells->AddressLocal(false, false, style, false); }))
+          [&] { rare().address_short_local = cells.AddressLocal(false, false, style, false); }))
     return false;
   rare().formula_local.clear();
-  if (!has(formula_hidden) && cells->CellsCount() == 1 && !proc.step([&] {
+  if (!has(formula_hidden) && cells.CellsCount() == 1 && !proc.step([&] {
         rare().formula_local =
-            style == host::xlA1 ? cells->FormulaLocal() : cells->FormulaR1C1Local();
+            style == host::xlA1 ? cells.FormulaLocal() : cells.FormulaR1C1Local();
       }))
     return false;
   const std::string before = rare().title;
@@ -96,27 +98,25 @@ bool ModelPart::set_range_results(std::int32_t style) {
   return true;
 }
 
-bool ModelPart::set_name_results(std::int32_t style) {
+bool ModelPart::set_name_results(const host::DefinedName& name, std::int32_t style) {
   Procedure proc("ModelPart", "SetResultsValues");
-  const auto name = ref_cast<host::DefinedName>(rare().underlying);
-  if (!proc.step([&] { rare().address_short_local = name->NameLocal(); })) return false;
+  if (!proc.step([&] { rare().address_short_local = name.NameLocal(); })) return false;
   if (!has(relative_name) && !has(formula_hidden) && !proc.step([&] {
         rare().formula_local =
-            style == host::xlA1 ? name->RefersToLocal() : name->RefersToR1C1Local();
+            style == host::xlA1 ? name.RefersToLocal() : name.RefersToR1C1Local();
       }))
     return false;
   rare().title.clear();
   return true;
 }
 
-bool ModelPart::set_series_results(std::int32_t style) {
+bool ModelPart::set_series_results(const host::Series& series, std::int32_t style) {
   Procedure proc("ModelPart", "SetResultsValues");
-  const auto series = ref_cast<host::Series>(rare().underlying);
   rare().address_short_local = AddressShort();
   rare().formula_local.clear();
   if (!has(formula_hidden) && !proc.step([&] {
         rare().formula_local =
-            style == host::xlA1 ? series->FormulaLocal() : series->FormulaR1C1Local();
+            style == host::xlA1 ? series.FormulaLocal() : series.FormulaR1C1Local();
       }))
     return false;
   rare().title.clear();

@@ -1,9 +1,11 @@
+#include <algorithm>
+
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
 #include "qto/model/model_part.hpp"
 #include "qto/model/model_parts.hpp"
-#include "qto/model/show_range.hpp"
+#include "qto/model/selection_keeper.hpp"
 
 namespace qto {
 namespace {
@@ -17,22 +19,52 @@ bool is_hidden(const Ref<host::Range>& range) {
 }
 
 /// What the host refuses shows in what is still hidden afterwards.
-template <class Statement>
-void try_to(Statement&& run) {
-  try {
-    run();
-  } catch (const AutomationError&) {
-    throw;
-  } catch (const std::exception&) {
-  }
-}
-
 void unhide(const Ref<host::Range>& range, const Ref<host::Sheet>& sheet,
             const std::string& password) {
-  if (!password.empty()) try_to([&] { sheet->Unprotect(password); });
-  try_to([&] { range->Worksheet()->put_Visible(host::xlSheetVisible); });
-  try_to([&] { range->EntireColumn()->put_Hidden(false); });
-  try_to([&] { range->EntireRow()->put_Hidden(false); });
+  if (!password.empty()) (void)host::tried([&] { sheet->Unprotect(password); });
+  (void)host::tried([&] { range->Worksheet()->put_Visible(host::xlSheetVisible); });
+  (void)host::tried([&] { range->EntireColumn()->put_Hidden(false); });
+  (void)host::tried([&] { range->EntireRow()->put_Hidden(false); });
+}
+
+// Where the first line of a window may be put; further on scrolling line by line takes over.
+constexpr std::int32_t last_scroll_row = 65'535;
+constexpr std::int32_t last_scroll_column = 255;
+
+/// `first` less half of `count`, a half going to the even neighbour.
+std::int32_t centred(std::int32_t first, std::int32_t count, std::int32_t last) {
+  const std::int64_t twice = std::int64_t{2} * first - count;
+  const std::int64_t below = twice >> 1;  // rounds down, also below zero
+  const std::int64_t line = twice % 2 == 0 ? below : below + (below % 2 == 0 ? 0 : 1);
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(line, 1, last));
+}
+
+bool meets(const Ref<host::Application>& app, const Ref<host::Pane>& pane,
+           const Ref<host::Range>& range) {
+  return bool(app->Intersect(pane->VisibleRange(), range));
+}
+
+void centre(const Ref<host::Application>& app, const Ref<host::Range>& range) {
+  app->Goto(range, true);
+  const auto window = app->ActiveWindow();
+  const auto pane = window->ActivePane();
+  const auto seen = pane->VisibleRange();
+  window->put_ScrollColumn(centred(seen->Column(), seen->ColumnsCount(), last_scroll_column));
+  window->put_ScrollRow(centred(seen->Row(), seen->RowsCount(), last_scroll_row));
+  if (meets(app, pane, range)) return;
+  app->Goto(range, true);
+  pane->SmallScroll(1, 1);
+  if (!meets(app, pane, range)) app->Goto(range, true);
+}
+
+/// Brings a range into the middle of the window and selects it; false when the host refuses.
+bool show_range(const Ref<host::Range>& range) {
+  Procedure proc("ModelPart", "show_range");
+  return host::tried([&] {
+    const auto app = range->Application();
+    const QuietApplication quiet(app);
+    centre(app, range);
+  });
 }
 
 }  // namespace
@@ -64,7 +96,8 @@ qtoReasonNotSelect ModelPart::select_range() {
       return qtoNotSelectableObject;
     bool allowed = false;
     std::string password;
-    ask_to_unhide(container, allowed, password);
+    const Ref<Object> answer = ask_to_unhide(container, allowed, password);
+    if (!proc.step([&] { take_answer(answer); })) return qtoNotSelectableObject;
     if (!allowed) return qtoItemHidden;
     unhide(range(), container, password);
     if (!proc.step([&] { hidden = is_hidden(range()); })) return qtoCouldNotUnhide;
@@ -73,15 +106,21 @@ qtoReasonNotSelect ModelPart::select_range() {
   return show_range(range()) ? qtoSelectOK : qtoNotSelectableObject;
 }
 
-/// A handler may put another range in the place of the part's own.
-void ModelPart::ask_to_unhide(const Ref<host::Sheet>& sheet, bool& allowed, std::string& password) {
-  const Ref<Object> own = UnderlyingObject();
-  Ref<Object> hidden = own;
+Ref<Object> ModelPart::ask_to_unhide(const Ref<host::Sheet>& sheet, bool& allowed,
+                                     std::string& password) {
+  Ref<Object> hidden = UnderlyingObject();
   Ref<Object> container = sheet;
   AskToUnhide(hidden, AddressShortLocal(), container, allowed, password);
-  if (hidden == own) return;
+  return hidden;
+}
+
+/// A handler may put another range in the place of the part's own.
+void ModelPart::take_answer(const Ref<Object>& hidden) {
+  if (hidden == UnderlyingObject()) return;
+  if (!ref_cast<host::Range>(hidden))
+    throw NumberedFailure(13, "Type mismatch: the answer to AskToUnhide is no range");
   if (sheet_) forget_cell();
-  rare().underlying = std::move(hidden);
+  rare().underlying = hidden;
 }
 
 qtoReasonNotSelect ModelPart::select_series() {
@@ -100,14 +139,14 @@ qtoReasonNotSelect ModelPart::select_series() {
     if (!proc.step([&] { name = sheet->Name(); })) return qtoNotSelectableObject;
     AskToUnhide(hidden, name, container, allowed, password);
     if (!allowed) return qtoItemHidden;
-    try_to([&] { sheet->put_Visible(host::xlSheetVisible); });
+    (void)host::tried([&] { sheet->put_Visible(host::xlSheetVisible); });
     if (!proc.step([&] { visible = sheet->Visible(); }) || visible != host::xlSheetVisible)
       return qtoCouldNotUnhide;
   }
+  const auto series = ref_cast<host::Series>(rare().underlying);
   const bool done = proc.step([&] { sheet->Workbook()->Activate(); }) &&
                     proc.step([&] { sheet->Select(); }) && proc.step([&] { sheet->Activate(); }) &&
-                    activate_chart(sheet) &&
-                    proc.step([&] { ref_cast<host::Series>(rare().underlying)->Select(); });
+                    activate_chart(sheet) && series && proc.step([&] { series->Select(); });
   return done ? qtoSelectOK : qtoNotSelectableObject;
 }
 
@@ -115,7 +154,8 @@ bool ModelPart::activate_chart(const Ref<host::Sheet>& sheet) {
   Procedure proc("ModelPart", "select_series");
   const std::string name = EmbeddedChartName();
   if (name.empty()) return true;
-  return proc.step([&] { ref_cast<host::Worksheet>(sheet)->ChartObjects(name)->Activate(); }) &&
+  const auto worksheet = ref_cast<host::Worksheet>(sheet);
+  return worksheet && proc.step([&] { worksheet->ChartObjects(name)->Activate(); }) &&
          proc.step([&] { sheet->Application()->ActiveChart()->SelectChartArea(); });
 }
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/host/host.hpp"
@@ -9,26 +11,50 @@
 
 namespace qto {
 
+namespace {
+
+/// The text that a drill reads a million formulas into, or one of its own: a host that is asked for
+/// a formula may call back.
+class FormulaText {
+ public:
+  explicit FormulaText(const Ref<SheetRecord>& sheet) : sheet_(sheet) {
+    if (sheet_) text.swap(sheet_->scratch);
+    text.clear();
+  }
+  FormulaText(const FormulaText&) = delete;
+  FormulaText& operator=(const FormulaText&) = delete;
+  ~FormulaText() {
+    if (sheet_) text.swap(sheet_->scratch);
+  }
+  std::string text;
+
+ private:
+  const Ref<SheetRecord> sheet_;
+};
+
+}  // namespace
+
 std::string ModelPart::Formula() { return std::string(read_formula_again()); }
 
 std::string_view ModelPart::read_formula_again() {
   Procedure proc("ModelPart", "Formula[Get]");
   check_still_exists();
   const bool read_before = has(formula_read);
-  // Reused: a drill reads a million formulas. A relative name's field changes while it is read.
-  thread_local std::string held, fresh;
-  held = formula_.view();
-  fresh.clear();
-  if (!read_formula_into(fresh)) fresh.clear();
-  if (!read_before || fresh == held) {
-    formula_.assign(fresh);
+  // The field of a relative name changes while the name is read.
+  const std::string relative(has(relative_name) ? formula_.view() : std::string_view());
+  const bool was_relative = has(relative_name);
+  FormulaText fresh(sheet_);
+  if (!read_formula_into(fresh.text)) fresh.text.clear();
+  const std::string_view held = was_relative ? relative : formula_.view();
+  if (!read_before || fresh.text == held) {
+    formula_.assign(fresh.text);
     // A name's value is that of its formula, which was not known when the part was made; left as
     // it is, the next check for changes would take the name for changed and drop its precedents.
     if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
     return formula_.view();
   }
-  const std::string before = held;
-  const std::string after = fresh;
+  const std::string before(held);
+  const std::string after = fresh.text;
   formula_.assign(after);
   set(checked_for_precedents, false);
   clear_precedents();
@@ -54,51 +80,46 @@ bool ModelPart::read_formula_into(std::string& out) {
   return procedure("ModelPart", "read_formula", [this, &out]() QTO_INLINED {
     set(formula_read, true);
     if (!has_object()) return true;
-    try {
-      switch (type_) {
-        case Type::range:
-          if (sheet_)
-            sheet_->sheet->append_cell_formula(pos_, out);
-          else
-            out = range()->Formula();
-          return true;
-        case Type::pivot_table:
-          out = Main::inpivottable(range());
-          return true;
-        case Type::name:
-          if (has(relative_name)) {
-            check_relative_name();
-            out = formula_.view();
-          } else {
-            out = ref_cast<host::DefinedName>(rare().underlying)->RefersTo();
-          }
-          return true;
-        case Type::series:
-          out = series_values_formula(*ref_cast<host::Series>(rare().underlying));
-          return true;
-        default:
-          throw AutomationError(ErrorNumber::wrong_object);
-      }
-    } catch (const AutomationError&) {
-      throw;
-    } catch (const std::exception&) {
-      set(formula_hidden, true);
-      return false;
-    }
+    const bool read = host::tried([&] {
+      if (sheet_ && type_ == Type::range)
+        sheet_->sheet->append_cell_formula(pos_, out);
+      else
+        out = formula_of_object();
+    });
+    if (!read) set(formula_hidden, true);
+    return read;
   });
+}
+
+std::string ModelPart::formula_of_object() {
+  switch (type_) {
+    case Type::range:
+      return range()->Formula();
+    case Type::pivot_table:
+      return Main::inpivottable(range());
+    case Type::name:
+      if (!has(relative_name)) return object<host::DefinedName>().RefersTo();
+      check_relative_name();
+      return std::string(formula_.view());
+    case Type::series:
+      return series_values_formula(object<host::Series>());
+    default:
+      throw AutomationError(ErrorNumber::wrong_object);
+  }
 }
 
 Variant ModelPart::get_value() {
   return procedure("ModelPart", "get_value", [this]() QTO_INLINED -> Variant {
     if (!has_object()) return "";
     Variant result;
+    bool holds_error = false;
     switch (type_) {
       case Type::range:
       case Type::pivot_table:
         result = sheet_ ? sheet_->sheet->cell_value(pos_) : range()->value();
         break;
       case Type::name:
-        result = name_value();
+        result = name_value(holds_error);
         break;
       case Type::series:
         result = Null{};
@@ -106,18 +127,61 @@ Variant ModelPart::get_value() {
       default:
         throw AutomationError(ErrorNumber::wrong_object);
     }
-    set(error, result.is_error());
+    set(error, holds_error || result.is_error());
     return result;
   });
 }
 
-Variant ModelPart::name_value() {
-  const auto parent = ref_cast<host::DefinedName>(rare().underlying)->Parent();
+namespace {
+
+/// True when one of the cells shows an error. Beyond the used cells there is none.
+bool shows_an_error(const host::Worksheet& sheet, const Rect& used, Rect block) {
+  block.last.row = std::min(block.last.row, used.last.row);
+  block.last.column = std::min(block.last.column, used.last.column);
+  if (block.last.row < block.first.row || block.last.column < block.first.column) return false;
+  const Variant found = sheet.Block(block)->value();
+  if (!found.is_array()) return found.is_error();
+  const VariantArray& values = found.array();
+  for (std::int32_t row = 1; row <= values.rows(); ++row)
+    for (std::int32_t column = 1; column <= values.columns(); ++column)
+      if (values.at(row, column).is_error()) return true;
+  return false;
+}
+
+bool shows_an_error(const host::Range& cells) {
+  const auto sheet = cells.Worksheet();
+  const Rect used = sheet->UsedRange()->block();
+  if (cells.AreasCount() == 1) return shows_an_error(*sheet, used, cells.block());
+  const std::string areas = cells.Address(false, false);
+  for (std::size_t from = 0; from < areas.size();) {
+    const std::size_t end = std::min(areas.find(',', from), areas.size());
+    Rect block;
+    if (sheet->find_block(std::string_view(areas).substr(from, end - from), block) &&
+        shows_an_error(*sheet, used, block))
+      return true;
+    from = end + 1;
+  }
+  return false;
+}
+
+}  // namespace
+
+/// A name of cells has no value of its own, but shows the errors of its cells.
+Variant ModelPart::name_value(bool& holds_error) {
+  const auto parent = object<host::DefinedName>().Parent();
   const auto book = ref_cast<host::Workbook>(parent);
   const auto sheet = book ? book->Worksheets(1) : ref_cast<host::Worksheet>(parent);
+  if (!sheet) throw NumberedFailure(91, "a name of neither a workbook nor a sheet");
   Variant result = sheet->Evaluate(formula_.view());
+  if (const auto cells = ref_cast<host::Range>(result.object()))
+    holds_error = shows_an_error(*cells);
   if (result.is_array() || result.is_object()) result = Null{};
   return result;
+}
+
+bool ModelPart::shows_error() {
+  if (is_name() && !has(formula_read)) (void)read_formula_again();
+  return has(error);
 }
 
 std::string ModelPart::Text() {
@@ -125,7 +189,8 @@ std::string ModelPart::Text() {
   if (!has(text_read)) {
     // Most parts of a large drill are never shown; formatting waits until one is.
     std::string shown;
-    if (proc.step([&] { shown = get_text(); })) rare().text = std::move(shown);
+    if (proc.step([&] { shown = object_answers() ? get_text() : format_value(value_); }))
+      rare().text = std::move(shown);
     set(text_read, true);
   }
   return rare().text;
@@ -157,11 +222,12 @@ void ModelPart::CheckForChanges() {
   check_still_exists();
   bool changed = false;
   if (has(formula_read)) {
-    thread_local std::string fresh;
-    fresh.clear();
-    if (!read_formula_into(fresh)) fresh.clear();
-    changed = fresh != formula_.view();
-    if (changed) formula_.assign(fresh);
+    const std::string relative(has(relative_name) ? formula_.view() : std::string_view());
+    const bool was_relative = has(relative_name);
+    FormulaText fresh(sheet_);
+    if (!read_formula_into(fresh.text)) fresh.text.clear();
+    changed = fresh.text != (was_relative ? relative : formula_.view());
+    formula_.assign(fresh.text);
   }
   (void)proc.step([&] {
     Variant now = get_value();

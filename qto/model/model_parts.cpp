@@ -4,6 +4,7 @@
 
 #include "qto/automation/collection_error.hpp"
 #include "qto/diagnostics/procedure.hpp"
+#include "qto/host/failure.hpp"
 
 namespace qto {
 
@@ -14,11 +15,8 @@ void ModelParts::AddExisting(Ref<ModelPart>& part) {
 void ModelParts::add(Ref<ModelPart>& part) {
   BeforeItemAdded(part);
   if (!part || in_some_block(*part)) return;
-  try {
-    parts_.add(part->Key(), part);
-  } catch (const std::exception&) {
-    // A part whose key cannot be told is not added.
-  }
+  // A part whose key cannot be told, which was reported, is not added.
+  (void)host::tried([&] { parts_.add(part->Key(), part); });
 }
 
 std::int32_t ModelParts::Count() const noexcept {
@@ -104,7 +102,7 @@ bool ModelParts::remove(const PartKey& key) {
 void ModelParts::replace(ModelPart& part, Ref<ModelPart> by) {
   if (blocks_)
     for (const Entry& entry : *blocks_)
-      if (entry.block->holds(part)) return entry.block->replace(part, by);
+      if (entry.block->shows(part)) return entry.block->replace(part, by);
   parts_.remove(part.Key());
   AddExisting(by);
 }
@@ -137,7 +135,7 @@ bool ModelParts::meets_a_single(const RangeBlock& block) {
 
 bool ModelParts::in_some_block(const ModelPart& part) const noexcept {
   return blocks_ && std::ranges::any_of(
-                        *blocks_, [&](const Entry& entry) { return entry.block->holds(part); });
+                        *blocks_, [&](const Entry& entry) { return entry.block->shows(part); });
 }
 
 bool ModelParts::any_unknown() {
@@ -149,8 +147,8 @@ bool ModelParts::any_unknown() {
 
 bool ModelParts::any_error(std::uint64_t drill) {
   Pass pass = NewEnum();
-  while (const ModelPart* part = pass.next_single())
-    if (part->HasError()) return true;
+  while (ModelPart* part = pass.next_single())
+    if (part->shows_error()) return true;
   return blocks_ && std::ranges::any_of(*blocks_, [&](const Entry& entry) {
            return entry.block->any_error(drill);
          });

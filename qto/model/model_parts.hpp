@@ -57,6 +57,9 @@ class ModelParts : public Object {
     std::int64_t place_ = 0;
   };
   Pass NewEnum() { return Pass(Ref<ModelParts>(this)); }
+  /// for (ModelPart& part : *list); parts may be added and removed in the loop.
+  PassIterator<ModelPart, Pass> begin() { return PassIterator<ModelPart, Pass>(NewEnum()); }
+  std::default_sentinel_t end() const noexcept { return {}; }
   template <class Visit>
   void for_each(Visit&& visit) {
     Pass pass = NewEnum();

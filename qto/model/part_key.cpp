@@ -1,5 +1,6 @@
 #include "qto/model/part_key.hpp"
 
+#include <mutex>
 #include <string>
 #include <unordered_map>
 
@@ -12,13 +13,11 @@ constexpr int row_bits = 20;
 constexpr int column_bits = 14;
 constexpr std::uint64_t spread = 0x9e3779b97f4a7c15u;
 
-std::unordered_map<std::string, std::uint32_t>& prefixes() {
-  static std::unordered_map<std::string, std::uint32_t> table;
-  return table;
-}
-
+/// One number for a prefix in the whole process: keys of any two parts can be compared.
 std::uint32_t folded_prefix_number(std::string folded) {
-  auto& table = prefixes();
+  static std::mutex at_work;
+  static std::unordered_map<std::string, std::uint32_t> table;
+  const std::lock_guard guard(at_work);
   return table.try_emplace(std::move(folded), static_cast<std::uint32_t>(table.size() + 1))
       .first->second;
 }

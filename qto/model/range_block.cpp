@@ -27,6 +27,10 @@ ModelPart* RangeBlock::at(std::int64_t place) {
 std::int64_t RangeBlock::place_of(const PartKey& key) const noexcept {
   CellPos cell;
   if (!key.is_cell_of(sheet_->prefix, cell) || !rect_.contains(cell)) return nowhere;
+  return place_of(cell);
+}
+
+std::int64_t RangeBlock::place_of(CellPos cell) const noexcept {
   return std::int64_t{cell.row - rect_.first.row} * rect_.columns() + cell.column -
          rect_.first.column;
 }
@@ -41,6 +45,10 @@ bool RangeBlock::holds(const ModelPart& part) const noexcept {
   return sheet && sheet->prefix == sheet_->prefix && rect_.contains(part.cell());
 }
 
+bool RangeBlock::shows(const ModelPart& part) const noexcept {
+  return holds(part) && (removed_.empty() || !removed_[place_of(part.cell())]);
+}
+
 bool RangeBlock::overlaps(const RangeBlock& other) const noexcept {
   const Rect& a = rect_;
   const Rect& b = other.rect_;
@@ -50,10 +58,8 @@ bool RangeBlock::overlaps(const RangeBlock& other) const noexcept {
 }
 
 void RangeBlock::replace(const ModelPart& part, const Ref<ModelPart>& by) {
-  const std::int64_t place = std::int64_t{part.cell().row - rect_.first.row} * rect_.columns() +
-                             part.cell().column - rect_.first.column;
   if (parts_.empty()) parts_.resize(size());
-  parts_[place] = by;
+  parts_[place_of(part.cell())] = by;
 }
 
 bool RangeBlock::remove(const PartKey& key) {

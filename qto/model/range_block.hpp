@@ -30,7 +30,10 @@ class RangeBlock : public RefCounted {
   ModelPart* at(std::int64_t place);
   /// The part under a key; null when the key is none of the block's.
   ModelPart* find(const PartKey& key);
+  /// True for a part of one of the block's cells, removed or not.
   bool holds(const ModelPart& part) const noexcept;
+  /// The same without those that were removed.
+  bool shows(const ModelPart& part) const noexcept;
   bool overlaps(const RangeBlock& other) const noexcept;
 
   /// Puts a part for the same cell in the place of that cell's.
@@ -48,6 +51,7 @@ class RangeBlock : public RefCounted {
  private:
   static constexpr std::int64_t nowhere = -1;
   std::int64_t place_of(const PartKey& key) const noexcept;
+  std::int64_t place_of(CellPos cell) const noexcept;
   CellPos cell_at(std::int64_t place) const noexcept;
   bool has_error_at(std::int64_t place);
 

@@ -1,7 +1,7 @@
 #include "qto/model/selection_keeper.hpp"
 
 #include "qto/host/host.hpp"
-#include "qto/host/insist.hpp"
+#include "qto/host/restore.hpp"
 
 namespace qto {
 
@@ -28,7 +28,7 @@ void SelectionKeeper::remember() {
 
 void SelectionKeeper::go_back(const Place& place) noexcept {
   // Unless the sheet is gone: then nothing is left to go back to.
-  host::insist([&] {
+  host::restore([&] {
     place.sheet->Workbook()->Activate();
     place.sheet->Activate();
     if (const auto range = ref_cast<host::Range>(place.selection))

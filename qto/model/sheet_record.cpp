@@ -12,13 +12,14 @@ SheetRecord::SheetRecord(const Ref<host::Worksheet>& worksheet, Ref<Context> dri
       sheet(worksheet),
       workbook(worksheet->Workbook()),
       name(worksheet->Name()),
-      local_file(!Main::IsURL(workbook->Path())),
+      book_name(workbook->Name()),
+      book_path(workbook->Path()),
+      local_file(!Main::IsURL(book_path)),
       stamp(worksheet->IdentityStamp()),
-      prefix(PartKey::prefix_number(sheet_prefix(*workbook, name, local_file))) {}
+      prefix(PartKey::prefix_number(prefix_text())) {}
 
-std::string sheet_prefix(const host::Workbook& workbook, std::string_view sheet, bool local_file) {
-  return "'" + Main::AddSeparator(workbook.Path(), local_file) + "[" + workbook.Name() + "]" +
-         std::string(sheet) + "'!";
+std::string SheetRecord::prefix_text() const {
+  return "'" + Main::AddSeparator(book_path, local_file) + "[" + book_name + "]" + name + "'!";
 }
 
 }  // namespace qto

@@ -20,14 +20,18 @@ struct SheetRecord : RefCounted {
   Ref<host::Worksheet> sheet;
   Ref<host::Workbook> workbook;
   std::string name;
+  /// Name and folder of the workbook.
+  std::string book_name, book_path;
   bool local_file = false;
   /// The host's identity stamp when the record was made; 0: the host has none.
   std::uint64_t stamp = 0;
-  /// PartKey::prefix_number of 'folder\[book]sheet'!
+  /// PartKey::prefix_number of prefix_text().
   std::uint32_t prefix = 0;
-};
+  /// A text to read formulas into; its memory serves one after the other.
+  std::string scratch;
 
-/// The prefix of the unique keys of a sheet's cells.
-std::string sheet_prefix(const host::Workbook& workbook, std::string_view sheet, bool local_file);
+  /// 'folder\[book]sheet'!, with which the unique keys of the sheet's cells begin.
+  std::string prefix_text() const;
+};
 
 }  // namespace qto

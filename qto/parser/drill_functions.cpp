@@ -96,13 +96,14 @@ Ref<host::Range> Parser::local_eval_range(const std::string& text) {
   if (own_sheet_.empty())
     return proc.need(
         [&] { return ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object()); });
-  try {
+  Ref<host::Range> found;
+  (void)host::tried([&] {
     if (const auto& own = part_->sheet_record())
-      return own->sheet->range_in_cell(part_->cell(), text);
-    return ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object());
-  } catch (const std::exception&) {
-    return nullptr;
-  }
+      found = own->sheet->range_in_cell(part_->cell(), text);
+    else
+      found = ref_cast<host::Range>(evaluation_sheet()->Evaluate(text).object());
+  });
+  return found;
 }
 
 void Parser::add_cell_part(const Ref<host::Range>& cell) {

@@ -65,7 +65,8 @@ class Parser {
   void split_formula(std::string_view formula, TokenTable& table);
   /// Makes `part` the part being parsed without parsing it.
   void enter_part(ModelPart& part);
-  TokenType is_name(std::string_view name, std::string& book, std::string& sheet);
+  /// What a name is that stands behind a book and a sheet, either of which may be "".
+  TokenType name_type(std::string_view name, std::string book, std::string sheet);
   bool is_range(std::string_view text);
   bool is_book_open(std::string_view book);
 

@@ -6,7 +6,7 @@
 
 namespace qto {
 
-TokenType Parser::is_name(std::string_view name, std::string& book, std::string& sheet) {
+TokenType Parser::name_type(std::string_view name, std::string book, std::string sheet) {
   Procedure proc("Parser", "is_name");
   if (book.empty() && sheet.empty()) {
     // A name of the formula's own sheet hides a workbook-level one.

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "qto/automation/error.hpp"
 #include "qto/automation/text.hpp"
 #include "qto/diagnostics/procedure.hpp"
@@ -77,7 +79,8 @@ void Parser::check_token_for_name(TokenTable& table, std::size_t i) {
     if (i >= 5 && table.at(i - 4).type == TokenType::workbook) book = table.at(i - 4).text;
     if (i >= 3 && table.at(i - 2).type == TokenType::worksheet) sheet = table.at(i - 2).text;
   }
-  table.at(i).type = is_name(trim_white_space(table.at(i).text), book, sheet);
+  table.at(i).type =
+      name_type(trim_white_space(table.at(i).text), std::move(book), std::move(sheet));
 }
 
 }  // namespace qto

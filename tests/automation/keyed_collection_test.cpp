@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "qto/automation/folded_key.hpp"
+#include "tests/support/failing_memory.hpp"
 
 namespace qto {
 namespace {
@@ -125,6 +126,41 @@ TEST(KeyedCollection, AgreesWithAPlainListOverRandomEdits) {
     for (const auto& name : plain) expected += name + " ";
     ASSERT_EQ(listed(items), expected) << "seed " << seed;
   }
+}
+
+TEST(KeyedCollection, AnItemThatCannotBeIndexedForLackOfMemoryIsNotAdded) {
+  for (std::int64_t n = 1; n <= 12; ++n) {
+    Items items;
+    std::vector<Ref<Item>> made;
+    std::vector<FoldedKey> keys;
+    for (int i = 0; i < 40; ++i) {
+      made.push_back(make_ref<Item>("item " + std::to_string(i)));
+      keys.emplace_back(made.back()->name);
+    }
+    std::size_t added = 0;
+    try {
+      const test::FailingMemory failing(n);
+      for (std::size_t i = 0; i < made.size(); ++i, ++added) items.add(std::move(keys[i]), made[i]);
+    } catch (const std::bad_alloc&) {
+    }
+    EXPECT_EQ(items.count(), added);
+    for (std::size_t i = 0; i < made.size(); ++i)
+      EXPECT_EQ(items.find(FoldedKey(made[i]->name)) != nullptr, i < added) << n << " " << i;
+    for (const auto& item : made) items.add(FoldedKey(item->name), item);
+    EXPECT_EQ(items.count(), made.size());
+  }
+}
+
+TEST(KeyedCollection, ALoopMayRemoveWhatItStandsOn) {
+  Items items;
+  for (const char* name : {"a", "b", "c"}) add(items, name);
+  std::string seen;
+  for (PassIterator<Item, Items::Pass> item{Items::Pass(items)}; item != std::default_sentinel;
+       ++item) {
+    items.remove(FoldedKey(item->name));
+    seen += item->name;
+  }
+  EXPECT_EQ(seen, "abc");
 }
 
 }  // namespace

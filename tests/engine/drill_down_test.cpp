@@ -52,14 +52,42 @@ TEST(StartObject, MayBeAPartOfAnEarlierDrill) {
   EXPECT_EQ(listed(second->InputCells()), "A1");
 }
 
-TEST(StartObject, APartThatIsUnknownIsReported) {
-  const Reports reports;
+TEST(StartObject, APartThatIsUnknownIsRefused) {
   auto part = make_ref<ModelPart>();
   part->Create(nullptr, "Range", "A1");
   const auto drill = make_ref<DrillDown>();
-  drill->putref_StartUnderlyingObject(part);
-  EXPECT_EQ(reports.text(), " !91");
+  EXPECT_EQ(raised_by([&] { drill->putref_StartUnderlyingObject(part); }), wrong_object);
   EXPECT_EQ(drill->StartUnderlyingObject(), nullptr);
+}
+
+TEST(StartObject, ThatIsRefusedLeavesTheOneBefore) {
+  Books books("A1=5; B1==A1");
+  const auto other = books.add("A1=5; B1==B1", "Circular.xlsx");
+  const auto drill = drill_from(books, "B1");
+  EXPECT_NE(raised_by([&] { drill->putref_StartUnderlyingObject(books.range("A1", other)); }), 0);
+  drill->FindInputs();
+  EXPECT_EQ(listed(drill->InputCells()), "A1");
+}
+
+/// Objects of other servers may bear any class name.
+TEST(StartObject, IsJudgedByWhatItIsNotByItsName) {
+  struct Named : host::HostObject {
+    Named(const char* class_name, Ref<host::Workbook> above)
+        : name(class_name), workbook(std::move(above)) {}
+    std::string_view TypeName() const noexcept override { return name; }
+    Ref<host::HostObject> Parent() const override { return workbook; }
+    bool exists() const noexcept override { return true; }
+    Ref<host::Application> application() const override { return workbook->Application(); }
+    const char* name;
+    Ref<host::Workbook> workbook;
+  };
+  Books books("A1=5; B1==A1");
+  const auto drill = make_ref<DrillDown>();
+  for (const char* name : {"ModelPart", "Range", "Series", "Workbook"}) {
+    const auto foreign = make_ref<Named>(name, books.opened[0]);
+    EXPECT_EQ(raised_by([&] { drill->putref_StartUnderlyingObject(foreign); }), wrong_object)
+        << name;
+  }
 }
 
 TEST(Settings, RefuseNegativeNumbers) {
@@ -299,6 +327,29 @@ TEST(Labels, AreSwitchedOffOnceWithANotice) {
     EXPECT_FALSE(books.opened[0]->AcceptLabelsInFormulas());
     EXPECT_EQ(books.app->DisplayAlerts(), alerts);
   }
+}
+
+TEST(Labels, TheirNoticeIsNoPlaceForAnotherOperation) {
+  Books books("A1=1; B1==A1");
+  books.opened[0]->put_AcceptLabelsInFormulas(true);
+  const auto drill = drill_from(books, "B1");
+  std::int32_t inner = 0;
+  drill->RemoveRowAndColumnLabels.add(
+      [&](const auto&) { inner = raised_by([&] { drill->FindInputs(); }); });
+  drill->FindInputs();
+  EXPECT_EQ(inner, out_of_range);
+  EXPECT_EQ(listed(drill->InputCells()), "A1");
+  drill->FindInputs();
+  EXPECT_EQ(listed(drill->InputCells()), "A1");
+}
+
+TEST(TraceError, GoesThroughANameToWhereTheErrorArises) {
+  Books books(
+      "A1==Rate*2; B1==C1/D1; C1=1; D1==1/E1; E1=0; name Rate=Sheet1!$B$1; A2==SUM(Some); "
+      "name Some=Sheet1!$B$1:$C$9; A3==Fine+D1; name Fine=Sheet1!$C$1");
+  EXPECT_EQ(errors(books, "A1"), "D1");
+  EXPECT_EQ(errors(books, "A2"), "D1");
+  EXPECT_EQ(errors(books, "A3"), "D1");
 }
 
 TEST(LinkedBookLists, AreSharedAndEmptiedByANewDrill) {

@@ -197,5 +197,20 @@ TEST_F(FailingHost, IsNamedInTheReportWithTheFormulaCell) {
   EXPECT_GT(with_cell, 5u);
 }
 
+TEST_F(FailingHost, ACellWithoutAValueIsReportedAndDrilled) {
+  host_.fail_value_of(CellPos{1, 1});
+  for (const Operation operation : {Operation::drill, Operation::inputs}) {
+    const ScriptedDialog dialog(Outcome::leave);
+    run(operation);
+    EXPECT_GT(dialog.reports.size(), 0u);
+    EXPECT_LT(dialog.reports.size(), 100u);
+    EXPECT_TRUE(std::ranges::any_of(
+        dialog.reports, [](const auto& report) { return report.host_call == "Range.Value"; }));
+    if (operation != Operation::inputs) continue;
+    std::string found = " " + listed(drill_->InputCells()) + " ";
+    EXPECT_NE(found.find(" A1 "), std::string::npos) << found;
+  }
+}
+
 }  // namespace
 }  // namespace qto::test

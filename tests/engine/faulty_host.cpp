@@ -230,6 +230,7 @@ class FaultyWorksheet : public FaultySheet<Worksheet> {
     call("Worksheet.append_cell_formula").append_cell_formula(pos, out);
   }
   Variant cell_value(CellPos pos) const override {
+    desk_.check_value(pos);
     return call("Worksheet.cell_value").cell_value(pos);
   }
   bool cell_has_formula(CellPos pos) const override {
@@ -449,6 +450,11 @@ FaultyHost::FaultyHost(Ref<host::Application> inner)
     : app_(make_ref<FaultyApplication>(*this, std::move(inner))) {}
 
 FaultyHost::~FaultyHost() = default;
+
+void FaultyHost::check_value(CellPos cell) const {
+  if (failing_cell_ == cell)
+    throw host::HostFailure(host::general_failure, "the cell gives no value", "Range.Value");
+}
 
 void FaultyHost::count(const char* call) {
   ++calls_;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "qto/host/host.hpp"
@@ -26,6 +27,8 @@ class FaultyHost {
     always_ = always;
     failed_.clear();
   }
+  /// The value of that cell of every sheet fails each time; nothing: none does.
+  void fail_value_of(std::optional<CellPos> cell) { failing_cell_ = cell; }
   std::int64_t calls() const { return calls_; }
   /// The call that failed first, "" when none has.
   const std::string& failed() const { return failed_; }
@@ -33,6 +36,7 @@ class FaultyHost {
   // For the wrappers
 
   void count(const char* call);
+  void check_value(CellPos cell) const;
   Ref<host::HostObject> wrap_object(const Ref<host::HostObject>& inner);
   Ref<Object> wrap_any(const Ref<Object>& inner);
   template <class Kind>
@@ -43,6 +47,7 @@ class FaultyHost {
  private:
   std::int64_t calls_ = 0;
   std::int64_t failing_call_ = 0;
+  std::optional<CellPos> failing_cell_;
   bool always_ = false;
   std::string failed_;
   Ref<host::Application> app_;

@@ -202,5 +202,36 @@ TEST_F(LinkedChanges, ClosingALinkedBookUnderTheWalkEndsInOrder) {
   EXPECT_NE(listed(here->InputCells()).find("A9"), std::string::npos);
 }
 
+TEST_F(LinkedChanges, PartsOfABookThatWasClosedKeepTheirKeysAndNames) {
+  books_.add("B1==" + far("A1") + "+" + far("A2") + "+" + far("Rate"));
+  const auto told = [&](bool before) {
+    const auto here = drill("B1");
+    here->FindInputs();
+    std::string out;
+    const auto tell = [&] {
+      for (ModelPart& part : *here->InputCells())
+        out += part.UniqueKey() + " " + part.WorkBookName() + " " + part.WorkBookPath() + " " +
+               part.WorkSheetName() + " " + part.AddressShort() + "|";
+    };
+    if (before) tell();
+    here->BooksOpened()->CloseBooks();
+    if (!before) tell();
+    for (ModelPart& part : *here->InputCells()) {
+      EXPECT_EQ(here->InputCells()->Item(part.UniqueKey()).get(), &part);
+      part.CheckForChanges();  // and notices that its book is gone
+    }
+    if (!before) return out;
+    const std::string held = std::exchange(out, "");
+    tell();
+    EXPECT_EQ(out, held);
+    return held;
+  };
+  const Reports reports;
+  const std::string open = told(true);
+  EXPECT_NE(open.find("[Far.xlsx]Sheet1'!A1 Far.xlsx"), std::string::npos) << open;
+  EXPECT_EQ(told(false), open);
+  EXPECT_EQ(reports.text(), "");
+}
+
 }  // namespace
 }  // namespace qto::test

@@ -207,10 +207,14 @@ TEST_F(Identity, UnsupportedAndMismatchedObjects) {
   EXPECT_EQ(raised_by([&] { part(books_.range("A1"), "Chart"); }), wrong_object);
   EXPECT_EQ(raised_by([&] { part(books_.range("A1"), "range"); }), wrong_object);
   EXPECT_EQ(raised_by([&] { part(books_.range("A1"), ""); }), wrong_object);
-  const Reports reports;
-  for (const char* type : {"Name", "Series"}) part(books_.range("A1"), type);
-  for (const char* type : {"Range", "Pivot Table", "Name", "Series"}) part(books_.opened[0], type);
-  EXPECT_EQ(reports.text(), " !13 !13 !13 !13 !13 !13");
+  for (const char* type : {"Name", "Series"})
+    EXPECT_EQ(raised_by([&] { part(books_.range("A1"), type); }), wrong_object) << type;
+  for (const char* type : {"Range", "Pivot Table", "Name", "Series"})
+    EXPECT_EQ(raised_by([&] { part(books_.opened[0], type); }), wrong_object) << type;
+  const auto made = part(books_.range("A1"), "Range");
+  EXPECT_EQ(raised_by([&] { made->Create(books_.opened[0], "Name"); }), wrong_object);
+  EXPECT_EQ(made->AddressLong(qtoaddressSheet), "'Sheet1'!A1");  // as it was
+  EXPECT_EQ(made->Formula(), "1");
 }
 
 TEST_F(Identity, SettersAreForUnknownParts) {

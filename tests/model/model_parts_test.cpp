@@ -76,5 +76,33 @@ TEST(ModelParts, APassHoldsItsList) {
   EXPECT_EQ(pass.next(), nullptr);
 }
 
+TEST(ModelParts, APartTakenOutOfALargeRangeMayComeBack) {
+  Books books("B1==SUM(A1:A5000); A1=1; A2=2");
+  const auto drill = drill_from(books, "B1");
+  drill->DrillHere();
+  const auto list = drill->StartModelPart()->DirectPrecedents();
+  ASSERT_EQ(list->Count(), 5000);
+  auto second = list->Item(2);
+  list->Remove(2);
+  EXPECT_EQ(list->Count(), 4999);
+  EXPECT_EQ(list->Item(second->UniqueKey()), nullptr);
+  list->AddExisting(second);
+  list->AddExisting(second);
+  EXPECT_EQ(list->Count(), 5000);
+  EXPECT_EQ(list->Item(second->UniqueKey()), second);
+  EXPECT_EQ(list->Item(5000), second);
+}
+
+TEST(ModelParts, ARangeLoopPassesOverAll) {
+  const auto parts = make_ref<ModelParts>();
+  for (const char* address : {"A1", "B1", "C1"}) add(*parts, named(address));
+  std::string seen;
+  for (ModelPart& part : *parts) {
+    parts->Remove(part.UniqueKey());
+    seen += part.AddressShort() + " ";
+  }
+  EXPECT_EQ(seen, "A1 B1 C1 ");
+}
+
 }  // namespace
 }  // namespace qto::test

@@ -205,6 +205,22 @@ TEST_F(Selection, AHandlerMayPutAnotherRangeInItsPlace) {
   item->AskToUnhide.remove(token);
 }
 
+TEST_F(Selection, AnAnswerThatIsNoRangeIsReportedAndNotTaken) {
+  const auto item = cell("B7");
+  books_.range("7:7")->put_Hidden(true);
+  const int token = item->AskToUnhide.add(
+      [&](Ref<Object>& hidden, const std::string&, Ref<Object>&, bool& unhide, std::string&) {
+        hidden = books_.opened[0]->Worksheets(1);
+        unhide = true;
+      });
+  const Reports reports;
+  EXPECT_EQ(item->SelectItem(), qtoNotSelectableObject);
+  EXPECT_EQ(reports.text(), " !13");
+  EXPECT_EQ(place_of(item->UnderlyingObject()), "Sheet1!B7");
+  EXPECT_EQ(item->Formula(), "=A1");
+  item->AskToUnhide.remove(token);
+}
+
 /// A cell of a host that refuses what the application asks of it.
 TEST_F(Selection, ARangeThatCannotBeShownLeavesTheSettingsOn) {
   class Stubborn final : public host::Range {

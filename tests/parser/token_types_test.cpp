@@ -112,11 +112,8 @@ TEST_F(TokenTypes, NamesAreLookedForWhereTheirQualifierSays) {
               {"Rate", "Book2.xlsx", "", TokenType::workbook_name},
               {"Rate", "Far.xlsx", "", TokenType::none},
               {"", "", "", TokenType::none}};
-  for (const auto& row : rows) {
-    std::string book = row.book;
-    std::string sheet = row.sheet;
-    EXPECT_EQ(parser_.is_name(row.name, book, sheet), row.type) << row.name << row.sheet;
-  }
+  for (const auto& row : rows)
+    EXPECT_EQ(parser_.name_type(row.name, row.book, row.sheet), row.type) << row.name << row.sheet;
   EXPECT_TRUE(parser_.is_book_open("book2.XLSX"));
   EXPECT_FALSE(parser_.is_book_open("Far.xlsx"));
 }

@@ -11,7 +11,7 @@
 #include "qto/diagnostics/trace.hpp"
 #include "qto/diagnostics/trace_outputs.hpp"
 
-/// The diagnostics are process-wide: what a test sets up ends with the test.
+/// The diagnostics are those of the thread: what a test sets up ends with the test.
 namespace qto::test {
 
 /// Answers every error report from a script, and keeps what was shown.

@@ -40,13 +40,8 @@ void RangeProxy::read_place() const {
                : count_of(part(HostMember::Areas, "Areas"));
 }
 
-void RangeProxy::refresh_place() const noexcept {
-  if (!remote_) return;
-  try {
-    read_place();
-  } catch (...) {
-    // A range that is gone keeps its last place; exists() tells.
-  }
+void RangeProxy::refresh_place() const {
+  if (remote_) read_place();
 }
 
 Ref<host::Worksheet> RangeProxy::Worksheet() const {
@@ -54,17 +49,17 @@ Ref<host::Worksheet> RangeProxy::Worksheet() const {
   return sheet_;
 }
 
-Rect RangeProxy::block() const noexcept {
+Rect RangeProxy::block() const {
   refresh_place();
   return block_;
 }
 
-int RangeProxy::AreasCount() const noexcept {
+int RangeProxy::AreasCount() const {
   refresh_place();
   return areas_;
 }
 
-std::int64_t RangeProxy::CellsCount() const noexcept {
+std::int64_t RangeProxy::CellsCount() const {
   refresh_place();
   if (areas_ == 1) return block_.cells();
   const auto count = probe(HostMember::Count);

@@ -16,9 +16,9 @@ class RangeProxy final : public ProxyOf<host::Range> {
   Ref<host::HostObject> Parent() const override { return Worksheet(); }
   bool exists() const noexcept override;
   Ref<host::Worksheet> Worksheet() const override;
-  Rect block() const noexcept override;
-  int AreasCount() const noexcept override;
-  std::int64_t CellsCount() const noexcept override;
+  Rect block() const override;
+  int AreasCount() const override;
+  std::int64_t CellsCount() const override;
   Ref<host::Range> Cells(std::int32_t row, std::int32_t column) const override;
   Ref<host::Range> Rows(std::int32_t k) const override;
   Ref<host::Range> Columns(std::int32_t k) const override;
@@ -56,7 +56,7 @@ class RangeProxy final : public ProxyOf<host::Range> {
   Ref<host::Application> application() const override;
   /// Reads where the range lies now: cells may have been inserted before it.
   void read_place() const;
-  void refresh_place() const noexcept;
+  void refresh_place() const;
   Ref<host::Range> at(const Rect& block) const { return Worksheet()->Block(block); }
 
   mutable Ref<host::Worksheet> sheet_;

@@ -1,5 +1,7 @@
 #include "qto/hosts/embedded/objects/open_book.hpp"
 
+#include <atomic>
+
 #include "qto/hosts/embedded/objects/application_object.hpp"
 #include "qto/hosts/embedded/objects/chart_objects.hpp"
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
@@ -9,7 +11,7 @@
 namespace qto::embedded {
 
 std::uint64_t next_stamp() noexcept {
-  static std::uint64_t last = 0;
+  static std::atomic<std::uint64_t> last = 0;
   return ++last;
 }
 
