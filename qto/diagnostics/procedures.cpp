@@ -34,6 +34,7 @@ constexpr QualifiedName names[] = {
     {"DrillDown", "contains_circular_reference"},
     {"DrillDown", "remove_row_and_column_labels"},
     {"DrillDown", "drill_this_cell"},
+    {"DrillDown", "drill_by_distance"},
     {"DrillDown", "drill_to_inputs"},
     {"DrillDown", "drill_to_errors"},
     {"DrillDown", "find_precedents_if_necessary"},

@@ -76,9 +76,9 @@ class DrillDown : public Object {
   void put_IgnoreConstantIfZeroOrOne(bool ignore) noexcept;
   /// The item limit stopped the current or last drill.
   bool ExceededMaxItems() const noexcept;
-  /// Formulas of the last drill that read cells through calls which do not show them (add-ins, cubes,
-  /// the web; INDIRECT and OFFSET whose targets are not followed): below them the answer ends. Found
-  /// by exact reading only; the part's DrillRemark names the calls.
+  /// Formulas of the last drill that read cells through calls which do not show them (add-ins,
+  /// cubes, the web; INDIRECT, OFFSET whose targets are not followed): below them the answer ends.
+  /// Found by exact reading only; the part's DrillRemark names the calls.
   const Ref<ModelParts>& OpaqueCells() const noexcept;
   /// Parts of the last drill that refer back to a part above them, where exact reading cuts the
   /// circle; DrillRemark tells the way round.

@@ -99,7 +99,7 @@ void DrillDown::try_to_find(const Ref<ModelPart>& part, ModelParts& list) {
     (void)proc.step([&] {
       find_name_of(part);
       // A table goes by a name that is none of the defined ones.
-      const auto table = part->Exists() ? nullptr : table_of(*part, application());
+      const auto table = part->is_unknown() ? table_of(*part, application()) : nullptr;
       if (!table) return;
       list.remove(part->Key());
       add_cells(make_ref<SheetRecord>(table->Worksheet(), context_), table->block(), list);

@@ -44,6 +44,17 @@ class EveryProcedure : public testing::Test {
       drill->TraceError();
       drill->BooksOpened()->CloseBooks();
     }
+    // Exactly, down to a bound, and once round a circle.
+    books_.enter("Q1==Q2+IF(A1>0,Q3,1); Q2==Q3; Q3==Q2");
+    const auto exact = make_ref<DrillDown>();
+    auto choosing = make_ref<DrillOptions>();
+    choosing->put_Reading(qtoReadExact);
+    choosing->put_ParseIf(qtodrillusedsection);
+    exact->putref_DrillOptions(choosing);
+    exact->put_MaximumDepth(3);
+    exact->putref_StartUnderlyingObject(books_.range("Q1"));
+    exact->DrillHere();
+    books_.enter("Q3=1");
     const auto errors = make_ref<DrillDown>();
     errors->putref_StartUnderlyingObject(books_.range("A4"));
     books_.add("A1=1", "Far.xlsx", "/elsewhere");  // a book of that name is open already

@@ -204,6 +204,9 @@ void Walk::follow_joined(NodeIndex index, const Scope* scope) {
 
 /// What decides where a range ends. A written end is a corner of cells that are followed already.
 void Walk::follow_end(NodeIndex index, const Scope* scope) {
+  for (; meets_or_spans(formula_.at(index)) || formula_.at(index).op == Operator::unite;
+       index = formula_.at(index).first_child)
+    follow_end(formula_.at(formula_.at(index).first_child).next, scope);
   const Node& node = formula_.at(index);
   switch (node.kind) {
     case NodeKind::area:
@@ -325,6 +328,8 @@ void Walk::follow_choice(const Choice& choice, NodeIndex index, const Scope* sco
   const Outcome outcome = choice.decide(call);
   if (!outcome.why.empty()) {
     surroundings_.remark(std::string(choice.function) + " is followed whole: " + outcome.why);
+    if (choice.family == Family::indirect || choice.family == Family::offset)
+      surroundings_.opaque_call(choice.function);
     return follow_arguments(formula_.at(index).first_child, scope);
   }
   for (const Part& part : outcome.parts) follow_part(part);

@@ -40,9 +40,9 @@ constexpr EnumerationTable enumerations[] = {
      contains_constant},
     {"qtoReading", "How formulas are read.", own_guid(0x86), readings},
 };
-constexpr const EnumerationTable* enumeration_list[] = {
-    &enumerations[0], &enumerations[1], &enumerations[2],
-    &enumerations[3], &enumerations[4], &enumerations[5]};
+constexpr const EnumerationTable* enumeration_list[] = {&enumerations[0], &enumerations[1],
+                                                        &enumerations[2], &enumerations[3],
+                                                        &enumerations[4], &enumerations[5]};
 constexpr const ClassTable* class_list[] = {
     &drill_down_table, &linked_book_table, &linked_books_table, &link_list_table,
     &model_part_table, &model_parts_table, &drill_options_table};
