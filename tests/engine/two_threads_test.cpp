@@ -30,7 +30,7 @@ TEST(TwoThreads, DrillInApplicationsOfTheirOwn) {
   const std::string text =
       "A1=1; A2=2.5; A3=text; A4==1/0; name Rate=Sheet1!$A$2; name Relative=Sheet1!A2; "
       "B1==SUM(A1:A3)+Rate; B2==IF(A1>0,B1,A4)&TEXT(A2,\"#,##0.00\"); "
-      "B3==VLOOKUP(2.5,A1:A3,1,FALSE)+INDIRECT(\"A\"&2)+SUM(C:C)+Relative; "
+      "B3==VLOOKUP(2.5,A1:A3,1,FALSE)+INDIRECT(\"A\"&2)+SUM(C1:C5000)+Relative; "
       "B4==SUMPRODUCT(A1:A2,A1:A2)+SUMIF(A1:A3,\"t*\",A1:A3)+IFERROR(A4,0)+REGEXTEST(A3,\"t\"); "
       "B5==B2&B3&B4&'" +
       folder.path() + "/[Far.xlsx]Sheet1'!A2";
