@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <vector>
 
 #include "cli/answer/answer_json.hpp"
 #include "cli/answer/answer_text.hpp"
 #include "cli/answer/drill.hpp"
 #include "cli/answer/refusal.hpp"
 #include "cli/asking/complaint.hpp"
+#include "cli/asking/starts.hpp"
 #include "cli/book/contents.hpp"
 #include "cli/book/item.hpp"
 #include "cli/book/open_start_book.hpp"
@@ -62,7 +65,7 @@ class Run {
     const auto states = link_states(application_, book_, arguments_, progress_, failures_);
     progress_.hide();
     arguments_.json ? write_book_links(states, reports_) : print_links(*book_, states);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus folder_links() {
@@ -71,7 +74,7 @@ class Run {
     arguments_.json ? write_folder_links(found) : print_folder_links(found);
     const bool partial = std::any_of(found.books.begin(), found.books.end(),
                                      [](const auto& book) { return !book.second.problem.empty(); });
-    const ExitStatus status = finish(false);
+    const ExitStatus status = finish();
     return partial ? done_in_part : status;
   }
 
@@ -84,14 +87,14 @@ class Run {
     if (!part->CheckedForPrecedents()) parse_only(part);
     progress_.hide();
     arguments_.json ? write_item(part, reports_) : print_item(part);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus contents() {
     const Contents contents = contents_of(book_);
     progress_.hide();
     arguments_.json ? write_contents(contents, reports_) : print_contents(contents);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus show() {
@@ -101,35 +104,75 @@ class Run {
     application_.set_window_size(size.rows, static_cast<int>(size.width / 9));
     progress_.hide();
     show_item(arguments_, item, size, reports_);
-    return finish(false);
+    return finish();
   }
 
   ExitStatus drill() {
-    const auto start = find_start(book_, arguments_.item);
+    std::vector<Start> starts;
+    for (const std::string& text : written_starts(arguments_))
+      std::ranges::move(find_starts(book_, text), std::back_inserter(starts));
+    JsonWriter json(stdout);
+    const ExitStatus status =
+        starts.size() == 1 ? drill_from(starts[0], reports_, json) : drill_from_each(starts, json);
+    if (arguments_.json) json.finish();
+    return std::max(status, finish());
+  }
+
+  ExitStatus drill_from(const Start& start, const Reports& reports, JsonWriter& json) {
     Drill drill(arguments_, progress_);
     progress_.stage("following formulas");
     try {
-      drill.run(start);
+      drill.run(start.object);
     } catch (const AutomationError& error) {
-      throw Complaint(refused, refusal_text(error.number, book_, arguments_.item, start),
+      throw Complaint(refused, refusal_text(error.number, book_, start.text, start.object),
                       error_number_text(error.number));
     }
     // On a terminal the answer itself is what moves.
     is_terminal(Stream::output) ? progress_.hide() : progress_.stage("writing the answer");
     if (arguments_.json)
-      write_drill(arguments_, drill, failures_, reports_, progress_);
+      write_drill(json, arguments_, drill, failures_, reports, progress_);
     else
       print_drill(arguments_, drill, failures_, progress_);
-    const ExitStatus status = finish(drill.interrupted());
-    return drill.engine().ExceededMaxItems() ? done_in_part : status;
+    interrupted_ = drill.interrupted();
+    return drill.engine().ExceededMaxItems() ? done_in_part : done;
   }
 
-  ExitStatus finish(bool interrupted) {
+  /// One answer after the other. A start that is refused does not keep the others from theirs.
+  ExitStatus drill_from_each(const std::vector<Start>& starts, JsonWriter& json) {
+    if (arguments_.json) begin_answers(json, arguments_.operation);
+    ExitStatus status = done;
+    std::size_t refusals = 0;
+    for (const Start& start : starts) {
+      if (!arguments_.json && &start != &starts.front()) fmt::print("\n");
+      try {
+        const Reports reports;
+        status = std::max(status, drill_from(start, reports, json));
+      } catch (const Complaint& complaint) {
+        ++refusals;
+        refuse(start, complaint, json);
+      }
+      if (interrupted_) break;
+    }
+    if (arguments_.json) end_answers(json);
+    if (refusals == starts.size()) return refused;
+    return refusals > 0 ? done_in_part : status;
+  }
+
+  void refuse(const Start& start, const Complaint& complaint, JsonWriter& json) {
+    progress_.hide();
+    if (!arguments_.json) return print_complaint(complaint, false);
+    json.begin_object();
+    json.member("item", start.text);
+    write_error(json, complaint);
+    json.end_object();
+  }
+
+  ExitStatus finish() {
     std::fflush(stdout);
     progress_.hide();
-    if (interrupted) fmt::print(stderr, "qto: interrupted; this is what was found until then\n");
+    if (interrupted_) fmt::print(stderr, "qto: interrupted; this is what was found until then\n");
     reports_.print();
-    return interrupted || reports_.count() > 0 ? done_in_part : done;
+    return interrupted_ || reports_.count() > 0 ? done_in_part : done;
   }
 
   const Arguments& arguments_;
@@ -140,6 +183,7 @@ class Run {
   embedded::Application application_;
   OpenFailures failures_{application_};
   Ref<host::Workbook> book_;
+  bool interrupted_ = false;
 };
 
 int complain(const Arguments& arguments, const Complaint& complaint) {

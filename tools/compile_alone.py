@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Compiles every source by itself with clang: what a unity build hides, a missing include say, shows.
+"""Compiles every source by itself: what a unity build hides, a missing include say, shows.
 
     tools/compile_alone.py [--jobs N] BUILD [FOLDER...]
 
 BUILD holds a compile_commands.json of a build that takes each source alone. clang-tidy looks at the
-sources of the product, with the checks of .clang-tidy; tests are compiled without being looked at.
+sources of the product, with the checks of .clang-tidy, and compiles them with clang by the way; tests
+are compiled by the build's own compiler.
 FOLDERs, written from the root, narrow it. Prints what is found and exits 1 when there is anything.
 """
 
@@ -39,9 +40,7 @@ def command_for(name, entry, build):
     """What looks at one source."""
     if name.split("/")[0] not in ONLY_COMPILED:
         return ["clang-tidy", "--quiet", "-p", str(build), str(ROOT / name)]
-    words = shlex.split(entry["command"])
-    del words[:next(i for i, word in enumerate(words) if word.startswith("-"))]  # the compiler
-    return ["clang++", *words, "-fsyntax-only", "-Wno-everything"]
+    return [*shlex.split(entry["command"]), "-fsyntax-only"]
 
 
 def look_at(name, entry, build):

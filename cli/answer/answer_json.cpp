@@ -93,10 +93,9 @@ void write_reports(JsonWriter& json, const Reports& reports) {
   json.end_array();
 }
 
-void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& failures,
-                 const Reports& reports, Progress& progress) {
+void write_drill(JsonWriter& json, const Arguments& arguments, Drill& drill,
+                 const OpenFailures& failures, const Reports& reports, Progress& progress) {
   DrillDown& engine = drill.engine();
-  JsonWriter json(stdout);
   json.begin_object();
   json.member("operation", name_of(arguments.operation));
   json.key("start");
@@ -114,7 +113,18 @@ void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& f
   write_books(json, *engine.BooksNotOpened(), failures);
   write_reports(json, reports);
   json.end_object();
-  json.finish();
+}
+
+void begin_answers(JsonWriter& json, Operation operation) {
+  json.begin_object();
+  json.member("operation", name_of(operation));
+  json.key("answers");
+  json.begin_array();
+}
+
+void end_answers(JsonWriter& json) {
+  json.end_array();
+  json.end_object();
 }
 
 void write_item(const Ref<ModelPart>& part, const Reports& reports) {

@@ -204,9 +204,12 @@ void add_link_options(CLI::App& command, Arguments& arguments, const std::string
 }
 
 void add_drill_options(CLI::App& command, Arguments& arguments, SpecialFunctions& special) {
-  command.add_option("START", arguments.item, "a cell, a defined name or a chart's series")
-      ->required()
-      ->option_text(" ");
+  command
+      .add_option("START", arguments.starts,
+                  "a cell, a range (each of its formulas), a defined name or a chart's series")
+      ->option_text(" ...");
+  command.add_option("--starts", arguments.starts_file, "more of them, one on a line")
+      ->option_text("FILE|-");
   add_special_functions(command, special);
   command
       .add_option_function<std::vector<std::string>>(
@@ -260,7 +263,12 @@ std::optional<int> parse_arguments(const std::vector<std::string>& given, Argume
   SpecialFunctions special;
   const auto add = [&](Operation operation, const char* help) -> CLI::App& {
     CLI::App* command = app.add_subcommand(name_of(operation), help);
-    command->callback([&arguments, operation] { arguments.operation = operation; });
+    command->callback([&arguments, operation, command] {
+      arguments.operation = operation;
+      if (command->get_option_no_throw("START") && arguments.starts.empty() &&
+          arguments.starts_file.empty())
+        throw CLI::RequiredError("START");
+    });
     command->footer("'qto --help' tells how START and ITEM are written.");
     add_book_options(*command, arguments);
     if (operation != Operation::links) add_host_option(*command, arguments);

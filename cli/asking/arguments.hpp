@@ -27,7 +27,9 @@ struct Arguments {
   Operation operation = Operation::tree;
   HostChoice host = HostChoice::embedded;
   std::string book;
-  std::string item;  ///< "" for the contents of the book
+  std::string item;                 ///< "" for the contents of the book
+  std::vector<std::string> starts;  ///< of a drill, as written
+  std::string starts_file;          ///< "-": standard input; "": none
   Ref<DrillOptions> drill = make_ref<DrillOptions>();
   bool ignore_zero_one = false;
   std::int32_t depth = 0;      ///< 0: no bound

@@ -15,6 +15,8 @@ enum ExitStatus : int {
   unreadable = 4,
 };
 
+class JsonWriter;
+
 /// Why there is no answer, for people and for programs.
 struct Complaint : std::runtime_error {
   Complaint(ExitStatus exit_status, const std::string& text, std::string number_text = {})
@@ -26,6 +28,8 @@ struct Complaint : std::runtime_error {
   long line = 0;
 };
 
+/// The member "error" of an answer that is none.
+void write_error(JsonWriter& json, const Complaint& complaint);
 /// Prints it on standard error, or as a JSON object on standard output.
 void print_complaint(const Complaint& complaint, bool json);
 

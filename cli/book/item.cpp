@@ -143,6 +143,23 @@ bool is_relative(const host::Workbook& book, const host::DefinedName& name) {
   return name.RefersTo() != first;
 }
 
+/// The cell itself; of several those that hold formulas.
+std::vector<Start> starts_in(const Ref<host::Range>& range, const std::string& text) {
+  if (range->CellsCount() == 1) return {{range, text}};
+  const auto sheet = range->Worksheet();
+  std::string prefix;
+  append_sheet_name(prefix, sheet->Name());
+  std::vector<Start> starts;
+  if (const auto used = range->block().intersect(sheet->UsedRange()->block()))
+    for (std::int32_t row = used->first.row; row <= used->last.row; ++row)
+      for (std::int32_t column = used->first.column; column <= used->last.column; ++column)
+        if (const auto cell = sheet->Cells(row, column); cell->HasFormula())
+          starts.push_back({cell, prefix + "!" + cell->Address(false, false)});
+  if (starts.empty())
+    throw ItemError(text + " holds no formula, so nothing feeds it. Start from cells that do");
+  return starts;
+}
+
 }  // namespace
 
 Item find_item(const Ref<host::Workbook>& book, std::string_view text) {
@@ -182,25 +199,18 @@ bool is_pivot_cell(const Item& item) {
          !Main::inpivottable(cell).empty();
 }
 
-Ref<Object> find_start(const Ref<host::Workbook>& book, std::string_view text) {
+std::vector<Start> find_starts(const Ref<host::Workbook>& book, const std::string& text) {
   const Item item = find_item(book, text);
-  if (item.type == "Range") {
-    const auto range = ref_cast<host::Range>(item.object);
-    if (range->CellsCount() != 1)
-      throw ItemError(fmt::format("{} is {} cells; START is one cell", text, range->CellsCount()));
-    return range;
-  }
-  if (item.type != "Name") return item.object;
+  if (item.type == "Range") return starts_in(ref_cast<host::Range>(item.object), text);
+  if (item.type != "Name") return {{item.object, text}};
   const auto name = ref_cast<host::DefinedName>(item.object);
   const auto cells = cells_of_name(*name, *item.seen_from);
   const std::string what = name->Name() + " stands for " + name->RefersTo().substr(1);
-  if (!cells) throw ItemError(what + ", which is no cell; START is one cell");
+  if (!cells) throw ItemError(what + ", which is no cell; START is a cell");
   if (is_relative(*book, *name))
     throw ItemError(name->Name() + " is a relative name: which cell it means depends on the cell " +
                     "that uses it. Start from a cell that does");
-  if (cells->CellsCount() != 1)
-    throw ItemError(fmt::format("{}, {} cells; START is one cell", what, cells->CellsCount()));
-  return cells;
+  return starts_in(cells, what);
 }
 
 }  // namespace qto::cli

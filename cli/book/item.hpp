@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "qto/automation/object.hpp"
 #include "qto/host/range.hpp"
@@ -35,8 +36,14 @@ Item find_shown(const Ref<host::Workbook>& book, std::string_view text);
 /// A cell that a pivot table fills.
 bool is_pivot_cell(const Item& item);
 
-/// The cell to start from: as find_item, but a name must refer to one fixed cell, which is the
-/// start. Throws ItemError.
-Ref<Object> find_start(const Ref<host::Workbook>& book, std::string_view text);
+/// What a drill starts from, and how it is written.
+struct Start {
+  Ref<Object> object;
+  std::string text;
+};
+
+/// What to start from: as find_item, but a name must refer to fixed cells, which it then stands
+/// for. Of several cells each that holds a formula is a start. Throws ItemError.
+std::vector<Start> find_starts(const Ref<host::Workbook>& book, const std::string& text);
 
 }  // namespace qto::cli

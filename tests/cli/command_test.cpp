@@ -105,8 +105,8 @@ TEST(Command, refuses_what_is_no_start) {
       {{"tree", "PLAN", ""}, 1, {}, {"it is empty"}},
       {{"tree", "PLAN", "'Cash flow!B2"}, 1, {}, {"apostrophe is not closed"}},
       {{"tree", "PLAN", "Summary(Chart 1)!Sales"}, 1, {}, {"has no chart 'Chart 1'"}},
-      {{"tree", "PLAN", "B2:C3"}, 1, {}, {"B2:C3 is 4 cells; START is one cell"}},
-      {{"tree", "PLAN", "Ratings"}, 1, {}, {"Scenarios!$A$7:$B$11, 10 cells"}},
+      {{"tree", "PLAN", "Assumptions!A1:B3"}, 1, {}, {"A1:B3 holds no formula"}},
+      {{"tree", "PLAN", "Ratings"}, 1, {}, {"Scenarios!$A$7:$B$11 holds no formula"}},
       {{"tree", "PLAN", "WidgetPrice"}, 1, {}, {"relative name"}},
       {{"part", "PLAN", "A:XFD"}, 1, {}, {"17,179,869,184 cells; at most"}},
       {{"tree", "PLAN", "Assumptions!B3"}, 2, {}, {"holds the constant 2, no formula"}},
@@ -121,7 +121,12 @@ TEST(Command, refuses_wrong_usage) {
       {{"tre", "PLAN", "A1"}, 1, {}, {"no command 'tre'", "Did you mean tree?"}},
       {{"tree", "PLAN"}, 1, {}, {"START is required", "qto tree --help"}},
       {{"links"}, 1, {}, {"BOOK is required"}},
-      {{"tree", "PLAN", "A1", "B1"}, 1, {}, {"B1"}},
+      {{"part", "PLAN", "A1", "B1"}, 1, {}, {"one word too many: 'B1'"}},
+      {{"tree", "PLAN", "C7", "--starts", "/no/such/file"},
+       1,
+       {},
+       {"/no/such/file: cannot be read"}},
+      {{"tree", "PLAN", "--starts", "-"}, 1, {}, {"holds no START"}},
       {{"inputs", "PLAN", "A1", "--depth", "2"}, 1, {}, {"--depth"}},
       {{"help", "tre"}, 1, {}, {"no command 'tre'", "Did you mean tree?"}},
       {{"tree", "PLAN", "A1", "--dept", "2"}, 1, {}, {"no option '--dept'. Did you mean --depth?"}},
@@ -137,6 +142,26 @@ TEST(Command, refuses_wrong_usage) {
       {{"tree", "PLAN", "A1", "--hide", "blanks,ones"}, 1, {}, {"'ones' is none of blanks"}},
       {{"tree", "PLAN", "A1", "--open", "maybe"}, 1, {}, {"none of ask|always|never"}},
   });
+}
+
+TEST(Command, answers_about_several_starts) {
+  const std::string all = run_qto({"inputs", plan(), "Summary!C6:C7", "Costs!B5"}).out;
+  std::string single;
+  for (const char* start : {"Summary!C6", "Summary!C7", "Costs!B5"})
+    single += (single.empty() ? "" : "\n") + run_qto({"inputs", plan(), start}).out;
+  EXPECT_EQ(all, single);
+  const Outcome typed =
+      run_qto({"inputs", plan(), "C6:C7", "--starts", "-"}, "\n  =Costs!$B$5  \n");
+  EXPECT_EQ(typed.out, single);
+  EXPECT_EQ(typed.status, 0) << typed.err;
+}
+
+TEST(Command, answers_about_the_other_starts_where_one_is_refused) {
+  const Outcome some = run_qto({"inputs", plan(), "Assumptions!B3", "Summary!C7"});
+  EXPECT_EQ(some.status, 3);
+  EXPECT_THAT(some.out, HasSubstr("Inputs of Summary!C7"));
+  EXPECT_THAT(some.err, HasSubstr("holds the constant 2, no formula"));
+  EXPECT_EQ(run_qto({"inputs", plan(), "Assumptions!B3", "Assumptions!B7"}).status, 2);
 }
 
 TEST(Command, is_silent_where_nobody_reads_its_answer) {

@@ -111,6 +111,9 @@ TEST(Json, lists_inputs_and_errors) {
   EXPECT_THAT(found, testing::Contains("'Assumptions'!B3"));
   EXPECT_THAT(addresses(answer({"errors", plan(), "Summary!B15"})["ErrorCells"]),
               ElementsAre("'Costs'!D8"));
+  const json several = answer({"errors", plan(), "Summary!B15", "Assumptions!B3"}, 3)["answers"];
+  EXPECT_THAT(addresses(several.at(0)["ErrorCells"]), ElementsAre("'Costs'!D8"));
+  EXPECT_EQ(several.at(1)["error"]["number"], "80040002");
   EXPECT_EQ(answer({"inputs", plan(), "Summary!C7", "--max-items", "3"}, 3)["ExceededMaxItems"],
             true);
 }
