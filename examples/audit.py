@@ -40,6 +40,8 @@ def main(arguments):
     sheet = book.Worksheets(arguments[1] if len(arguments) > 1 else 1)
     print(f"{book.Name}, sheet {sheet.Name}")
     drill = Dispatch("QTOEngine.DrillDown")
+    drill.DrillOptions = Dispatch("QTOEngine.DrillOptions")
+    drill.DrillOptions.Reading = 1  # qtoReadExact: formulas as structure
     for cell in formulas(sheet):
         audit(drill, cell)
 

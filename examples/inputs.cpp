@@ -15,6 +15,7 @@ int main(int argc, char** argv) try {
   const auto book = application.Workbooks()->Open(argv[1]);
 
   const auto options = qto::make_ref<qto::DrillOptions>();
+  options->put_Reading(qto::qtoReadExact);
   options->put_ShowBlanks(false);
   options->put_ParseIf(qto::qtodrillconditionandused);
 

@@ -17,7 +17,11 @@ int main(int argc, char** argv) try {
   qto::embedded::Application application;
   const auto book = application.Workbooks()->Open(argv[1]);
 
+  const auto options = qto::make_ref<qto::DrillOptions>();
+  options->put_Reading(qto::qtoReadExact);
+
   const auto drill = qto::make_ref<qto::DrillDown>();
+  drill->putref_DrillOptions(options);
   drill->putref_StartUnderlyingObject(book->Worksheets(argv[2])->Range(argv[3]));
   drill->put_MaximumDepth(4);
   drill->DrillHere();

@@ -21,8 +21,9 @@ ENGINE_LEVELS = {
     "qto/options": 3,
     "qto/links": 3,
     "qto/model": 4,
-    "qto/parser": 5,
-    "qto/engine": 6,
+    "qto/parser/exact": 5,
+    "qto/parser": 6,
+    "qto/engine": 7,
 }
 
 # The embedded host stands beside the engine, not below or above it.

@@ -74,6 +74,20 @@ void write_list(JsonWriter& json, std::string_view name, const Ref<ModelParts>& 
   json.end_array();
 }
 
+/// The keys of parts with what is to be known about them.
+void write_remarks(JsonWriter& json, std::string_view name, const Ref<ModelParts>& parts) {
+  json.key(name);
+  json.begin_array();
+  if (parts)
+    parts->for_each([&](ModelPart& part) {
+      json.begin_object();
+      json.member("UniqueKey", key_of(part));
+      json.member("DrillRemark", part.DrillRemark());
+      json.end_object();
+    });
+  json.end_array();
+}
+
 }  // namespace
 
 void write_reports(JsonWriter& json, const Reports& reports) {
@@ -108,6 +122,8 @@ void write_drill(const Arguments& arguments, Drill& drill, const OpenFailures& f
   else
     write_list(json, "ErrorCells", engine.ErrorCells(), progress);
   json.member("ExceededMaxItems", engine.ExceededMaxItems());
+  write_remarks(json, "OpaqueCells", engine.OpaqueCells());
+  write_remarks(json, "Circles", engine.Circles());
   json.key("BooksOpened");
   write_books(json, *engine.BooksOpened(), failures);
   json.key("BooksNotOpened");

@@ -94,9 +94,31 @@ std::string headline(ModelPart& part) {
   return line;
 }
 
+bool reads_exactly(const Arguments& arguments) {
+  return arguments.drill->Reading() == qtoReadExact;
+}
+
+/// Parts of the drill with their remarks, one line each.
+void print_remarks(const Ref<ModelParts>& parts, std::string_view heading,
+                   const std::string& home_book, bool full) {
+  constexpr std::int32_t most_lines = 20;
+  const std::int32_t count = parts ? parts->Count() : 0;
+  if (count == 0) return;
+  fmt::print("\n{}\n", heading);
+  std::int32_t printed = 0;
+  ModelParts::Pass pass(parts);
+  while (ModelPart* part = pass.next()) {
+    if (!full && printed == most_lines) break;
+    ++printed;
+    fmt::print("  {}  {}\n", readable_address(*part, home_book), one_line(part->DrillRemark()));
+  }
+  if (printed < count) fmt::print("  … and {} more (--full lists all)\n", count - printed);
+}
+
 void print_whole_tree(const Arguments& arguments, Drill& drill, Progress& progress) {
   const auto& start = drill.engine().StartModelPart();
-  const TreeCounts counts = print_tree(stdout, start, arguments.full, progress);
+  const TreeCounts counts = print_tree(stdout, start, arguments.full,
+                                       arguments.depth > 0 && reads_exactly(arguments), progress);
   fmt::print("\n{}, {}, {}\n", counted(counts.formulas, "formula"),
              counted(counts.others, "other item"), counted(counts.levels, "level"));
 }
@@ -139,6 +161,12 @@ void print_drill(const Arguments& arguments, Drill& drill, const OpenFailures& f
   if (engine.ExceededMaxItems() && !drill.interrupted())
     fmt::print("Stopped after {} (--max-items): there may be more.\n",
                counted(static_cast<std::size_t>(arguments.max_items), "item"));
+  const std::string home = engine.StartModelPart()->WorkBookName();
+  print_remarks(engine.Circles(), "Circles of references, cut where they close:", home,
+                arguments.full);
+  print_remarks(engine.OpaqueCells(),
+                "The answer ends at formulas that read what they do not show:", home,
+                arguments.full);
   fmt::print("{}", describe_books(*engine.BooksOpened(), *engine.BooksNotOpened(), failures));
 }
 

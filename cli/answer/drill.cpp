@@ -48,7 +48,9 @@ void Drill::run(const Ref<Object>& start) {
 
 void parse_only(const Ref<ModelPart>& part) {
   const auto engine = make_ref<DrillDown>();
-  engine->putref_DrillOptions(make_ref<DrillOptions>());
+  const auto options = make_ref<DrillOptions>();
+  options->put_Reading(qtoReadExact);
+  engine->putref_DrillOptions(options);
   engine->put_MaximumDepth(1);
   engine->AskToOpenBook.add([](Ref<ModelPart>&, bool& choice) { choice = false; });
   try {

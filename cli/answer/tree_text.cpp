@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "cli/output/cell_run.hpp"
@@ -25,15 +26,29 @@ std::vector<ModelPart*> items_of(ModelPart& part) {
   return items;
 }
 
+/// How many steps the shortest way from the start to each part takes.
+std::unordered_map<const ModelPart*, std::size_t> distances_from(ModelPart& start) {
+  std::unordered_map<const ModelPart*, std::size_t> distances{{&start, 0}};
+  std::deque<ModelPart*> waiting{&start};
+  for (; !waiting.empty(); waiting.pop_front()) {
+    const std::size_t next = distances.at(waiting.front()) + 1;
+    for (ModelPart* item : items_of(*waiting.front()))
+      if (distances.try_emplace(item, next).second) waiting.push_back(item);
+  }
+  return distances;
+}
+
 class TreePrinter {
  public:
-  TreePrinter(std::FILE* out, ModelPart& start, bool full, Progress& progress)
+  TreePrinter(std::FILE* out, ModelPart& start, bool full, bool by_distance, Progress& progress)
       : out_(out),
         start_(start),
         home_book_(start.WorkBookName()),
         full_(full),
         progress_(progress),
-        met_(start) {}
+        met_(start) {
+    if (by_distance) distances_ = distances_from(start);
+  }
 
   TreeCounts print() {
     print_part(start_, "");
@@ -74,7 +89,13 @@ class TreePrinter {
     if (!text.formula.empty()) line += "  " + text.formula;
     if (!text.value.empty()) line += (text.formula.empty() ? "  " : " → ") + text.value;
     auto items = items_of(part);
-    if (!met_.insert(&part)) {
+    if (const std::string remark = part.DrillRemark(); !remark.empty())
+      line += "  {" + one_line(remark) + "}";
+    if (stands_nearer(part)) {
+      if (!items.empty() && !met_.contains(&part)) line += "  (see below)";
+      if (!items.empty() && met_.contains(&part)) line += "  (see above)";
+      items.clear();
+    } else if (!met_.insert(&part)) {
       if (!items.empty()) line += "  (see above)";
       items.clear();
     } else if (!text.formula.empty()) {
@@ -84,6 +105,12 @@ class TreePrinter {
     fmt::print(out_, "{}\n", line);
     counts_.levels = std::max(counts_.levels, stack_.size());
     if (!items.empty()) enter(std::move(items));
+  }
+
+  /// Of a tree with a bound every part has its precedents where it stands nearest to the start.
+  bool stands_nearer(const ModelPart& part) const {
+    const auto found = distances_.find(&part);
+    return found != distances_.end() && found->second < stack_.size();
   }
 
   void print_run(std::span<ModelPart* const> parts, const CellRun& run, const std::string& branch) {
@@ -119,6 +146,7 @@ class TreePrinter {
   Progress& progress_;
   TreeCounts counts_;
   PartSet met_;
+  std::unordered_map<const ModelPart*, std::size_t> distances_;  // of a tree with a bound only
   std::deque<Level> stack_;
   std::string indent_;
   const char* below_ = "";
@@ -126,8 +154,9 @@ class TreePrinter {
 
 }  // namespace
 
-TreeCounts print_tree(std::FILE* out, const Ref<ModelPart>& start, bool full, Progress& progress) {
-  return TreePrinter(out, *start, full, progress).print();
+TreeCounts print_tree(std::FILE* out, const Ref<ModelPart>& start, bool full, bool by_distance,
+                      Progress& progress) {
+  return TreePrinter(out, *start, full, by_distance, progress).print();
 }
 
 }  // namespace qto::cli

@@ -15,7 +15,9 @@ struct TreeCounts {
 };
 
 /// Prints the tree of a start part's precedents, a part that comes again without what is below it.
-/// Long rows of constants in neighbouring cells share one line unless `full`.
-TreeCounts print_tree(std::FILE* out, const Ref<ModelPart>& start, bool full, Progress& progress);
+/// Long rows of constants in neighbouring cells share one line unless `full`. `by_distance`: what
+/// is below a part stands where the part is nearest to the start, not where it comes first.
+TreeCounts print_tree(std::FILE* out, const Ref<ModelPart>& start, bool full, bool by_distance,
+                      Progress& progress);
 
 }  // namespace qto::cli

@@ -156,6 +156,12 @@ void add_special_functions(CLI::App& command, SpecialFunctions& special) {
       },
       "every reference written (normal), also the targets of INDIRECT and OFFSET (all), or only "
       "what makes the present result (minimal)");
+  add_choice<qtoReading>(
+      command, "--reading", {{"exact", qtoReadExact}, {"written", qtoReadAsWritten}},
+      [&special](qtoReading reading) {
+        special.single.push_back([reading](DrillOptions& drill) { drill.put_Reading(reading); });
+      },
+      "formulas are read as structure (exact), or as text, token by token (written)");
   struct Row {
     const char* option;
     std::vector<Choice<qtoDrillType>> choices;
@@ -301,6 +307,7 @@ std::optional<int> parse_arguments(const std::vector<std::string>& given, Argume
   } catch (const CLI::ParseError& error) {
     return end_with(app, error, words);
   }
+  arguments.drill->put_Reading(qtoReadExact);
   if (special.level) special.level(*arguments.drill);
   for (const auto& choose : special.single) choose(*arguments.drill);
   return std::nullopt;

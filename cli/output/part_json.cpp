@@ -67,6 +67,7 @@ void write_part(JsonWriter& json, ModelPart& part) {
   json.member("Exists", part.Exists());
   json.member("FormulaContainsConstant", std::int64_t{part.FormulaContainsConstant()});
   json.member("IntelligentDrillingUsed", part.IntelligentDrillingUsed());
+  json.member("DrillRemark", part.DrillRemark());
   json.end_object();
 }
 

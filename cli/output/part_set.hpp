@@ -24,9 +24,13 @@ class PartSet {
     ++count_;
     return true;
   }
+  bool contains(const ModelPart* part) const noexcept { return slot_of(part) == part; }
   std::size_t count() const noexcept { return count_; }
 
  private:
+  const ModelPart* slot_of(const ModelPart* part) const noexcept {
+    return const_cast<PartSet*>(this)->place(part);
+  }
   const ModelPart*& place(const ModelPart* part) noexcept {
     const auto bits = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(part));
     std::size_t i = (bits * 0x9E3779B97F4A7C15u >> 20) & (slots_.size() - 1);

@@ -50,4 +50,10 @@ enum qtoContainsConstant : std::int32_t {
   qtoFormulaContainsConstZeroOrOne = 2,
 };
 
+/// How formulas are read.
+enum qtoReading : std::int32_t {
+  qtoReadAsWritten = 0,  ///< as text, token by token
+  qtoReadExact = 1,      ///< as structure: no precedent is missed, no wrong cell followed
+};
+
 }  // namespace qto

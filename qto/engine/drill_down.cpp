@@ -23,6 +23,7 @@ DrillDown::DrillDown()
       [this](Ref<ModelPart>& unknown, Ref<ModelParts>& list, std::int32_t& fatal_error) {
         clsParser_UnknownObjectFound(unknown, list, fatal_error);
       });
+  clsParser_->OpaqueCallFound.add([this](Ref<ModelPart>& part) { add_to(*opaque_cells_, part); });
   clsParser_->ParserFoundDDEOLELink.add([this](const std::string& application,
                                                const std::string& document, const std::string& link,
                                                Ref<ModelPart>& part) {
@@ -34,7 +35,7 @@ DrillDown::~DrillDown() {
   // What this drill still holds must not keep a circle of parts alive.
   start_part_ = nullptr;
   start_object_ = nullptr;
-  parts_analysed_ = input_cells_ = error_cells_ = nullptr;
+  parts_analysed_ = input_cells_ = error_cells_ = opaque_cells_ = circles_ = nullptr;
   clsParser_.reset();
   release_lost_graphs();
 }

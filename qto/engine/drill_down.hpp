@@ -76,6 +76,13 @@ class DrillDown : public Object {
   void put_IgnoreConstantIfZeroOrOne(bool ignore) noexcept;
   /// The item limit stopped the current or last drill.
   bool ExceededMaxItems() const noexcept;
+  /// Formulas of the last drill that read cells through calls which do not show them (add-ins,
+  /// cubes, the web; INDIRECT, OFFSET whose targets are not followed): below them the answer ends.
+  /// Found by exact reading only; the part's DrillRemark names the calls.
+  const Ref<ModelParts>& OpaqueCells() const noexcept;
+  /// Parts of the last drill that refer back to a part above them, where exact reading cuts the
+  /// circle; DrillRemark tells the way round.
+  const Ref<ModelParts>& Circles() const noexcept;
 
   // The operations. All raise 80040001 without a start object, 80040003 when the start workbook
   // holds a circular reference (DrillHere only when MaximumDepth is 0), and 80040004 when they are
@@ -97,6 +104,7 @@ class DrillDown : public Object {
 
   // Set-up and limits
   void set_up();
+  bool reads_exactly() const noexcept;
   void refuse_circular_start();
   bool contains_circular_reference(const Ref<host::Workbook>& workbook);
   void remove_row_and_column_labels(const Ref<host::Workbook>& workbook);
@@ -107,6 +115,8 @@ class DrillDown : public Object {
   struct Frame;
   class Walk;
   void drill_this_cell(const Ref<ModelPart>& start);
+  void drill_by_distance(const Ref<ModelPart>& start);
+  void mark_circles(const Ref<ModelPart>& start);
   void drill_to_inputs(const Ref<ModelPart>& start);
   void drill_to_errors(const Ref<ModelPart>& start);
   void find_precedents_if_necessary(Ref<ModelPart>& part);
@@ -148,6 +158,8 @@ class DrillDown : public Object {
   Ref<ModelParts> parts_analysed_;
   Ref<ModelParts> input_cells_;
   Ref<ModelParts> error_cells_;
+  Ref<ModelParts> opaque_cells_;
+  Ref<ModelParts> circles_;
   Ref<qto::DrillOptions> options_;
   std::unique_ptr<Parser> clsParser_;
   std::int64_t memory_baseline_ = 0;

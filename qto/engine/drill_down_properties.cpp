@@ -54,6 +54,16 @@ bool DrillDown::ExceededMaxItems() const noexcept {
   return exceeded_;
 }
 
+const Ref<ModelParts>& DrillDown::OpaqueCells() const noexcept {
+  Procedure proc("DrillDown", "OpaqueCells[Get]");
+  return opaque_cells_;
+}
+
+const Ref<ModelParts>& DrillDown::Circles() const noexcept {
+  Procedure proc("DrillDown", "Circles[Get]");
+  return circles_;
+}
+
 void DrillDown::put_IgnoreConstantIfZeroOrOne(bool ignore) noexcept {
   Procedure proc("DrillDown", "IgnoreConstantIfZeroOrOne[Let]");
   ignore_zero_or_one_ = ignore;

@@ -11,17 +11,20 @@ namespace qto {
 void DrillDown::DrillHere() {
   Procedure proc("DrillDown", "DrillHere");
   set_up();
-  circularity_guard_ = maximum_depth_ == 0;
+  circularity_guard_ = maximum_depth_ == 0 && !reads_exactly();
   if (circularity_guard_) refuse_circular_start();
-  drill_this_cell(start_part_);
+  if (maximum_depth_ != 0 && reads_exactly())
+    drill_by_distance(start_part_);
+  else
+    drill_this_cell(start_part_);
   parts_analysed_ = nullptr;
 }
 
 void DrillDown::FindInputs() {
   Procedure proc("DrillDown", "FindInputs");
   set_up();
-  circularity_guard_ = true;
-  refuse_circular_start();
+  circularity_guard_ = !reads_exactly();
+  if (circularity_guard_) refuse_circular_start();
   input_cells_ = make_ref<ModelParts>();
   drill_to_inputs(start_part_);
   parts_analysed_ = nullptr;
@@ -30,10 +33,16 @@ void DrillDown::FindInputs() {
 void DrillDown::TraceError() {
   Procedure proc("DrillDown", "TraceError");
   set_up();
-  circularity_guard_ = true;
-  refuse_circular_start();
+  circularity_guard_ = !reads_exactly();
+  if (circularity_guard_) refuse_circular_start();
   error_cells_ = make_ref<ModelParts>();
   drill_to_errors(start_part_);
+  // An error that goes round in a circle begins nowhere else.
+  if (error_cells_->size() == 0)
+    circles_->for_each([this](ModelPart& part) {
+      Ref<ModelPart> closing(&part);
+      add_to(*error_cells_, closing);
+    });
   parts_analysed_ = nullptr;
 }
 
@@ -48,8 +57,14 @@ void DrillDown::set_up() {
   met_cycle_ = false;
   input_cells_ = nullptr;
   error_cells_ = nullptr;
+  opaque_cells_ = make_ref<ModelParts>();
+  circles_ = make_ref<ModelParts>();
   if (!start_workbook_) throw AutomationError(ErrorNumber::wrong_object);
   remove_row_and_column_labels(start_workbook_);
+}
+
+bool DrillDown::reads_exactly() const noexcept {
+  return options_ && options_->settings().reading == qtoReadExact;
 }
 
 void DrillDown::refuse_circular_start() {

@@ -1,11 +1,14 @@
 #include <deque>
 #include <optional>
+#include <unordered_set>
 
+#include "qto/automation/address.hpp"
 #include "qto/automation/error.hpp"
 #include "qto/diagnostics/procedure.hpp"
 #include "qto/engine/drill_down.hpp"
 #include "qto/engine/part_graph.hpp"
 #include "qto/host/application.hpp"
+#include "qto/model/name_errors.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
@@ -56,7 +59,10 @@ class DrillDown::Walk {
         continue;
       }
       Ref<ModelPart> precedent(next);
-      if (visit(precedent, frame.pass->list())) push(std::move(precedent), enter);
+      if (visit(precedent, frame.pass->list()))
+        push(std::move(precedent), enter);
+      else if (precedent->on_walk() && drill_.reads_exactly())
+        cut_circle(*precedent);
     }
   }
 
@@ -76,6 +82,38 @@ class DrillDown::Walk {
   /// Without a depth limit, parts that were walked once have nothing new below them.
   ModelPart* next_of(ModelParts::Pass& pass) const {
     return drill_.maximum_depth_ == 0 ? pass.next_for(drill_.drill_number_) : pass.next();
+  }
+
+  /// The part under way refers back to one above it; it tells the way from there.
+  void cut_circle(const ModelPart& first) {
+    constexpr std::int32_t most_circles = 1000;
+    constexpr std::size_t shown_steps = 20;
+    if (drill_.circles_->size() >= most_circles) return;
+    std::size_t from = stack_.size();
+    while (from > 0 && stack_[from - 1].walked.get() != &first) --from;
+    if (from == 0) return;
+    std::string way = "circle: ";
+    for (std::size_t i = from - 1; i < stack_.size(); ++i) {
+      const std::size_t steps = i + 1 - from;
+      if (steps == shown_steps / 2 && stack_.size() - from > shown_steps) {
+        way += "… → ";
+        i = stack_.size() - shown_steps / 2;
+      }
+      way += place_of(*stack_[i].walked) + " → ";
+    }
+    const Frame& last = stack_.back();
+    last.part->add_remark(way + place_of(first));
+    Ref<ModelPart> closing = last.part;
+    add_to(*drill_.circles_, closing);
+  }
+
+  static std::string place_of(const ModelPart& part) {
+    std::string place;
+    if (const std::string sheet = part.WorkSheetName(); !sheet.empty() && !part.is_name()) {
+      append_sheet_name(place, sheet);
+      place += "!";
+    }
+    return place + part.AddressShort();
   }
 
   void pop() {
@@ -113,6 +151,7 @@ void DrillDown::yield() {
 /// A part whose key cannot be told, which was reported, counts as not met before.
 ModelPart* DrillDown::find_analysed(ModelPart& part) const {
   try {
+    if (reads_exactly() && part.Key() == start_part_->Key()) return start_part_.get();
     return parts_analysed_->find(part.Key());
   } catch (const AutomationError&) {
     throw;
@@ -168,8 +207,8 @@ void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
   Walk walk(*this, "drill_this_cell", Walk::EmptyLists::drop);
   walk.run(
       start,
-      [this](Ref<ModelPart>& part) {
-        if (!find_analysed(*part)) part->set_checked(false);
+      [this, &start](Ref<ModelPart>& part) {
+        if (part == start || !find_analysed(*part)) part->set_checked(false);
         find_precedents_if_necessary(part);
         return part->direct();
       },
@@ -177,6 +216,74 @@ void DrillDown::drill_this_cell(const Ref<ModelPart>& start) {
         const bool seen = already_seen(precedent, list);
         if (maximum_depth_ != 0 && current_depth_ >= maximum_depth_) return false;
         return !exceeded_ && !precedent->is_unknown() && !seen;
+      });
+}
+
+namespace {
+
+/// The parser's parents and the depth are as before when it ends.
+template <class Restore>
+class AtEnd {
+ public:
+  explicit AtEnd(Restore restore) : restore_(std::move(restore)) {}
+  AtEnd(const AtEnd&) = delete;
+  AtEnd& operator=(const AtEnd&) = delete;
+  ~AtEnd() { restore_(); }
+
+ private:
+  Restore restore_;
+};
+
+}  // namespace
+
+/// Level by level, so that every part is met on its shortest way and those within the limit get
+/// their precedents.
+void DrillDown::drill_by_distance(const Ref<ModelPart>& start) {
+  struct Waiting {
+    Ref<ModelPart> part;
+    Ref<ModelPart> user;  // the cell that names are seen from
+    std::int32_t distance;
+  };
+  std::deque<Waiting> waiting{{start, start, 0}};
+  const std::size_t parents = clsParser_->ParentCount();
+  const AtEnd restore([this, parents, depth = current_depth_] {
+    while (clsParser_->ParentCount() > parents) clsParser_->RemoveParentRange();
+    current_depth_ = depth;
+    clsParser_->forget_blocks();
+  });
+  bool met_again = false;
+  for (; !waiting.empty(); waiting.pop_front()) {
+    auto& [part, user, distance] = waiting.front();
+    yield();
+    current_depth_ = distance + 1;
+    if (!find_analysed(*part) || part == start) part->set_checked(false);
+    if (user->is_range()) clsParser_->AddParentRange(*user);
+    find_precedents_if_necessary(part);
+    if (user->is_range()) clsParser_->RemoveParentRange();
+    const Ref<ModelParts> list = part->direct();
+    if (!list) continue;
+    ModelParts::Pass pass(list);
+    while (ModelPart* next = pass.next()) {
+      Ref<ModelPart> precedent(next);
+      if (already_seen(precedent, *list)) {
+        met_again = true;
+      } else if (distance + 1 < maximum_depth_ && !exceeded_ && !precedent->is_unknown()) {
+        waiting.push_back({precedent, precedent->is_range() ? precedent : user, distance + 1});
+      }
+    }
+    if (list->size() == 0) part->set_direct(nullptr);
+  }
+  if (met_again) mark_circles(start);
+}
+
+void DrillDown::mark_circles(const Ref<ModelPart>& start) {
+  std::unordered_set<const ModelPart*> walked{start.get()};
+  Walk walk(*this, "drill_by_distance", Walk::EmptyLists::keep);
+  walk.run(
+      start, [](Ref<ModelPart>& part) { return part->direct(); },
+      [&](Ref<ModelPart>& precedent, ModelParts&) {
+        if (precedent->on_walk()) met_cycle_ = true;
+        return walked.insert(precedent.get()).second;
       });
 }
 
@@ -222,6 +329,7 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
         find_precedents_if_necessary(part);
         Ref<ModelParts> list = part->direct();
         bool any_error = false;
+        if (list) mark_names_of_errors(*list);
         if (list) any_error = list->any_error(drill_number_);
         if (any_error) return list;
         add_to(*error_cells_, part);

@@ -38,6 +38,23 @@ std::vector<Ref<host::Worksheet>> sheets_of(const Ref<host::Workbook>& book,
   return found;
 }
 
+void add_cells(const Ref<SheetRecord>& sheet, const Rect& block, ModelParts& list) {
+  for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
+    for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
+      auto cell = make_ref<ModelPart>();
+      cell->create_cell(sheet, {row, column});
+      list.AddExisting(cell);
+    }
+  }
+}
+
+/// Probe: the cells that a table of an open workbook, or a column of it, stands for.
+Ref<host::Range> table_of(const ModelPart& part, host::Application& application) {
+  const auto workbook = application.Workbooks()->find(part.WorkBookName());
+  if (!workbook || workbook->WorksheetsCount() == 0) return nullptr;
+  return ref_cast<host::Range>(workbook->Worksheets(1)->Evaluate(part.AddressShort()).object());
+}
+
 }  // namespace
 
 void DrillDown::clsParser_UnknownObjectFound(Ref<ModelPart>& unknown, Ref<ModelParts>& list,
@@ -79,7 +96,14 @@ void DrillDown::try_to_find(const Ref<ModelPart>& part, ModelParts& list) {
   if (part->is_range())
     (void)proc.step([&] { find_range_of(part, list); });
   else if (part->is_name())
-    (void)proc.step([&] { find_name_of(part); });
+    (void)proc.step([&] {
+      find_name_of(part);
+      // A table goes by a name that is none of the defined ones.
+      const auto table = part->is_unknown() ? table_of(*part, application()) : nullptr;
+      if (!table) return;
+      list.remove(part->Key());
+      add_cells(make_ref<SheetRecord>(table->Worksheet(), context_), table->block(), list);
+    });
   else
     throw AutomationError(ErrorNumber::out_of_range);
 }
@@ -91,14 +115,7 @@ void DrillDown::find_range_of(const Ref<ModelPart>& part, ModelParts& list) {
     Rect block;
     if (!sheet->find_block(part->AddressShort(), block)) break;
     if (!std::exchange(removed, true)) list.remove(part->Key());
-    const auto record = make_ref<SheetRecord>(sheet, context_);
-    for (std::int32_t row = block.first.row; row <= block.last.row; ++row) {
-      for (std::int32_t column = block.first.column; column <= block.last.column; ++column) {
-        auto cell = make_ref<ModelPart>();
-        cell->create_cell(record, {row, column});
-        list.AddExisting(cell);
-      }
-    }
+    add_cells(make_ref<SheetRecord>(sheet, context_), block, list);
   }
   if (!removed) part->put_Exists(false);
 }

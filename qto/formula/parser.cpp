@@ -244,20 +244,37 @@ class FormulaParser {
     const std::string function = text::upper_ascii(without_prefix(written));
     const NodeIndex call = tree_.call(function, qualifier);
     advance();
-    if (!enter()) return fail_nesting();
-    advance();  // the parenthesis; the lexer saw it
+    if (!list_of_arguments(call, no_node)) return fail_nesting();
+    return invocations(finished_call(call, written, function));
+  }
+
+  /// Calls of what a call gives: LAMBDA(x,x+1)(3).
+  NodeIndex invocations(NodeIndex function) {
+    for (int calls = 0; token_.kind == TokenKind::open && !token_.blank_before; ++calls) {
+      if (calls == max_nesting) return fail_nesting();
+      const NodeIndex invoke = tree_.invoke(function);
+      if (!list_of_arguments(invoke, function)) return fail_nesting();
+      function = invoke;
+    }
+    return function;
+  }
+
+  /// The parenthesis and what it holds.
+  bool list_of_arguments(NodeIndex call, NodeIndex last) {
+    if (!enter()) return false;
+    advance();
     const bool unions = unions_allowed_;
     unions_allowed_ = false;
-    arguments(call);
+    arguments(call, last);
     unions_allowed_ = unions;
     expect(TokenKind::close);
     --depth_;
-    return finished_call(call, written, function);
+    return true;
   }
 
-  void arguments(NodeIndex call) {
+  void arguments(NodeIndex call, NodeIndex last) {
     if (token_.kind == TokenKind::close) return;
-    for (NodeIndex last = no_node;;) {
+    for (;;) {
       const bool missing = token_.kind == TokenKind::comma || token_.kind == TokenKind::close;
       const NodeIndex argument = missing ? tree_.leaf(NodeKind::missing) : expression(1);
       if (tree_.at(call).child_count == std::numeric_limits<std::uint16_t>::max()) {

@@ -51,16 +51,20 @@ SheetQualifier parse_qualifier(std::string_view token) {
     const std::size_t close = rest.find(']', open);
     if (close != std::string_view::npos) {
       set_book(qualifier, rest.substr(open + 1, close - open - 1));
+      qualifier.folder = rest.substr(0, open);
       rest.remove_prefix(close + 1);
       qualifier.broken = rest == "#REF";
       if (!qualifier.broken) set_sheets(qualifier, rest);
       return qualifier;
     }
   }
-  if (names_a_workbook(rest))
-    qualifier.book = rest.substr(rest.find_last_of("\\/") + 1);
-  else
+  if (names_a_workbook(rest)) {
+    const std::size_t name = rest.find_last_of("\\/") + 1;
+    qualifier.folder = rest.substr(0, name);
+    qualifier.book = rest.substr(name);
+  } else {
     set_sheets(qualifier, rest);
+  }
   return qualifier;
 }
 

@@ -48,6 +48,8 @@ struct SheetQualifier {
   std::uint32_t external = 0;
   /// The workbook as written when it is not one of the file's links (an open book's name), or "".
   std::string book;
+  /// What was written before that workbook: its folder with the separator, or "".
+  std::string folder;
   /// "" for the own sheet, or for a workbook-level name of another book.
   std::string sheet;
   /// Last sheet of a span Sheet1:Sheet3, "" otherwise.
@@ -82,6 +84,7 @@ enum class NodeKind : std::uint8_t {
   unary,       ///< operator over one child
   binary,      ///< operator over two children
   call,        ///< `payload` into texts: the function's upper-case name without prefix; arguments
+  invoke,      ///< a function that an expression gives, then its arguments
 };
 
 enum class Operator : std::uint8_t {

@@ -76,6 +76,12 @@ NodeIndex TreeBuilder::call(std::string_view function, std::uint32_t qualifier) 
   return leaf(NodeKind::call, intern(function), qualifier);
 }
 
+NodeIndex TreeBuilder::invoke(NodeIndex function) {
+  const NodeIndex index = leaf(NodeKind::invoke);
+  add_argument(index, no_node, function);
+  return index;
+}
+
 void TreeBuilder::add_argument(NodeIndex call, NodeIndex last, NodeIndex argument) {
   if (last == no_node)
     tree_.nodes[call].first_child = argument;
@@ -88,8 +94,8 @@ std::uint32_t TreeBuilder::qualifier(const SheetQualifier& qualifier) {
   auto& known = tree_.qualifiers;
   const auto same = [&](const SheetQualifier& other) {
     return other.external == qualifier.external && other.book == qualifier.book &&
-           other.sheet == qualifier.sheet && other.last_sheet == qualifier.last_sheet &&
-           other.broken == qualifier.broken;
+           other.folder == qualifier.folder && other.sheet == qualifier.sheet &&
+           other.last_sheet == qualifier.last_sheet && other.broken == qualifier.broken;
   };
   const auto found = std::find_if(known.begin(), known.end(), same);
   const auto number = static_cast<std::uint32_t>(found - known.begin());

@@ -23,6 +23,7 @@ class TreeBuilder {
   NodeIndex unary(Operator op, NodeIndex operand);
   NodeIndex binary(Operator op, NodeIndex left, NodeIndex right);
   NodeIndex call(std::string_view function, std::uint32_t qualifier);
+  NodeIndex invoke(NodeIndex function);
   /// Appends an argument to a call; `last` is the argument before it, or no_node.
   void add_argument(NodeIndex call, NodeIndex last, NodeIndex argument);
   std::uint32_t qualifier(const SheetQualifier& qualifier);

@@ -86,6 +86,8 @@ std::string leaf_text(const SyntaxTree& tree, const Node& node, CellPos at) {
     case NodeKind::unary:
     case NodeKind::binary:
       return std::string(operator_text(node.op));
+    case NodeKind::invoke:
+      return "invoke";
   }
   return out;
 }
@@ -99,7 +101,7 @@ std::string dump_tree(const SyntaxTree& tree, CellPos at) {
   const auto enter = [&](NodeIndex index) {
     const Node& node = tree.at(index);
     const bool inner = node.kind == NodeKind::unary || node.kind == NodeKind::binary ||
-                       node.kind == NodeKind::call;
+                       node.kind == NodeKind::call || node.kind == NodeKind::invoke;
     if (inner) out += '(';
     out += leaf_text(tree, node, at);
     if (inner) next_children.push_back(node.first_child);

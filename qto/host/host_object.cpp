@@ -14,6 +14,10 @@ Variant Worksheet::value_in_cell(CellPos, std::string_view piece) const {
   return range ? range->value() : result;
 }
 
+Variant Worksheet::elements_in_cell(CellPos cell, std::string_view piece, bool over_ranges) const {
+  return over_ranges ? Worksheet::value_in_cell(cell, piece) : value_in_cell(cell, piece);
+}
+
 Ref<host::Range> Worksheet::range_in_cell(CellPos, std::string_view piece) const {
   return ref_cast<host::Range>(Evaluate(piece).object());
 }

@@ -54,6 +54,9 @@ class Worksheet : public Sheet {
   /// formula a reference to several cells then gives the one in the formula's row or column; in an
   /// array formula it gives all. A host that knows no more answers as Evaluate does.
   virtual Variant value_in_cell(CellPos cell, std::string_view piece) const;
+  /// The same with every element of an array; `over_ranges`: also of a reference to several cells,
+  /// as where a function runs over all of them.
+  virtual Variant elements_in_cell(CellPos cell, std::string_view piece, bool over_ranges) const;
   /// The range that such a piece denotes, or null.
   virtual Ref<host::Range> range_in_cell(CellPos cell, std::string_view piece) const;
   /// A range on a circle of references, or null.

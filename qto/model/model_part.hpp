@@ -139,6 +139,9 @@ class ModelPart : public Object {
                      [this] { return has(intelligent); });
   }
   void put_IntelligentDrillingUsed(bool value) noexcept;
+  /// What whoever reads the precedents has to know: calls that were followed whole although the
+  /// options ask for a part, and why; references that lead nowhere. "" when there is nothing.
+  std::string DrillRemark() const;
   const Ref<ModelParts>& DirectPrecedents() const noexcept {
     return procedure("ModelPart", "DirectPrecedents[Get]",
                      [this]() -> const Ref<ModelParts>& { return direct_precedents_; });
@@ -155,6 +158,11 @@ class ModelPart : public Object {
   /// What Create does with the part's own object and type.
   void create_afresh();
   void put_HasError(bool value) noexcept;
+  /// Adds to the remark what it does not say yet.
+  void add_remark(std::string_view text);
+  void clear_remark() noexcept {
+    if (rare_) rare_->remark.clear();
+  }
   /// Gives up both precedent lists.
   void clear_precedents();
   /// Gives a client's part that becomes the start of a drill its context.
@@ -218,6 +226,7 @@ class ModelPart : public Object {
     std::string embedded_chart_name;
     std::string address_short, address_short_local;
     std::string formula_local, title, text;
+    std::string remark;
   };
 
   bool has(Flag flag) const noexcept { return flags_ & flag; }

@@ -34,7 +34,8 @@ void ModelPart::Create(const Ref<Object>& object, std::string_view likely_type,
   set(text_read, false);
   if (!proc.step([&] {
         require_kind(object.get());
-        value_ = get_value();
+        // What a name refers to depends on the cell that uses it, see create_name().
+        if (!is_name() || !object) value_ = get_value();
       }))
     return;
   if (!object) {
@@ -158,7 +159,9 @@ void ModelPart::create_name() {
     rare().work_sheet_name = sheet->Name();
     rare().workbook = sheet->Workbook();
   });
-  if (placed) check_relative_name();
+  if (!placed) return;
+  check_relative_name();
+  (void)proc.step([&] { value_ = get_value(); });
 }
 
 void ModelPart::create_series() {

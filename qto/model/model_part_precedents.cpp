@@ -47,6 +47,18 @@ qtoContainsConstant ModelPart::FormulaContainsConstant() const noexcept {
   return procedure("ModelPart", "FormulaContainsConstant[Get]", [this] { return constants(); });
 }
 
+std::string ModelPart::DrillRemark() const {
+  Procedure proc("ModelPart", "DrillRemark[Get]");
+  return rare().remark;
+}
+
+void ModelPart::add_remark(std::string_view text) {
+  std::string& remark = rare().remark;
+  if (remark.find(text) != std::string::npos) return;
+  if (!remark.empty()) remark += "; ";
+  remark += text;
+}
+
 void ModelPart::put_FormulaContainsConstant(qtoContainsConstant value) {
   Procedure proc("ModelPart", "FormulaContainsConstant[Let]");
   if (value < qtoNoConstantInFormula || value > qtoFormulaContainsConstZeroOrOne)

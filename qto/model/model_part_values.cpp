@@ -8,6 +8,18 @@
 #include "qto/model/series_formula.hpp"
 
 namespace qto {
+namespace {
+
+/// The sheet that a name is seen from: its own, or that of the cell that uses it.
+Ref<host::Worksheet> evaluation_sheet(const host::DefinedName& name, const Ref<host::Range>& user) {
+  const auto parent = name.Parent();
+  const auto book = ref_cast<host::Workbook>(parent);
+  if (!book) return ref_cast<host::Worksheet>(parent);
+  if (user && user->exists() && user->Worksheet()->Workbook() == book) return user->Worksheet();
+  return book->Worksheets(1);
+}
+
+}  // namespace
 
 std::string ModelPart::Formula() { return std::string(read_formula_again()); }
 
@@ -22,9 +34,6 @@ std::string_view ModelPart::read_formula_again() {
   if (!read_formula_into(fresh)) fresh.clear();
   if (!read_before || fresh == held) {
     formula_.assign(fresh);
-    // A name's value is that of its formula, which was not known when the part was made; left as
-    // it is, the next check for changes would take the name for changed and drop its precedents.
-    if (!read_before && is_name() && has_object()) (void)proc.step([&] { value_ = get_value(); });
     return formula_.view();
   }
   const std::string before = held;
@@ -111,11 +120,14 @@ Variant ModelPart::get_value() {
   });
 }
 
+/// The value of the cell or formula that the name refers to; Null for several cells or values.
 Variant ModelPart::name_value() {
-  const auto parent = ref_cast<host::DefinedName>(rare().underlying)->Parent();
-  const auto book = ref_cast<host::Workbook>(parent);
-  const auto sheet = book ? book->Worksheets(1) : ref_cast<host::Worksheet>(parent);
-  Variant result = sheet->Evaluate(formula_.view());
+  const auto name = ref_cast<host::DefinedName>(rare().underlying);
+  const std::string refers_to =
+      has(relative_name) ? std::string(formula_.view()) : name->RefersTo();
+  Variant result = evaluation_sheet(*name, rare().parent_range)->Evaluate(refers_to);
+  const auto range = ref_cast<host::Range>(result.object());
+  if (range && range->AreasCount() == 1 && range->CellsCount() == 1) return range->value();
   if (result.is_array() || result.is_object()) result = Null{};
   return result;
 }

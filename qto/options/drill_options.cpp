@@ -33,7 +33,8 @@ void DrillOptions::ShowNormal() {
                .parse_sumif = qtoDrillAll,
                .show_blanks = true,
                .show_zeros = true,
-               .show_dates = true};
+               .show_dates = true,
+               .reading = settings_.reading};
 }
 
 void DrillOptions::ShowAll() {
@@ -53,7 +54,8 @@ void DrillOptions::ShowMinimal() {
                .parse_sumif = qtodrillusedsection,
                .show_blanks = false,
                .show_zeros = false,
-               .show_dates = false};
+               .show_dates = false,
+               .reading = settings_.reading};
 }
 
 bool DrillOptions::ShowBlanks() const {
@@ -156,6 +158,18 @@ qtoDrillType DrillOptions::ParseMatch() const {
 void DrillOptions::put_ParseMatch(qtoDrillType type) {
   Procedure proc("DrillOptions", "ParseMatch[Let]");
   store(settings_.parse_match, type, {qtoDrillAll, qtoDrillMatchCondition});
+}
+
+qtoReading DrillOptions::Reading() const {
+  Procedure proc("DrillOptions", "Reading[Get]");
+  return settings_.reading;
+}
+
+void DrillOptions::put_Reading(qtoReading reading) {
+  Procedure proc("DrillOptions", "Reading[Let]");
+  if (reading != qtoReadAsWritten && reading != qtoReadExact)
+    throw AutomationError(ErrorNumber::out_of_range);
+  settings_.reading = reading;
 }
 
 }  // namespace qto

@@ -46,6 +46,10 @@ class DrillOptions : public Object {
   void put_ParseIndex(qtoDrillType type);  ///< 0, 1
   qtoDrillType ParseMatch() const;
   void put_ParseMatch(qtoDrillType type);  ///< 0, 6
+  /// How formulas are read; at first as written. The three sets above leave it as it is. A value
+  /// other than 0 and 1 raises 80040004.
+  qtoReading Reading() const;
+  void put_Reading(qtoReading reading);
 
   // Inside the engine only
 
@@ -54,11 +58,12 @@ class DrillOptions : public Object {
     qtoDrillType parse_if, parse_indirect, parse_offset, parse_lookup, parse_match, parse_index,
         parse_sumif;
     bool show_blanks, show_zeros, show_dates;
+    qtoReading reading = qtoReadAsWritten;
   };
   const Settings& settings() const noexcept { return settings_; }
 
  private:
-  Settings settings_;
+  Settings settings_{};
 };
 
 }  // namespace qto

@@ -50,6 +50,18 @@ CellPos last_to_test(const host::Range& range, host::WorksheetFunction& function
   return functions.CountIf(range.Cells(whole.row, whole.column), criterion) == 0 ? within : whole;
 }
 
+/// A blank that is looked for counts as 0.
+Variant zero_for_blank(Variant wanted) {
+  return wanted.is_empty() ? Variant(0.0) : std::move(wanted);
+}
+
+/// Several values lead to several places: the walk goes on behind the function's name, so that all
+/// references of the call are followed.
+DrillVerdict follow_whole(std::size_t& position, std::size_t start) {
+  position = start;
+  return DrillVerdict::failed;
+}
+
 }  // namespace
 
 Variant Parser::argument_value(Tokens argument) { return local_eval(text_to_evaluate(argument)); }
@@ -68,10 +80,12 @@ Variant Parser::lookup_value(Tokens argument) {
 DrillVerdict Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
   const bool by_column = tokens[position - 1].type == TokenType::vlookup;
   Procedure proc("Parser", by_column ? "parse_vlookup" : "parse_hlookup");
+  const std::size_t start = position;
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 3) throw NumberedFailure(9, "a lookup with fewer than three arguments");
-  const Variant wanted = lookup_value(args[0]);
+  const Variant wanted = zero_for_blank(lookup_value(args[0]));
+  if (wanted.is_array()) return follow_whole(position, start);
   const bool usable = is_one_reference(args[1]);
   if (!usable) {
     part_->put_FormulaContainsConstant(qtoFormulaContainsConstant);
@@ -96,10 +110,12 @@ DrillVerdict Parser::parse_table_lookup(Tokens tokens, std::size_t& position) {
 
 DrillVerdict Parser::parse_lookup(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_lookup");
+  const std::size_t start = position;
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 2) throw NumberedFailure(9, "LOOKUP with fewer than two arguments");
-  const Variant wanted = lookup_value(args[0]);
+  const Variant wanted = zero_for_blank(lookup_value(args[0]));
+  if (wanted.is_array()) return follow_whole(position, start);
   std::string vector_text = text_to_evaluate(args[1]);
   if (const auto written = local_eval_range(vector_text)) vector_text = written->Address();
   const bool usable = !vector_text.empty();
@@ -133,6 +149,7 @@ DrillVerdict Parser::parse_match(Tokens tokens, std::size_t& position) {
 
 DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_sumif");
+  const std::size_t start = position;
   position += 2;
   const std::vector<Tokens> args = get_args(tokens, position);
   if (args.size() < 2) throw NumberedFailure(9, "SUMIF with fewer than two arguments");
@@ -142,6 +159,7 @@ DrillVerdict Parser::parse_sumif(Tokens tokens, std::size_t& position) {
   const Variant criterion = criterion_text.starts_with('"') && criterion_text.size() > 1
                                 ? Variant(criterion_text.substr(1, criterion_text.size() - 2))
                                 : lookup_value(args[1]);
+  if (criterion.is_array()) return follow_whole(position, start);
   const auto sums = args.size() > 2 ? local_eval_range(text_to_evaluate(args[2])) : nullptr;
   const auto functions = application().WorksheetFunction();
   const CellPos last = last_to_test(*range, *functions, criterion);

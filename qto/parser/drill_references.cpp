@@ -19,13 +19,26 @@ Tokens argument_list(Tokens tokens, std::size_t& position) {
   }
 }
 
+/// An array, or what has no value here because a parameter of a LAMBDA stands in it: all references
+/// of the call are followed then.
+bool gives_several(const Variant& value) {
+  const auto* error = value.get_if<ErrorValue>();
+  return value.is_array() || (error && *error == ErrorValue::name);
+}
+
 }  // namespace
 
 DrillVerdict Parser::parse_index(Tokens tokens, std::size_t& position) {
   Procedure proc("Parser", "parse_index");
+  const std::size_t start = position;
   position += 2;
   const Tokens list = argument_list(tokens, position);
-  const auto range = local_eval_range(text_to_evaluate(list, "INDEX"));
+  const std::string text = text_to_evaluate(list, "INDEX");
+  const auto range = local_eval_range(text);
+  if (!range && gives_several(local_eval(text))) {
+    position = start;
+    return DrillVerdict::failed;
+  }
   if (!range) {
     part_->put_HasError(true);
     return DrillVerdict::no_reference;

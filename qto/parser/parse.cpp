@@ -153,7 +153,10 @@ void Parser::Parse(ModelPart& part, bool just_read) {
   if (!proc.step([&] { enter_part(part); })) return;
   bool drill_intelligently = false;
   const host::FormulaPattern pattern = pattern_of(part);
-  if (!follow_remembered(pattern)) {
+  const bool exact = options().reading == qtoReadExact;
+  if (exact) {
+    if (!proc.step([&] { drill_intelligently = read_all_exactly(formula, pattern); })) return;
+  } else if (!follow_remembered(pattern)) {
     const qtoContainsConstant constants = part.constants();
     split_formula(formula, table_);
     do_parse(table_.tokens, drill_intelligently);
@@ -164,7 +167,7 @@ void Parser::Parse(ModelPart& part, bool just_read) {
   // part.
   if (drill_intelligently || leaves_something_out(options()) || part.drilled_intelligently())
     keep_all_precedents();
-  if (drill_intelligently) parse_functions_intelligently();
+  if (drill_intelligently) exact ? read_chosen_exactly(pattern) : parse_functions_intelligently();
   part.set_direct(found_);
   part.set_checked(true);
   const bool any = found_->size() > 0;

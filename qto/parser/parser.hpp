@@ -17,6 +17,7 @@
 #include "qto/model/model_parts.hpp"
 #include "qto/options/drill_options.hpp"
 #include "qto/parser/drill_verdict.hpp"
+#include "qto/parser/exact/reader.hpp"
 #include "qto/parser/formula_memory.hpp"
 #include "qto/parser/token.hpp"
 
@@ -35,6 +36,8 @@ class Parser {
 
   /// Unknown part, the list that holds it, and an answer: a number other than 0 is raised.
   Event<Ref<ModelPart>&, Ref<ModelParts>&, std::int32_t&> UnknownObjectFound;
+  /// A part whose formula reads cells through a call that does not show them.
+  Event<Ref<ModelPart>&> OpaqueCallFound;
   /// Application, document, item, and the part that stands for the link.
   Event<const std::string&, const std::string&, const std::string&, Ref<ModelPart>&>
       ParserFoundDDEOLELink;
@@ -55,6 +58,7 @@ class Parser {
   void forget_blocks() noexcept {
     blocks_.clear();
     memory_.forget();
+    exact_.forget();
   }
   /// What became of every special function drilled so far.
   const DrillVerdicts& Verdicts() const noexcept { return verdicts_; }
@@ -103,6 +107,15 @@ class Parser {
   bool follow_remembered(const host::FormulaPattern& pattern);
   void remember(const host::FormulaPattern& pattern, qtoContainsConstant before);
   void raise_contains_constant(qtoContainsConstant found);
+
+  // The exact reading
+  class ExactSurroundings;
+  Ref<host::Range> cell_of_names();
+  exact::Site exact_site();
+  bool read_all_exactly(std::string_view formula, const host::FormulaPattern& pattern);
+  bool follow_exactly(std::string_view formula, const host::FormulaPattern& pattern,
+                      const exact::Site& site);
+  void read_chosen_exactly(const host::FormulaPattern& pattern);
   std::uint32_t options_signature();
   const DrillOptions::Settings& options();
 
@@ -165,6 +178,8 @@ class Parser {
   Ref<SheetRecord> last_record_;
   std::vector<Ref<RangeBlock>> blocks_;
   FormulaMemory memory_;
+  exact::Reader exact_;
+  std::uint32_t exact_options_ = 0;  // the signature of those that the reader learnt under
   DrillVerdicts verdicts_;
 };
 

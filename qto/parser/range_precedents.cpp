@@ -30,7 +30,7 @@ bool Parser::reopen_linked_book(std::string_view path, std::string_view book) {
 void Parser::add_unknown_range(const Qualifiers& at, std::string_view address) {
   auto part = make_ref<ModelPart>(context_);
   part->Create(nullptr, "Range", address);
-  part->put_WorkBookPath(at.path);
+  part->put_WorkBookPath(undouble_apostrophes(at.path));
   part->put_WorkBookName(undouble_apostrophes(at.book));
   part->put_WorkSheetName(undouble_apostrophes(at.sheet));
   part->put_AddressShort(address);
@@ -48,7 +48,7 @@ void Parser::add_possible_name_found(const Qualifiers& at, std::string_view name
   auto part = make_ref<ModelPart>(context_);
   if (!proc.step([&] { part->putref_ParentRange(parent_range()); })) return;
   part->Create(nullptr, "Name", name);
-  part->put_WorkBookPath(at.path);
+  part->put_WorkBookPath(undouble_apostrophes(at.path));
   part->put_WorkBookName(undouble_apostrophes(at.book));
   part->put_WorkSheetName(at.sheet == own_sheet_ ? std::string() : undouble_apostrophes(at.sheet));
   found_->AddExisting(part);
@@ -106,7 +106,12 @@ void Parser::add_cells_of(const Ref<SheetRecord>& sheet, std::string_view addres
   add_cells_of(sheet, block);
 }
 
-void Parser::add_cells_of(const Ref<SheetRecord>& sheet, const Rect& rect) {
+/// Of a whole sheet, which nobody could list, the used cells count.
+void Parser::add_cells_of(const Ref<SheetRecord>& sheet, const Rect& written) {
+  constexpr std::int64_t most_cells = std::int64_t{4} * max_rows;
+  Rect rect = written;
+  if (rect.cells() > most_cells)
+    rect = rect.intersect(sheet->sheet->UsedRange()->block()).value_or(Rect::cell(rect.first));
   if (rect.cells() >= RangeBlock::least_cells && found_->add_block(block_of(sheet, rect))) return;
   for (std::int32_t row = rect.first.row; row <= rect.last.row; ++row) {
     for (std::int32_t column = rect.first.column; column <= rect.last.column; ++column) {

@@ -62,7 +62,7 @@ TEST(BadBook, that_is_something_else_is_told_as_what_it_is) {
   }
 }
 
-TEST(CircularBook, is_refused_with_a_cell_of_the_circle_and_a_way_out) {
+TEST(CircularBook, is_cut_where_the_circle_closes_or_refused_with_a_cell_and_a_way_out) {
   BookFile book;
   book.cells(
       "<row r=\"1\"><c r=\"A1\"><f>B1+C1</f><v>1</v></c><c r=\"B1\"><f>A1+1</f><v>2</v></c>"
@@ -70,23 +70,26 @@ TEST(CircularBook, is_refused_with_a_cell_of_the_circle_and_a_way_out) {
   const TemporaryFile file("circle.xlsx", book.bytes());
   for (const char* operation : {"tree", "inputs", "errors"}) {
     SCOPED_TRACE(operation);
-    const Outcome refused = run_qto({operation, file.path(), "A1"});
+    const Outcome refused = run_qto({operation, file.path(), "A1", "--reading", "written"});
     EXPECT_EQ(refused.status, 2);
     EXPECT_THAT(refused.err, HasSubstr("circular reference"));
     EXPECT_THAT(refused.err, testing::ContainsRegex("Sheet1![AB]1 depends on itself"));
     EXPECT_THAT(refused.err, HasSubstr("--depth N"));
   }
-  const Outcome number = run_qto({"inputs", file.path(), "A1", "--json"});
+  const Outcome number = run_qto({"inputs", file.path(), "A1", "--json", "--reading", "written"});
   EXPECT_THAT(number.out, HasSubstr("\"80040003\""));
-  const Outcome shown = run_qto({"tree", file.path(), "A1", "--depth", "5"});
+  const Outcome shown = run_qto({"tree", file.path(), "A1"});
   EXPECT_EQ(shown.status, 0) << shown.err;
   EXPECT_EQ(shown.out,
             "Sheet1!A1  =B1+C1 → 1\n"
-            "├─ Sheet1!B1  =A1+1 → 2\n"
+            "├─ Sheet1!B1  =A1+1 → 2  {circle: Sheet1!A1 → Sheet1!B1 → Sheet1!A1}\n"
             "│  └─ Sheet1!A1  =B1+C1 → 1  (see above)\n"
             "└─ Sheet1!C1  7\n"
             "\n"
-            "2 formulas, 1 other item, 2 levels\n");
+            "2 formulas, 1 other item, 2 levels\n"
+            "\n"
+            "Circles of references, cut where they close:\n"
+            "  Sheet1!B1  circle: Sheet1!A1 → Sheet1!B1 → Sheet1!A1\n");
 }
 
 }  // namespace

@@ -72,12 +72,12 @@ TEST(Trace, that_cannot_be_written_is_refused) {
 
 TEST(Reports, name_the_formula_cell_and_the_call_that_failed) {
   const TemporaryFile file("broken.xlsx", broken_book());
-  Outcome outcome = run_qto({"inputs", file.path(), "A1"});
+  Outcome outcome = run_qto({"inputs", file.path(), "A1", "--reading", "written"});
   EXPECT_EQ(outcome.status, 3);
   EXPECT_THAT(outcome.err, HasSubstr("[broken.xlsx]Sheet1!B1: "));
   EXPECT_THAT(outcome.err, HasSubstr("in Parser.sheets_for_reference, host call "
                                      "Workbook.Worksheets"));
-  outcome = run_qto({"inputs", file.path(), "A1", "--json"});
+  outcome = run_qto({"inputs", file.path(), "A1", "--json", "--reading", "written"});
   const auto report = nlohmann::json::parse(outcome.out).at("reports").at(0);
   EXPECT_EQ(report.at("number"), 9);
   EXPECT_EQ(report.at("formula_cell"), "[broken.xlsx]Sheet1!B1");
@@ -87,7 +87,8 @@ TEST(Reports, name_the_formula_cell_and_the_call_that_failed) {
 
 TEST(Reports, can_be_asked_about) {
   const TemporaryFile file("broken.xlsx", broken_book());
-  const std::vector<std::string> asking{"inputs", file.path(), "A1", "--reports", "ask"};
+  const std::vector<std::string> asking{"inputs", file.path(), "A1",     "--reports",
+                                        "ask",    "--reading", "written"};
   const struct {
     const char* typed;
     int status;
@@ -106,7 +107,8 @@ TEST(Reports, can_be_asked_about) {
     EXPECT_THAT(outcome.err, HasSubstr(" Formula cell: [broken.xlsx]Sheet1!B1\n"));
     EXPECT_EQ(outcome.out.find("C1") != std::string::npos, row.typed[0] != 'q') << outcome.out;
   }
-  EXPECT_THAT(run_qto({"inputs", file.path(), "A1"}, "").err, Not(HasSubstr("Error Report\n")));
+  EXPECT_THAT(run_qto({"inputs", file.path(), "A1", "--reading", "written"}, "").err,
+              Not(HasSubstr("Error Report\n")));
 }
 
 }  // namespace

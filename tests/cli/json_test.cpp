@@ -69,7 +69,7 @@ TEST(Json, names_the_members_of_a_part) {
                   "UniqueKey", "ObjectType", "AddressShort", "AddressLong", "WorkBookName",
                   "WorkBookPath", "WorkSheetName", "EmbeddedChartName", "Formula", "Value", "Text",
                   "Title", "HasError", "HasConstant", "IsConstant", "IsUnknown", "Exists",
-                  "FormulaContainsConstant", "IntelligentDrillingUsed"));
+                  "FormulaContainsConstant", "IntelligentDrillingUsed", "DrillRemark"));
   EXPECT_EQ(part["AddressLong"], "'Cash flow'!C4");
   EXPECT_EQ(part["Formula"], "=-MAX(0,C2+C3)*TaxRate");
   EXPECT_EQ(part["Text"], "-260");

@@ -207,6 +207,10 @@ class FaultyWorksheet : public FaultySheet<Worksheet> {
   Variant Evaluate(std::string_view text) const override {
     return wrap_value(call("Worksheet.Evaluate").Evaluate(text));
   }
+  Variant elements_in_cell(CellPos cell, std::string_view piece, bool over_ranges) const override {
+    return wrap_value(
+        call("Worksheet.elements_in_cell").elements_in_cell(cell, piece, over_ranges));
+  }
   Variant value_in_cell(CellPos cell, std::string_view piece) const override {
     return wrap_value(call("Worksheet.value_in_cell").value_in_cell(cell, piece));
   }

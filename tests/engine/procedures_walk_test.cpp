@@ -44,6 +44,17 @@ class EveryProcedure : public testing::Test {
       drill->TraceError();
       drill->BooksOpened()->CloseBooks();
     }
+    // Exactly, down to a bound, and once round a circle.
+    books_.enter("Q1==Q2+IF(A1>0,Q3,1); Q2==Q3; Q3==Q2");
+    const auto exact = make_ref<DrillDown>();
+    auto choosing = make_ref<DrillOptions>();
+    choosing->put_Reading(qtoReadExact);
+    choosing->put_ParseIf(qtodrillusedsection);
+    exact->putref_DrillOptions(choosing);
+    exact->put_MaximumDepth(3);
+    exact->putref_StartUnderlyingObject(books_.range("Q1"));
+    exact->DrillHere();
+    books_.enter("Q3=1");
     const auto errors = make_ref<DrillDown>();
     errors->putref_StartUnderlyingObject(books_.range("A4"));
     books_.add("A1=1", "Far.xlsx", "/elsewhere");  // a book of that name is open already
@@ -54,6 +65,7 @@ class EveryProcedure : public testing::Test {
     (void)drill.InputCells(), (void)drill.ErrorCells(), (void)drill.StartUnderlyingObject();
     (void)drill.BooksNotOpened(), (void)drill.PartsAnalysed(), (void)drill.DrillOptions();
     (void)drill.ExceededMaxItems(), (void)drill.MaxItems();
+    (void)drill.OpaqueCells(), (void)drill.Circles();
     drill.put_MaximumDepth(drill.MaximumDepth());
     drill.put_IgnoreConstantIfZeroOrOne(drill.IgnoreConstantIfZeroOrOne());
   }
@@ -69,6 +81,7 @@ class EveryProcedure : public testing::Test {
     options.put_ParseOffset(options.ParseOffset());
     options.put_ParseIndex(options.ParseIndex());
     options.put_ParseMatch(options.ParseMatch());
+    options.put_Reading(options.Reading());
   }
 
   void touch(ModelPart& part) {
@@ -82,6 +95,7 @@ class EveryProcedure : public testing::Test {
     (void)part.IsConstant(), (void)part.HasConstant(), (void)part.ResultsSet();
     (void)part.LocalFile(), (void)part.AddressShortLocal(), (void)part.Text(), (void)part.Formula();
     (void)part.AddressLong(qtoaddressPath), (void)part.AddressLongLocal(qtoaddressBook);
+    (void)part.DrillRemark();
     (void)part.FormulaLocal(), (void)part.FormulaHidden(), (void)part.EmbeddedChartName();
     (void)part.ExcelApplication(), (void)part.Sheet(), (void)part.ObjectType();
     part.putref_DirectPrecedents(Ref<ModelParts>(part.DirectPrecedents()));

@@ -43,6 +43,14 @@ TEST(ParseTest, Operators) {
   });
 }
 
+TEST(ParseTest, CallsOfFunctionValues) {
+  check({
+      {"LAMBDA(x,x+1)(3)", "(invoke (LAMBDA x (+ x 1)) 3)"},
+      {"f(1)(2,)()", "(invoke (invoke (F 1) 2 _))"},
+      {"LAMBDA(x,x) (A1)", "(intersect (LAMBDA x x) A1)"},
+  });
+}
+
 TEST(ParseTest, Constants) {
   check({
       {".5", "0.5"},

@@ -39,7 +39,7 @@ TEST(Surface, ClassesHaveTheirEventsAndCanBeCreated) {
     EXPECT_EQ(classes[i]->events.size(), expected[i].second) << classes[i]->name;
     EXPECT_EQ(classes[i]->create()->TypeName(), classes[i]->name);
   }
-  EXPECT_EQ(engine_library().enumerations.size(), 5u);
+  EXPECT_EQ(engine_library().enumerations.size(), 6u);
 }
 
 TEST(Surface, EveryIdentifierIsItsOwn) {

@@ -99,6 +99,7 @@ struct Options {
   int ParseIf = 0, ParseLookup = 0, ParseSumif = 0, ParseIndirect = 4, ParseOffset = 4,
       ParseIndex = 0, ParseMatch = 0;
   bool ShowBlanks = true, ShowZeros = true, ShowDates = true;
+  int Reading = 0;
 
   Ref<qto::DrillOptions> make() const {
     auto options = make_ref<qto::DrillOptions>();
@@ -112,6 +113,7 @@ struct Options {
     options->put_ShowBlanks(ShowBlanks);
     options->put_ShowZeros(ShowZeros);
     options->put_ShowDates(ShowDates);
+    options->put_Reading(qtoReading(Reading));
     return options;
   }
 };

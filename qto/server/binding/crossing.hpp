@@ -30,6 +30,8 @@ inline constexpr std::string_view boundary_name<Surface, qtoReasonNotSelect> = "
 template <class Surface>
 inline constexpr std::string_view boundary_name<Surface, qtoContainsConstant> =
     "qtoContainsConstant";
+template <class Surface>
+inline constexpr std::string_view boundary_name<Surface, qtoReading> = "qtoReading";
 
 /// How a C++ type crosses the boundary. take() reads a value that has its final type already.
 template <class Surface, class T>

@@ -26,6 +26,8 @@ constexpr Member drill_down_members[] = {
     put<&DrillDown::put_IgnoreConstantIfZeroOrOne>(14, "IgnoreConstantIfZeroOrOne",
                                                    "new_IgnoreConstantIfZeroOrOne"),
     get<&DrillDown::ExceededMaxItems>(15, "ExceededMaxItems"),
+    get<&DrillDown::OpaqueCells>(16, "OpaqueCells"),
+    get<&DrillDown::Circles>(17, "Circles"),
 };
 static_assert(identifiers_fit(drill_down_members));
 

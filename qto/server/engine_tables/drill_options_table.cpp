@@ -28,6 +28,8 @@ constexpr Member drill_options_members[] = {
     put<&DrillOptions::put_ParseIndex>(12, "ParseIndex"),
     get<&DrillOptions::ParseMatch>(13, "ParseMatch"),
     put<&DrillOptions::put_ParseMatch>(13, "ParseMatch"),
+    get<&DrillOptions::Reading>(14, "Reading"),
+    put<&DrillOptions::put_Reading>(14, "Reading"),
 };
 static_assert(identifiers_fit(drill_options_members));
 

@@ -26,6 +26,7 @@ constexpr EnumerationItem reasons_not_select[] = {ITEM(qtoSelectOK), ITEM(qtoBoo
 constexpr EnumerationItem contains_constant[] = {ITEM(qtoNoConstantInFormula),
                                                  ITEM(qtoFormulaContainsConstant),
                                                  ITEM(qtoFormulaContainsConstZeroOrOne)};
+constexpr EnumerationItem readings[] = {ITEM(qtoReadAsWritten), ITEM(qtoReadExact)};
 #undef ITEM
 
 constexpr EnumerationTable enumerations[] = {
@@ -37,9 +38,11 @@ constexpr EnumerationTable enumerations[] = {
      reasons_not_select},
     {"qtoContainsConstant", "Whether a formula holds a literal constant.", own_guid(0x85),
      contains_constant},
+    {"qtoReading", "How formulas are read.", own_guid(0x86), readings},
 };
 constexpr const EnumerationTable* enumeration_list[] = {
-    &enumerations[0], &enumerations[1], &enumerations[2], &enumerations[3], &enumerations[4]};
+    &enumerations[0], &enumerations[1], &enumerations[2],
+    &enumerations[3], &enumerations[4], &enumerations[5]};
 constexpr const ClassTable* class_list[] = {
     &drill_down_table, &linked_book_table, &linked_books_table, &link_list_table,
     &model_part_table, &model_parts_table, &drill_options_table};

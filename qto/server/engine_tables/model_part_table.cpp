@@ -63,6 +63,7 @@ constexpr Member model_part_members[] = {
     put<&ModelPart::put_IntelligentDrillingUsed>(37, "IntelligentDrillingUsed"),
     get<&ModelPart::Sheet>(38, "Sheet"),
     get<&ModelPart::FormulaHidden>(39, "FormulaHidden"),
+    get<&ModelPart::DrillRemark>(40, "DrillRemark"),
 };
 static_assert(identifiers_fit(model_part_members));
 

@@ -101,6 +101,8 @@ Operand Walker::evaluate_node(const formula::Node& node, formula::NodeIndex inde
       return evaluate_chain(index, array);
     case formula::NodeKind::call:
       return call(node, array);
+    case formula::NodeKind::invoke:
+      return invoke(node, array);
   }
   return ErrorValue::value;
 }
@@ -196,10 +198,18 @@ Operand Walker::call(const formula::Node& node, bool array) {
 Operand Walker::call_value(const formula::Node& node, bool array) {
   const std::string& name = tree_->texts[node.payload];
   const Operand* known = local(name);
-  Operand function = known ? *known : defined_name(name, {});
+  return apply_to(known ? *known : defined_name(name, {}), node.first_child, array);
+}
+
+Operand Walker::invoke(const formula::Node& node, bool array) {
+  const Operand function = evaluate(node.first_child, array);
+  return apply_to(function, tree_->at(node.first_child).next, array);
+}
+
+Operand Walker::apply_to(const Operand& function, formula::NodeIndex first_argument, bool array) {
   if (function.error()) return function;
   std::vector<Operand> arguments;
-  for (formula::NodeIndex child = node.first_child; child != formula::no_node;
+  for (formula::NodeIndex child = first_argument; child != formula::no_node;
        child = tree_->at(child).next)
     arguments.push_back(evaluate(child, array));
   if (gave_up()) return ErrorValue::na;

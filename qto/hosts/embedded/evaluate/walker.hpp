@@ -43,6 +43,8 @@ class Walker : public Context {
   Operand unary(const formula::Node& node, bool array);
   Operand call(const formula::Node& node, bool array);
   Operand call_value(const formula::Node& node, bool array);
+  Operand invoke(const formula::Node& node, bool array);
+  Operand apply_to(const Operand& function, formula::NodeIndex first_argument, bool array);
   const Operand* local(std::string_view name) const;
   Operand name(const formula::Node& node);
   Operand defined_name(std::string_view name, const formula::SheetQualifier& qualifier);

@@ -132,6 +132,15 @@ Variant WorksheetObject::value_in_cell(CellPos cell, std::string_view piece) con
   return range ? range->value() : result;
 }
 
+Variant WorksheetObject::elements_in_cell(CellPos cell, std::string_view piece,
+                                          bool over_ranges) const {
+  const Variant result = evaluate_piece(
+      cell, piece, over_ranges ? EvaluationMode::reference : EvaluationMode::cell_reference);
+  const auto range = ref_cast<host::Range>(result.object());
+  if (!range) return result;
+  return over_ranges || range->CellsCount() == 1 ? range->value() : value_in_cell(cell, piece);
+}
+
 Ref<host::Range> WorksheetObject::range_in_cell(CellPos cell, std::string_view piece) const {
   return ref_cast<host::Range>(
       evaluate_piece(cell, piece, EvaluationMode::cell_reference).object());

@@ -36,6 +36,7 @@ class WorksheetObject final : public host::Worksheet {
 
   Variant Evaluate(std::string_view text) const override;
   Variant value_in_cell(CellPos cell, std::string_view piece) const override;
+  Variant elements_in_cell(CellPos cell, std::string_view piece, bool over_ranges) const override;
   Ref<host::Range> range_in_cell(CellPos cell, std::string_view piece) const override;
   Ref<host::Range> CircularReference() const override;
   std::vector<Ref<host::PivotTable>> PivotTables() const override;

@@ -46,6 +46,8 @@ void PrecedentWalk::visit(const Part& part) {
       return visit_binary(part);
     case formula::NodeKind::call:
       return visit_call(part);
+    case formula::NodeKind::invoke:
+      return visit_invocation(part);
     default:
       return;
   }
@@ -274,6 +276,13 @@ void PrecedentWalk::visit_intersection(const Part& part) {
   list_.items.back().implicit = part.use == Use::single;
   list_.items.back().meets = static_cast<std::uint16_t>(leaves.size());
   for (const Leaf& other : leaves) add(other.area, other.sheet, Use::full);
+}
+
+/// What the function makes of its arguments shows in evaluation only.
+void PrecedentWalk::visit_invocation(const Part& part) {
+  for (formula::NodeIndex child = part.at().first_child; child != formula::no_node;
+       child = part.tree->at(child).next)
+    push(part.child(child, Use::full));
 }
 
 bool PrecedentWalk::is_local(const Part& part, std::string_view name) const {

@@ -51,6 +51,7 @@ class PrecedentWalk {
   void visit_intersection(const Part& part);
   void visit_call(const Part& part);
   void visit_called_name(const Part& call);
+  void visit_invocation(const Part& part);
   Part argument(const Part& call, formula::NodeIndex node, int position, SpecialFunction function,
                 const FunctionSpec* spec) const;
   Use special_use(const Part& call, int position, SpecialFunction function) const;
