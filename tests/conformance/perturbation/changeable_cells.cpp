@@ -102,7 +102,7 @@ void ChangeableCells::add(Sheet& sheet, CellPos pos, const Cell& cell, bool stor
 }
 
 void ChangeableCells::add_blanks(Sheet& sheet) {
-  Rect around = sheet.cells.used();
+  Rect around = sheets_[&sheet].used = sheet.cells.used();
   around.last.row = std::min(around.last.row + margin, max_rows);
   around.last.column = std::min(around.last.column + margin, max_columns);
   around.first = {std::max(around.first.row - margin, 1),
@@ -142,6 +142,11 @@ void ChangeableCells::find(const Sheet& sheet, const Rect& block, std::vector<In
   for (CellPos at = inside->first; at.row <= inside->last.row; ++at.row)
     for (at.column = inside->first.column; at.column <= inside->last.column; ++at.column)
       if (const auto cell = find(sheet, at)) found.push_back(*cell);
+}
+
+void ChangeableCells::find_unused(std::vector<Index>& found) const {
+  for (Index cell = 0; cell < size(); ++cell)
+    if (!sheets_.at(places_[cell].sheet).used.contains(places_[cell].pos)) found.push_back(cell);
 }
 
 void ChangeableCells::draw(Change change) {

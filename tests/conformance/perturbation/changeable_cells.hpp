@@ -32,6 +32,9 @@ class ChangeableCells {
   /// Appends the cells that lie in a block.
   void find(const Sheet& sheet, const Rect& block, std::vector<Index>& found) const;
 
+  /// Appends the cells beyond what was used of their sheets.
+  void find_unused(std::vector<Index>& found) const;
+
   /// Draws another value for every cell, or for one; those that hold it get it when next changed.
   void draw(Change change);
   void draw(Index cell, Change change);
@@ -47,7 +50,7 @@ class ChangeableCells {
  private:
   struct OfSheet {
     std::unordered_map<std::uint64_t, Index> index;
-    Rect bounds;
+    Rect bounds, used;
   };
 
   void add(Sheet& sheet, CellPos pos, const Cell& cell, bool stored);

@@ -47,11 +47,11 @@ void FollowedCells::drill(Followed& found) {
   drill_->DrillHere();
   const Ref<ModelPart> start = drill_->StartModelPart();
   found.intelligently = start->IntelligentDrillingUsed();
+  found.whole = start->DrillRemark().find("is followed whole") != std::string::npos;
   if (!start->DirectPrecedents()) return;
   bool names = false;
-  if (start->DirectPrecedents()->Count() <= static_cast<std::int32_t>(2 * cells_.size()))
-    start->DirectPrecedents()->for_each(
-        [&](const ModelPart& part) { names |= part.ObjectType() == "Name"; });
+  start->DirectPrecedents()->for_each(
+      [&](const ModelPart& part) { names |= part.ObjectType() == "Name"; });
   if (names) drill_through_names();
   collect(*start, *start->DirectPrecedents(), found);
 }
@@ -72,11 +72,14 @@ void FollowedCells::collect(ModelPart& part, ModelParts& list, Followed& found) 
     if (std::find(names_.begin(), names_.end(), &part) != names_.end()) return;
     names_.push_back(&part);
   }
-  if (list.Count() > static_cast<std::int32_t>(2 * cells_.size()))
-    return add_from_large(list, found);
+  const bool large = list.Count() > static_cast<std::int32_t>(2 * cells_.size());
+  if (large) add_from_large(list, found);
   list.for_each([&](ModelPart& precedent) {
-    if (precedent.ObjectType() != "Name") return add(precedent, found);
-    if (precedent.DirectPrecedents()) collect(precedent, *precedent.DirectPrecedents(), found);
+    if (precedent.ObjectType() != "Name") {
+      if (!large) add(precedent, found);
+    } else if (precedent.DirectPrecedents()) {
+      collect(precedent, *precedent.DirectPrecedents(), found);
+    }
   });
 }
 

@@ -13,6 +13,7 @@ namespace qto::embedded::conformance {
 struct Followed {
   std::vector<ChangeableCells::Index> cells;  ///< in order, each once
   bool intelligently = false;                 ///< a special function was drilled
+  bool whole = false;                         ///< some call could not be decided
   std::string failure;                        ///< why there is no answer, or what was reported
 };
 

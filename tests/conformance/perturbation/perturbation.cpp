@@ -46,8 +46,8 @@ struct Sample {
   const FormulaRecord* record;
   bool first_of_pattern;
   Variant value;
-  std::vector<Index> followed[followings];  // with the keys that are not to be changed
-  std::size_t keys = 0;                     // how many of the last are keys
+  std::vector<Index> followed[followings];  // with cells at the end that are not to be changed
+  std::size_t exempt[followings] = {};      // how many those are
   std::string failure[followings];
   bool active[followings] = {};
 };
@@ -56,6 +56,7 @@ Ref<DrillOptions> options_for(const PerturbationPlan& plan, Following following)
   if (const auto& given = plan.options[static_cast<int>(following)]) return given;
   auto options = make_ref<DrillOptions>();
   options->ShowAll();
+  options->put_Reading(plan.reading);
   if (following == Following::used) {
     options->put_ParseIf(qtodrillconditionandused);
     options->put_ParseLookup(qtodrillconditionandused);
@@ -144,7 +145,7 @@ class Run {
       if (i == 1) std::swap(cells[1], cells.back());
       if (i > 1)
         std::swap(cells[i], cells[i + chance_.below(static_cast<std::uint32_t>(cells.size() - i))]);
-      samples_.push_back({cells[i], &record, i == 0, {}, {}, 0, {}, {}});
+      samples_.push_back({cells[i], &record, i == 0, {}, {}, {}, {}, {}});
     }
   }
 
@@ -187,10 +188,31 @@ class Run {
     sample.active[0] = true;
     found = used.of(cell);
     result_.intelligent += found.intelligently;
+    result_.whole += found.whole;
     sample.active[1] = found.intelligently;
     sample.followed[1] = std::move(found.cells);
     sample.failure[1] = std::move(found.failure);
     if (sample.active[1]) add_keys(sample, notes);
+    if (counts_as_far_as_used(sample)) add_unused(sample);
+  }
+
+  void add_unused(Sample& sample) {
+    for (int following = 0; following < followings; ++following) {
+      std::vector<Index>& followed = sample.followed[following];
+      const std::size_t before = followed.size();
+      cells_->find_unused(followed);
+      sample.exempt[following] += followed.size() - before;
+    }
+  }
+
+  /// Wide references end for a drill where their sheet does.
+  static bool counts_as_far_as_used(const Sample& sample) {
+    constexpr int most_columns = 4;
+    const auto& areas = sample.record->compiled->tree()->areas;
+    return std::ranges::any_of(areas, [&](const formula::AreaRef& area) {
+      const Rect block = area.resolve(sample.at.pos);
+      return block.rows() == max_rows && block.columns() > most_columns;
+    });
   }
 
   void add_keys(Sample& sample, const KeyNotes& notes) {
@@ -205,7 +227,7 @@ class Run {
     std::vector<Index>& followed = sample.followed[1];
     std::erase_if(
         keys, [&](Index key) { return std::binary_search(followed.begin(), followed.end(), key); });
-    sample.keys = keys.size();
+    sample.exempt[1] = keys.size();
     followed.insert(followed.end(), keys.begin(), keys.end());
   }
 
@@ -282,8 +304,7 @@ class Run {
     if (sample.record->kind == FormulaKind::array)
       miss.formula = "{" + miss.formula + "} over " + address_of(sample.record->block);
     miss.value = text_of(sample.value);
-    const std::size_t keys = following == 1 ? sample.keys : 0;
-    for (std::size_t i = 0; i + keys < followed; ++i) {
+    for (std::size_t i = 0; i + sample.exempt[following] < followed; ++i) {
       if (i >= most_shown) {
         miss.followed += " …";
         break;
@@ -305,10 +326,8 @@ class Run {
     const ReferenceOwners owners(*sample.record->compiled->tree(), *sample.at.sheet, sample.at.pos);
     for (int following = 0; following < followings; ++following) {
       std::vector<Index> cells = sample.followed[following];
-      if (following == 1) {
-        if (!sample.active[1]) continue;
-        cells.resize(cells.size() - sample.keys);
-      }
+      if (!sample.active[following]) continue;
+      cells.resize(cells.size() - sample.exempt[following]);
       chance_.shuffle(cells);
       if (cells.size() > static_cast<std::size_t>(plan_.reach_samples))
         cells.resize(plan_.reach_samples);
@@ -381,6 +400,7 @@ void PerturbationResult::add(PerturbationResult&& other) {
   unreadable += other.unreadable;
   key_values += other.key_values;
   intelligent += other.intelligent;
+  whole += other.whole;
   refused += other.refused;
   reported += other.reported;
   drill_seconds += other.drill_seconds;

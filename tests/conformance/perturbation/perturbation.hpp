@@ -30,6 +30,7 @@ struct PerturbationPlan {
   int rounds = 8;
   /// Precedents of a formula of which it is asked whether a change can reach it.
   int reach_samples = 6;
+  qtoReading reading = qtoReadExact;
   /// What is drilled with, other than what the ways of following stand for.
   Ref<DrillOptions> options[followings];
   /// Called with the part done, 0 to 1.
@@ -60,7 +61,7 @@ struct PerturbationResult {
   std::int64_t chance = 0;    ///< left out because they draw numbers
   std::int64_t data_tables = 0, unreadable = 0;
   std::int64_t key_values = 0;  ///< keys were made by functions: nothing of the call was changed
-  std::int64_t intelligent = 0, refused = 0, reported = 0;
+  std::int64_t intelligent = 0, whole = 0, refused = 0, reported = 0;
   std::int64_t misses[followings] = {};
   std::vector<Miss> shown;  ///< one for each group of copies
   /// By the innermost function around a reference, per way of following.

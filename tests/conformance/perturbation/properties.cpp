@@ -15,7 +15,9 @@ using Lines = std::vector<std::string>;
 
 Ref<DrillDown> drill_from(const Ref<host::Range>& start) {
   auto drill = make_ref<DrillDown>();
-  drill->putref_DrillOptions(make_ref<DrillOptions>());
+  auto options = make_ref<DrillOptions>();
+  options->put_Reading(qtoReadExact);
+  drill->putref_DrillOptions(options);
   drill->AskToOpenBook.add([](Ref<ModelPart>&, bool& open) { open = false; });
   drill->putref_StartUnderlyingObject(start);
   return drill;

@@ -44,11 +44,11 @@ void print_totals(std::ostream& out, const PerturbationResult& total) {
       << total.chance << "\n  in data tables            " << total.data_tables
       << "\n  unreadable                " << total.unreadable << "\ndrilled intelligently       "
       << total.intelligent << "\n  with keys made by functions " << total.key_values
-      << "\ndrills refused              " << total.refused << "\ndrills with reports         "
-      << total.reported << "\nmisses, following all       " << total.misses[0]
-      << "\nmisses, following used      " << total.misses[1] << "\nseconds                     "
-      << std::fixed << std::setprecision(1) << total.seconds << " (" << total.drill_seconds
-      << " of them drilling)\n\n";
+      << "\n  with a call followed whole " << total.whole << "\ndrills refused              "
+      << total.refused << "\ndrills with reports         " << total.reported
+      << "\nmisses, following all       " << total.misses[0] << "\nmisses, following used      "
+      << total.misses[1] << "\nseconds                     " << std::fixed << std::setprecision(1)
+      << total.seconds << " (" << total.drill_seconds << " of them drilling)\n\n";
   print_reach(out, total.reach[0], Following::all);
   print_reach(out, total.reach[1], Following::used);
 }
