@@ -136,12 +136,12 @@ class Writer {
   Formula written_reference() {
     switch (chance_.below(13)) {
       case 0:
-        if (!chance_.happens(1, 4)) return block(5, 1);
+        if (!chance_.happens(1, 12)) return block(5, 1);
         return make(any(names_.qualifiers) + "!" + any({"A:A", "C:D", "$B:$B", "E:C"}));
       case 1:
         return make(any(names_.qualifiers) + "!" + any({"3:3", "2:5", "$4:6"}));
       case 2:
-        return make(chance_.happens(1, 4) ? any({"E:E", "$F:G"}) : "20:21");
+        return make(chance_.happens(1, 12) ? any({"E:E", "$F:G"}) : "20:21");
       case 3:
         return make(any(names_.range_names));
       case 4:
