@@ -4,8 +4,8 @@
 #include <array>
 #include <new>
 #include <unordered_map>
-#include <utility>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "qto/automation/apartment.hpp"

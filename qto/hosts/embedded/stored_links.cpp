@@ -2,8 +2,8 @@
 
 #include "qto/automation/file_path.hpp"
 #include "qto/hosts/embedded/objects/checks/full_name.hpp"
-#include "qto/hosts/embedded/objects/locate_file.hpp"
 #include "qto/hosts/embedded/objects/links.hpp"
+#include "qto/hosts/embedded/objects/locate_file.hpp"
 #include "qto/hosts/embedded/xlsx/open_workbook.hpp"
 
 namespace qto::embedded {
