@@ -1,8 +1,8 @@
 #!/bin/bash
 # Installs the Debian 12 packages that building and testing need and that are missing.
-# --dev adds the tools of `make check`, `make format` and `make tidy`, --fuzz clang with libFuzzer,
-# --windows the compilers for Windows and Wine, --office LibreOffice Calc and its headers, for the host
-# over it. Asks for no input and calls apt only when something is missing.
+# --dev adds the tools of `make check`, `make format` and `make tidy`, --fuzz clang
+# with libFuzzer, --windows the compilers for Windows and Wine, --office LibreOffice Calc and its headers, for the host over it. Asks for no input
+# and calls apt only when something is missing.
 set -euo pipefail
 
 packages=(
