@@ -106,7 +106,6 @@ CLIENTS = {
     "examples": ("examples",),
     "benchmarks": ("benchmarks",),
     "tests": ("tests", "cli", "examples", "benchmarks"),
-    "fuzz": ("fuzz", "tests"),
 }
 ROOTS = ("qto",) + tuple(CLIENTS)
 

@@ -92,7 +92,8 @@ class EveryProcedure : public testing::Test {
     part.put_Exists(part.Exists());
     part.put_IntelligentDrillingUsed(part.IntelligentDrillingUsed());
     part.put_FormulaContainsConstant(part.FormulaContainsConstant());
-    (void)part.IsConstant(), (void)part.HasConstant(), (void)part.ResultsSet();
+    (void)part.IsConstant(), (void)part.HasConstant(), (void)part.HasError();
+    (void)part.ResultsSet();
     (void)part.LocalFile(), (void)part.AddressShortLocal(), (void)part.Text(), (void)part.Formula();
     (void)part.AddressLong(qtoaddressPath), (void)part.AddressLongLocal(qtoaddressBook);
     (void)part.DrillRemark();

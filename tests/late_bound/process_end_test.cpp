@@ -13,14 +13,16 @@ TEST(ProcessEnd, AfterADrillByNameNeedsNoTidyingUp) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
-        static Ref<DrillDown> kept;
         static Driven driven(true);
         const auto book = driven.books.add("A1=1; B1==A1; C1==1/0; D1==C1");
         const auto cells = driven.given(book)->Worksheets(1);
-        kept = make_ref<DrillDown>();
-        kept->putref_StartUnderlyingObject(cells->Range("B1"));
-        kept->FindInputs();
-        const bool found = listed(kept->InputCells()) == "A1";
+        bool found = false;
+        {
+          const auto drill = make_ref<DrillDown>();
+          drill->putref_StartUnderlyingObject(cells->Range("B1"));
+          drill->FindInputs();
+          found = listed(drill->InputCells()) == "A1";
+        }
         std::exit(found ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");

@@ -157,7 +157,7 @@ class ClientTest(unittest.TestCase):
         self.assertEqual(drill.StartUnderlyingObject, self.cell)
         part = Dispatch("QTOEngine.ModelPart")
         part.Create(self.cell, "Range")
-        self.assertEqual(self.number(lambda: part.Create(self.cell, "Name")), "800A000D")
+        self.assertEqual(self.number(lambda: part.Create(self.cell, "Name")), "80040001")
         self.assertEqual(part.Formula, self.cell.Formula)
 
     def test_errors_arrive_by_number(self):
