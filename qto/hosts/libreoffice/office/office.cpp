@@ -86,6 +86,13 @@ class KeptSignals {
 
 }  // namespace
 
+// What is registered for the exit last comes first, and what belongs to the thread goes before all
+// of it. So the end of the process comes before what the suite has registered for itself, whenever
+// it did: it would wait for threads of its own for ever.
+Office::ExitWatch::~ExitWatch() {
+  on_exit([](int status, void*) { running().end_process(status); }, nullptr);
+}
+
 Office& Office::running() {
   static Office* office = nullptr;
   if (office) return *office;
@@ -94,7 +101,7 @@ Office& Office::running() {
   failed = true;
   office = new Office;
   failed = false;
-  on_exit([](int status, void*) { office->end_process(status); }, nullptr);
+  thread_local const ExitWatch watch;
   return *office;
 }
 

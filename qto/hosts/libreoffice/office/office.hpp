@@ -25,6 +25,10 @@ class Office {
   uno::Reference<uno::XInterface> create(const char* service) const;
 
  private:
+  struct ExitWatch {
+    ~ExitWatch();
+  };
+
   Office();
   void check_version() const;
   [[noreturn]] void end_process(int status);
