@@ -25,8 +25,8 @@ TEST(GeneratedBook, EveryConstructOccurs) {
         "'it''s'!",  "!A:XFD",    "!3:3",     "$B:$B",        "IFS(",      "SWITCH(",
         "CHOOSE({1", "IFERROR(",  "IFNA(",    "VLOOKUP(",     "HLOOKUP(",  "LOOKUP(2,1/",
         "XLOOKUP(",  "XMATCH(",   "SUMIFS(",  "COUNTIFS(",    "MAXIFS(",   "AVERAGEIFS(",
-        "FILTER(",   "SUBTOTAL(", "MAP(",     "REDUCE(",      "BYROW(",    "(Data:"})
-    EXPECT_THAT(all, testing::HasSubstr(construct));
+        "FILTER(",   "SUBTOTAL(", "MAP(",     "REDUCE(",      "BYROW(",    ":Data'!"})
+    EXPECT_NE(all.find(construct), std::string::npos) << construct;
 }
 
 TEST(GeneratedBook, AMissIsToldWithTheSimplestFormulaThatHasIt) {
