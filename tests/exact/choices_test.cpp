@@ -128,7 +128,14 @@ TEST(ExactChoices, OfSumsFollowTheCellsThatMeetTheCriteria) {
             {"SUM(FILTER(A1:B5,B1:B5=20,D1))", "A2 B2"},
             {"FILTER(B1:B5,A1:A5>9,D2)", "D2"},
         });
-  check(books, conditions, {{"SUMIF(A1:A5,\">=\"&A4,B1:B5)", "B4 B5 A4"}});
+  check(books, conditions,
+        {
+            {"SUMIF(A1:A5,\">=\"&A4,B1:B5)", "B4 B5 A4"},
+            // What decides where the searched cells lie belongs to the condition.
+            {"VLOOKUP(3,IF(A2,A1:B5,D1),2,FALSE)", "B3 A2"},
+            {"SUMIF(OFFSET(B1:B3,D1,0),\">20\")", "B3 D1"},
+            {"VLOOKUP(2,INDIRECT(\"A\"&A1&\":B5\"),2,FALSE)", "B2 A1"},
+        });
 }
 
 TEST(ExactChoices, ThatCannotBeDecidedAreFollowedWhole) {

@@ -137,5 +137,16 @@ TEST(ExactReferences, MoveWithTheCopiesOfAFormula) {
             "D3(Data!A4 A4 A3 B1 Data!A3 Rate))");
 }
 
+/// SUMIF takes as many cells as it tests, whatever is written behind.
+TEST(ExactReferences, OfConditionalSumsReachAsFarAsTheTestedCells) {
+  Books books("A1=1; A2=2; A3=3; B1=10; B2=20; B3=30");
+  check(books, everything,
+        {
+            {"SUMIF(A1:A3,2,B1)", "A1 A2 A3 B1 B2 B3"},
+            {"AVERAGEIF(A1:A3,2,B1:B2)", "A1 A2 A3 B1 B2 B3"},
+            {"SUMIF(A1:A3,2,B1:B3)", "A1 A2 A3 B1 B2 B3"},
+        });
+}
+
 }  // namespace
 }  // namespace qto::test

@@ -254,6 +254,7 @@ void Walk::follow_call(NodeIndex index, const Scope* scope) {
   over_elements_ += elements;
   follow_arguments(node.first_child, scope);
   over_elements_ -= elements;
+  follow_summed_block(index, scope);
 }
 
 /// A function of the workbook's own goes by a defined name. What neither the workbook nor the host
@@ -320,29 +321,6 @@ void Walk::follow_invocation(NodeIndex index, const Scope* scope) {
     return follow_lambda(function, scope, formula_.arguments(index), scope);
   follow(function, scope);
   follow_arguments(formula_.at(function).next, scope);
-}
-
-void Walk::follow_choice(const Choice& choice, NodeIndex index, const Scope* scope) {
-  asked_host_ = true;
-  const Call call{formula_, evaluation_, scope, formula_.arguments(index), over_elements_ > 0};
-  const Outcome outcome = choice.decide(call);
-  if (!outcome.why.empty()) {
-    surroundings_.remark(std::string(choice.function) + " is followed whole: " + outcome.why);
-    if (choice.family == Family::indirect || choice.family == Family::offset)
-      surroundings_.opaque_call(choice.function);
-    return follow_arguments(formula_.at(index).first_child, scope);
-  }
-  for (const Part& part : outcome.parts) follow_part(part);
-  if (asked(options_, choice.family) != Follow::condition) return;
-  for (std::size_t i = 0; i < std::min(call.count(), outcome.considered); ++i)
-    if (choice.role(i, call.count()) == 'c') follow(call.arguments[i], scope);
-}
-
-void Walk::follow_part(const Part& part) {
-  if (part.node != no_node)
-    follow(part.node, part.scope);
-  else
-    follow_areas(part.areas);
 }
 
 }  // namespace qto::exact

@@ -52,6 +52,8 @@ class Walk {
                      const std::vector<formula::NodeIndex>& values, const Scope* value_scope);
   void follow_invocation(formula::NodeIndex index, const Scope* scope);
   void follow_choice(const Choice& choice, formula::NodeIndex index, const Scope* scope);
+  void follow_deciders(formula::NodeIndex index, const Scope* scope);
+  void follow_summed_block(formula::NodeIndex index, const Scope* scope);
   void follow_part(const Part& part);
   void follow_areas(const Areas& areas);
   bool follow_local(const formula::Node& node, const Scope* scope);
