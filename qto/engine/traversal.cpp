@@ -150,8 +150,8 @@ ModelPart* DrillDown::find_analysed(ModelPart& part) const {
   ModelPart* found = nullptr;
   (void)host::tried([&] {
     const PartKey& key = part.Key();
-    found = reads_exactly() && key == start_part_->Key() ? start_part_.get()
-                                                         : parts_analysed_->find(key);
+    found = parts_analysed_->find(key);
+    if (!found && reads_exactly() && key == start_part_->Key()) found = start_part_.get();
   });
   return found;
 }

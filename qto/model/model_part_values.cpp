@@ -16,19 +16,21 @@ namespace {
 /// a formula may call back.
 class FormulaText {
  public:
-  explicit FormulaText(const Ref<SheetRecord>& sheet) : sheet_(sheet) {
-    if (sheet_) text.swap(sheet_->scratch);
-    text.clear();
+  explicit FormulaText(SheetRecord* sheet) : sheet_(sheet) {
+    if (sheet_) kept_ = std::move(sheet_->scratch);
+    if (!kept_) kept_ = std::make_unique<std::string>();
+    kept_->clear();
   }
   FormulaText(const FormulaText&) = delete;
   FormulaText& operator=(const FormulaText&) = delete;
   ~FormulaText() {
-    if (sheet_) text.swap(sheet_->scratch);
+    if (sheet_) sheet_->scratch = std::move(kept_);
   }
-  std::string text;
+  std::string& text() noexcept { return *kept_; }
 
  private:
   const Ref<SheetRecord> sheet_;
+  std::unique_ptr<std::string> kept_;
 };
 
 }  // namespace
@@ -42,15 +44,15 @@ std::string_view ModelPart::read_formula_again() {
   // The field of a relative name changes while the name is read.
   const std::string relative(has(relative_name) ? formula_.view() : std::string_view());
   const bool was_relative = has(relative_name);
-  FormulaText fresh(sheet_);
-  if (!read_formula_into(fresh.text)) fresh.text.clear();
+  FormulaText fresh(sheet_.get());
+  if (!read_formula_into(fresh.text())) fresh.text().clear();
   const std::string_view held = was_relative ? relative : formula_.view();
-  if (!read_before || fresh.text == held) {
-    formula_.assign(fresh.text);
+  if (!read_before || fresh.text() == held) {
+    formula_.assign(fresh.text());
     return formula_.view();
   }
   const std::string before(held);
-  const std::string after = fresh.text;
+  const std::string after = fresh.text();
   formula_.assign(after);
   set(checked_for_precedents, false);
   clear_precedents();
@@ -232,10 +234,10 @@ void ModelPart::CheckForChanges() {
   if (has(formula_read)) {
     const std::string relative(has(relative_name) ? formula_.view() : std::string_view());
     const bool was_relative = has(relative_name);
-    FormulaText fresh(sheet_);
-    if (!read_formula_into(fresh.text)) fresh.text.clear();
-    changed = fresh.text != (was_relative ? relative : formula_.view());
-    formula_.assign(fresh.text);
+    FormulaText fresh(sheet_.get());
+    if (!read_formula_into(fresh.text())) fresh.text().clear();
+    changed = fresh.text() != (was_relative ? relative : formula_.view());
+    if (changed || was_relative) formula_.assign(fresh.text());
   }
   (void)proc.step([&] {
     Variant now = get_value();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "qto/automation/ref.hpp"
@@ -28,7 +29,7 @@ struct SheetRecord : RefCounted {
   /// PartKey::prefix_number of prefix_text().
   std::uint32_t prefix = 0;
   /// A text to read formulas into; its memory serves one after the other.
-  std::string scratch;
+  std::unique_ptr<std::string> scratch;
 
   /// 'folder\[book]sheet'!, with which the unique keys of the sheet's cells begin.
   std::string prefix_text() const;
