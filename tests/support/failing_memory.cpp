@@ -33,3 +33,10 @@ static void* allocate(std::size_t size) {
 void* operator new(std::size_t size) { return qto::test::allocate(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return qto::test::allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
