@@ -1,6 +1,7 @@
 #include "qto/parser/let_bindings.hpp"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "qto/parser/arguments.hpp"
@@ -50,7 +51,7 @@ std::string with_bindings(Tokens formula, Tokens piece, std::string text) {
       from = open.commas[i] + 1;
     }
   }
-  return names.empty() ? text : "LET(" + names + text + ")";
+  return names.empty() ? std::move(text) : "LET(" + names + text + ")";
 }
 
 }  // namespace qto

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "qto/host/defined_name.hpp"
 #include "qto/hosts/late_bound/proxy.hpp"
 
@@ -19,7 +21,7 @@ class NameProxy final : public ProxyOf<host::DefinedName> {
 
 /// A name that was found, or null when it has no place among the names any more.
 inline Ref<host::DefinedName> existing(Ref<host::DefinedName> name) {
-  return name && name->Index() != 0 ? name : nullptr;
+  return name && name->Index() != 0 ? std::move(name) : nullptr;
 }
 
 }  // namespace qto::late_bound

@@ -84,7 +84,7 @@ Reader::Answer Reader::follow_all(std::string_view text, const host::FormulaPatt
     follow(*formula->plan, site, surroundings);
     return {"", formula->plan->chooses};
   }
-  ReadFormula::Plan& plan = formula->plan.emplace();
+  ReadFormula::Plan& plan = formula->plan.emplace(ReadFormula::Plan{});
   Noting noting(surroundings, plan);
   Walk walk(*formula, site, noting, options, functions_, false);
   walk.run();

@@ -33,7 +33,8 @@ com::ComVariant raw_variant(RawArgument<A, by_reference> raw) {
   } else {
     com::ComVariant out;
     out.type = by_reference ? type | com::vt_by_ref : type;
-    std::memcpy(&out.bits, &raw, sizeof raw);
+    // What is passed is copied as it is, a pointer as a pointer.
+    std::memcpy(&out.bits, &raw, sizeof raw);  // NOLINT(bugprone-sizeof-expression)
     return out;
   }
 }

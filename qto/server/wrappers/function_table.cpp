@@ -49,7 +49,8 @@ void put_result(VariantType type, void* place, const Variant& answer) {
 Result run(CallableWrapper& wrapper, const PlaceCall& member, std::span<ComVariant> given,
            VariantType result_type, void* result) {
   if (result_type != vt_empty && !result) return null_pointer;
-  const Ref<Object> keep = wrapper.object();  // a handler may release the last reference meanwhile
+  // The copy counts as a reference: a handler may release the last other one meanwhile.
+  const Ref<Object> keep = wrapper.object();  // NOLINT(performance-unnecessary-copy-initialization)
   if (!keep) return disconnected;
   std::vector<Variant> values(given.size());
   for (std::uint32_t i = 0; i < given.size(); ++i) {

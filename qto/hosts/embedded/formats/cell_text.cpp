@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "qto/hosts/embedded/formats/general_text.hpp"
 #include "qto/hosts/embedded/formats/number_format.hpp"
@@ -33,14 +34,14 @@ bool append_fitting_general(double value, int width, std::string& out) {
 std::string cell_text(const NumberFormat& format, double value, bool date1904,
                       double column_width_chars) {
   const int width = whole_characters(column_width_chars);
-  const std::string full(static_cast<std::size_t>(width), '#');
+  std::string full(static_cast<std::size_t>(width), '#');
   if (format.is_general() || format.is_text()) {
     std::string text;
-    return append_fitting_general(value, width, text) ? text : full;
+    return append_fitting_general(value, width, text) ? std::move(text) : std::move(full);
   }
   auto text = format.try_format(value, date1904);
   const bool fits = text && code_points(*text) <= static_cast<std::size_t>(width);
-  return fits ? std::move(*text) : full;
+  return fits ? std::move(*text) : std::move(full);
 }
 
 }  // namespace qto::embedded::formats

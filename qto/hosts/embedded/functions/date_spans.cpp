@@ -143,9 +143,9 @@ Outcome<Calendar> calendar_of(Call& call, int holidays_at, int weekend_at) {
   for (const double day : *days)
     if (const auto known = to_day(day, calendar.date1904))
       calendar.holidays.push_back(known->serial);
-  std::ranges::sort(calendar.holidays);
-  const auto repeated = std::ranges::unique(calendar.holidays);
-  calendar.holidays.erase(repeated.begin(), repeated.end());
+  std::vector<int>& holidays = calendar.holidays;
+  std::ranges::sort(holidays);
+  holidays.erase(std::unique(holidays.begin(), holidays.end()), holidays.end());
   return calendar;
 }
 

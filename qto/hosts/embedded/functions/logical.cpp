@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "qto/hosts/embedded/evaluate/build_array.hpp"
 #include "qto/hosts/embedded/evaluate/call.hpp"
 #include "qto/hosts/embedded/evaluate/compare.hpp"
@@ -10,7 +12,9 @@ namespace {
 using enum Parameter;
 
 /// A blank argument in the place of a result shows 0.
-Operand or_zero(Operand operand) { return operand.is_missing() ? Operand(0.0) : operand; }
+Operand or_zero(Operand operand) {
+  return operand.is_missing() ? Operand(0.0) : std::move(operand);
+}
 
 /// The elements of several operands at one place; what a function of single values works on.
 class Elements {

@@ -2,7 +2,8 @@
 
 namespace qto::embedded {
 
-FormulaGraph::FormulaGraph(std::vector<const Book*> books, const OpenBooks* open) : open_(open) {
+FormulaGraph::FormulaGraph(const std::vector<const Book*>& books, const OpenBooks* open)
+    : open_(open) {
   for (const Book* book : books)
     for (const auto& sheet : book->sheets()) {
       numbers_.emplace(sheet.get(), sheet_count());

@@ -22,7 +22,7 @@ struct FormulaNode {
 class FormulaGraph {
  public:
   /// With `open`, links from one of the books to another are followed.
-  explicit FormulaGraph(std::vector<const Book*> books, const OpenBooks* open = nullptr);
+  explicit FormulaGraph(const std::vector<const Book*>& books, const OpenBooks* open = nullptr);
 
   std::uint32_t sheet_count() const noexcept { return static_cast<std::uint32_t>(sheets_.size()); }
   Sheet& sheet(std::uint32_t number) const noexcept { return *sheets_[number]; }

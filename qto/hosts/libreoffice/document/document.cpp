@@ -62,10 +62,10 @@ Cells& SheetSlot::cells() {
   return *cells_;
 }
 
-Document::Document(const OpenDocuments& others, Model model, std::string file, std::string password,
-                   std::string title)
+Document::Document(const OpenDocuments& others, const Model& model, std::string file,
+                   std::string password, std::string title)
     : others_(others),
-      model_(std::move(model)),
+      model_(model),
       file_(std::move(file)),
       password_(std::move(password)),
       name_(std::move(title)) {

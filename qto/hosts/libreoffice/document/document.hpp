@@ -35,7 +35,7 @@ class Document {
   using Model = uno::Reference<sheet::XSpreadsheetDocument>;
 
   /// `file` is the full name, "" for a new document, which is called `title`.
-  Document(const OpenDocuments& others, Model model, std::string file, std::string password,
+  Document(const OpenDocuments& others, const Model& model, std::string file, std::string password,
            std::string title = {});
   ~Document();
   Document(const Document&) = delete;

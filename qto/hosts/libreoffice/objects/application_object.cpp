@@ -173,7 +173,7 @@ OpenBook* ApplicationObject::book_of(const Document& document) const {
 OpenBook& ApplicationObject::open(const std::string& file, const std::string& password) {
   Document::Model model = load_document(Office::running(), file, password);
   return guarded("Opening a book", [&]() -> OpenBook& {
-    books_.push_back(std::make_unique<OpenBook>(*this, std::move(model), file, password, ""));
+    books_.push_back(std::make_unique<OpenBook>(*this, model, file, password, ""));
     active_ = books_.back().get();
     read_function_names(active_->document);
     return *active_;
@@ -185,8 +185,8 @@ OpenBook& ApplicationObject::add() {
   while (find_book("Book" + std::to_string(number))) ++number;
   Document::Model model = new_document(Office::running());
   return guarded("Adding a book", [&]() -> OpenBook& {
-    books_.push_back(std::make_unique<OpenBook>(*this, std::move(model), "", "",
-                                                "Book" + std::to_string(number)));
+    books_.push_back(
+        std::make_unique<OpenBook>(*this, model, "", "", "Book" + std::to_string(number)));
     active_ = books_.back().get();
     read_function_names(active_->document);
     return *active_;

@@ -15,10 +15,9 @@ class WorkbookObject;
 
 /// A document that is open, with what belongs to it while it is.
 struct OpenBook {
-  OpenBook(const OpenDocuments& others, Document::Model model, std::string file,
+  OpenBook(const OpenDocuments& others, const Document::Model& model, std::string file,
            std::string password, std::string title)
-      : document(others, std::move(model), std::move(file), std::move(password), std::move(title)) {
-  }
+      : document(others, model, std::move(file), std::move(password), std::move(title)) {}
 
   Document document;
   WorkbookObject* handle = nullptr;  ///< as long as somebody holds it

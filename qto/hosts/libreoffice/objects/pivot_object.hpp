@@ -9,8 +9,8 @@ namespace qto::libreoffice {
 
 class PivotObject final : public host::PivotTable {
  public:
-  PivotObject(Ref<WorksheetObject> sheet, uno::Reference<sheet::XDataPilotTable> table)
-      : sheet_(std::move(sheet)), table_(std::move(table)) {}
+  PivotObject(Ref<WorksheetObject> sheet, const uno::Reference<sheet::XDataPilotTable>& table)
+      : sheet_(std::move(sheet)), table_(table) {}
 
   Ref<host::HostObject> Parent() const override;
   bool exists() const noexcept override { return sheet_->exists(); }
