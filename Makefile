@@ -48,7 +48,10 @@ windows: ## the same libraries and command for Windows, tests under Wine; left o
 
 tidy: dev-packages ## every source compiles alone, clang-tidy looks at those of the product
 	cmake --preset dev
-	python3 tools/compile_alone.py build/dev
+	cmake --preset release
+	cmake --build --preset dev --target uno_headers
+	cmake --build --preset release --target uno_headers
+	python3 tools/compile_alone.py --tidy build/release build/dev
 
 benchmarks: packages ## build the programs that measure
 	cmake --preset bench
