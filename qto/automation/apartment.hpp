@@ -11,6 +11,10 @@ namespace qto {
 /// memory for the note the state stays for good.
 void at_apartment_end(void (*end)(void* state), void* state) noexcept;
 
+/// Ends the calling thread's apartment before its time: a library of which nothing is in use is
+/// about to be unloaded. What is asked for afterwards is made anew.
+void end_apartment() noexcept;
+
 /// A place for what the objects of an apartment share; declared as
 ///
 ///     thread_local constinit ApartmentState<State> slot;

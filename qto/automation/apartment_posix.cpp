@@ -15,19 +15,12 @@ struct Note {
 
 thread_local constinit Note* last_note = nullptr;
 
-void end_apartment(void*) {
-  // A state that ends may ask for another once more.
-  while (Note* note = last_note) {
-    last_note = note->earlier;
-    note->end(note->state);
-    delete note;
-  }
-}
+void end_thread(void*) { end_apartment(); }
 
 /// Unlike a destructor of the thread's own it does not keep the library from being unloaded.
 class ThreadEnd {
  public:
-  ThreadEnd() noexcept : made_(pthread_key_create(&key_, end_apartment) == 0) {}
+  ThreadEnd() noexcept : made_(pthread_key_create(&key_, end_thread) == 0) {}
   ~ThreadEnd() {
     if (made_) pthread_key_delete(key_);
   }
@@ -42,6 +35,15 @@ class ThreadEnd {
 };
 
 }  // namespace
+
+void end_apartment() noexcept {
+  // A state that ends may ask for another once more.
+  while (Note* note = last_note) {
+    last_note = note->earlier;
+    note->end(note->state);
+    delete note;
+  }
+}
 
 void at_apartment_end(void (*end)(void*), void* state) noexcept {
   static const ThreadEnd thread_end;

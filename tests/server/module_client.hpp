@@ -20,8 +20,11 @@ class Library {
   Library& operator=(const Library&) = delete;
   ~Library() { unload(); }
   explicit operator bool() const { return handle_; }
+  /// As clients do: a library that may go lets go of what it keeps.
   void unload() {
-    if (handle_) dlclose(std::exchange(handle_, nullptr));
+    if (!handle_) return;
+    call("DllCanUnloadNow");
+    dlclose(std::exchange(handle_, nullptr));
   }
   template <class Function>
   Function* find(const char* name) const {

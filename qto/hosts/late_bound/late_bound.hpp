@@ -12,4 +12,8 @@ namespace qto::late_bound {
 /// an object without late-bound calls, and host::HostFailure when it fails while it is looked at.
 Ref<Object> proxy_of(com::Unknown& unknown);
 
+/// Gives up what is kept between applications, where no proxy is left; for a library that may be
+/// unloaded.
+void forget_sessions() noexcept;
+
 }  // namespace qto::late_bound

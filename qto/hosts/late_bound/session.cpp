@@ -2,11 +2,13 @@
 
 #include <atomic>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "qto/com/conversion.hpp"
 #include "qto/com/errors.hpp"
 #include "qto/host/failure.hpp"
+#include "qto/hosts/late_bound/late_bound.hpp"
 #include "qto/hosts/late_bound/make_proxy.hpp"
 
 namespace qto::late_bound {
@@ -25,6 +27,10 @@ class SessionTable {
     const std::lock_guard lock(guard_);
     sessions_.try_emplace(identity, &session);
   }
+  bool empty() const noexcept {
+    const std::lock_guard lock(guard_);
+    return sessions_.empty();
+  }
   void remove(const com::Unknown* identity, const Session& session) {
     const std::lock_guard lock(guard_);
     const auto found = sessions_.find(identity);
@@ -36,9 +42,14 @@ class SessionTable {
   std::unordered_map<const com::Unknown*, Session*> sessions_;
 };
 
+// Plain, for proxies may go after the statics of the module.
+std::mutex making_table;
+constinit SessionTable* table_of_sessions = nullptr;
+
 SessionTable& sessions() {
-  static auto* const all = new SessionTable;  // proxies may go after the statics of the module
-  return *all;
+  const std::lock_guard lock(making_table);
+  if (!table_of_sessions) table_of_sessions = new SessionTable;
+  return *table_of_sessions;
 }
 
 /// Passes no objects.
@@ -202,6 +213,12 @@ bool RemoteHandle::flag(HostMember member, GivenList arguments) const {
 std::int32_t RemoteHandle::count_of(const Remote& list) const {
   return *converted(HostMember::Count, list.get(HostMember::Count, *session_), com::Shape::number)
               .get_if<std::int32_t>();
+}
+
+void forget_sessions() noexcept {
+  const std::lock_guard lock(making_table);
+  if (table_of_sessions && table_of_sessions->empty())
+    delete std::exchange(table_of_sessions, nullptr);
 }
 
 }  // namespace qto::late_bound

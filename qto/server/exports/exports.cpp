@@ -1,10 +1,12 @@
 /// The four standard exports of a shared library that serves classes.
+#include "qto/automation/apartment.hpp"
 #include "qto/com/errors.hpp"
 #include "qto/com/holder.hpp"
 #include "qto/server/description/type_info.hpp"
 #include "qto/server/module/counted.hpp"
 #include "qto/server/module/module.hpp"
 #include "qto/server/registration/registration.hpp"
+#include "qto/server/wrappers/callable_wrapper.hpp"
 #include "qto/server/wrappers/marshaling.hpp"
 
 namespace qto::server {
@@ -79,5 +81,7 @@ QTO_EXPORT std::int32_t QTO_CALL DllCanUnloadNow() {
   if (module_in_use()) return no_more;
   release_type_library();
   if (this_module().let_go) this_module().let_go();
+  qto::end_apartment();
+  forget_wrappers();
   return ok;
 }

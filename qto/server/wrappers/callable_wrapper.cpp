@@ -55,8 +55,13 @@ class WrapperTable {
   std::deque<Kept> released_;
 };
 
+// Plain, for clients may release after the statics have gone.
+std::mutex making;
+constinit WrapperTable* all = nullptr;
+
 WrapperTable& wrappers() {
-  static auto* const all = new WrapperTable;  // clients may release after the statics have gone
+  const std::lock_guard lock(making);
+  if (!all) all = new WrapperTable;
   return *all;
 }
 
@@ -282,6 +287,11 @@ ComVariant to_com(const Variant& value) {
   ComVariant out = to_com(value, object_marshaler());
   if (out.type == vt_dispatch && ref_cast<Enumerator>(value.object())) out.type = vt_unknown;
   return out;
+}
+
+void forget_wrappers() noexcept {
+  const std::lock_guard lock(making);
+  delete std::exchange(all, nullptr);
 }
 
 }  // namespace qto::server

@@ -62,4 +62,8 @@ class CallableWrapper {
 /// A collection's walk as clients hold it; the reference is the caller's.
 EnumVariant* wrap_enumerator(Ref<Enumerator> walk);
 
+/// Gives up the wrappers of released objects. Only when no object is in use and the library may be
+/// unloaded.
+void forget_wrappers() noexcept;
+
 }  // namespace qto::server
