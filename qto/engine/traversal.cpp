@@ -332,7 +332,7 @@ void DrillDown::drill_to_errors(const Ref<ModelPart>& start) {
       },
       [this](Ref<ModelPart>& precedent, ModelParts& list) {
         if (already_seen(precedent, list) || exceeded_) return false;
-        if (!precedent->is_unknown()) return precedent->shows_error();
+        if (!precedent->is_unknown()) return precedent->HasError();
         add_to(*error_cells_, precedent);
         return false;
       });

@@ -198,8 +198,6 @@ class ModelPart : public Object {
   std::string_view read_formula_again();
   /// The formula as it was last read; the view holds until the next reading.
   std::string_view held_formula() const noexcept { return formula_.view(); }
-  /// As HasError; the formula of a name is read when that was not done yet.
-  bool shows_error();
   /// A mark that the traversals set while the part is being walked.
   bool on_walk() const noexcept { return has(walked); }
   void mark_walk(bool value) noexcept { set(walked, value); }

@@ -189,11 +189,6 @@ Variant ModelPart::name_value(bool& holds_error) {
   return result;
 }
 
-bool ModelPart::shows_error() {
-  if (is_name() && !has(formula_read)) (void)read_formula_again();
-  return has(error);
-}
-
 std::string ModelPart::Text() {
   Procedure proc("ModelPart", "Text[Get]");
   if (!has(text_read)) {

@@ -146,7 +146,7 @@ bool ModelParts::any_unknown() {
 bool ModelParts::any_error(std::uint64_t drill) {
   Pass pass = NewEnum();
   while (ModelPart* part = pass.next_single())
-    if (part->shows_error()) return true;
+    if (part->HasError()) return true;
   return blocks_ && std::ranges::any_of(*blocks_, [&](const Entry& entry) {
            return entry.block->any_error(drill);
          });

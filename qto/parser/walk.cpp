@@ -1,8 +1,19 @@
 #include "qto/automation/error.hpp"
+#include "qto/automation/text.hpp"
 #include "qto/diagnostics/procedure.hpp"
+#include "qto/parser/let_bindings.hpp"
 #include "qto/parser/parser.hpp"
 
 namespace qto {
+namespace {
+
+/// "1E" of 1E+30, which the sign cuts into pieces.
+bool is_mantissa(std::string_view text) noexcept {
+  return (text.ends_with('E') || text.ends_with('e')) &&
+         text::is_numeric(text.substr(0, text.size() - 1));
+}
+
+}  // namespace
 
 void Parser::do_parse(Tokens tokens, bool& second_pass) {
   Procedure proc("Parser", "do_parse");
@@ -43,7 +54,8 @@ bool Parser::walk_token(Tokens tokens, std::size_t& i, Qualifiers& at, LinkText&
       worksheet_name_found(at, text);
       break;
     case TokenType::possible_name:
-      add_possible_name_found(at, text);
+      if (!is_mantissa(text) && !binds(bindings_.empty() ? tokens : bindings_, text))
+        add_possible_name_found(at, text);
       break;
     case TokenType::error_constant:
       part_->put_HasError(true);

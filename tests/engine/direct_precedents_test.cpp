@@ -122,6 +122,33 @@ TEST(FormulaConstants, AreToldApart) {
   }
 }
 
+TEST(FormulaErrors, AreNamesThatNobodyGives) {
+  Books books("A1=5; B1=7");
+  const struct {
+    const char* formula;  // none has an error for its value
+    bool error;
+  } rows[] = {{"=IF(TRUE,A1,NoSuchName)", true},
+              {"=A1*1E+30", false},
+              {"=A1*2.5e-3", false},
+              {"=LET(x,A1,X+1)", false},
+              {"=LET(x,A1,IF(TRUE,x,y))", true},
+              {"=IF(TRUE,A1,LET(x,y,x))", true},
+              {"=LET(x,A1,y,x*2,IF(y>3,x,B1))", false},
+              {"=LAMBDA(k,m,IF(k,m,B1))(A1,B1)", false},
+              {"=IF(TRUE,A1,LAMBDA(k,m)(A1))", true}};
+  for (const auto& row : rows) {
+    books.enter(std::string("Z9=") + row.formula);
+    ASSERT_FALSE(books.range("Z9")->value().is_error()) << row.formula;
+    const auto drill = drill_from(books, "Z9");
+    drill->DrillHere();
+    EXPECT_EQ(drill->StartModelPart()->HasError(), row.error) << row.formula;
+  }
+  books.enter("Z9==LET(x,A1,y,x*2,IF(y>3,x,B1))");
+  const auto drill = drill_from(books, "Z9", {.ParseIf = 1});
+  drill->DrillHere();
+  EXPECT_FALSE(drill->StartModelPart()->HasError()) << "in the second walk too";
+}
+
 // What is left out for what it holds
 
 TEST(HiddenPrecedents, AreThoseOfTheKindsThatAreSwitchedOff) {

@@ -91,6 +91,19 @@ Operand fn_lookup(Call& call) {
                                                        : part_of(context, call[2], at, 0, 1, 1));
 }
 
+/// The position that halving finds in sorted values: an equal one, else by the sign of `match` the
+/// next one below or above.
+Position find_halving(const Vector& vector, const Wanted& wanted, double match, bool descending) {
+  const Position found = find_sorted(vector, wanted, descending);
+  if (found && wanted.equals(vector.at(*found))) return found;
+  if (match == 0) return std::nullopt;
+  // Ascending order finds the one below, descending order the one above.
+  const bool wants_above = match > 0;
+  if (wants_above == descending) return found;
+  const std::int64_t next = found ? *found + 1 : 0;
+  return next < vector.stored() ? Position(next) : std::nullopt;
+}
+
 /// The position that XMATCH and XLOOKUP find, or an error.
 Outcome<std::int64_t> extended_match(Call& call, int mode_at) {
   if (const auto error = block_error(call[1])) return *error;
@@ -105,23 +118,10 @@ Outcome<std::int64_t> extended_match(Call& call, int mode_at) {
   const Vector vector(call.context(), call[1]);
   if (call.context().gave_up()) return ErrorValue::na;
   const Wanted wanted(call.value(0), match == 2, halving);
-  Position found;
-  if (halving) {
-    const bool descending = search < 0;
-    found = find_sorted(vector, wanted, descending);
-    const bool equal = found && wanted.equals(vector.at(*found));
-    // Ascending order finds the one below, descending order the one above.
-    const bool wants_above = match == 1;
-    if (!equal && match == 0) found.reset();
-    if (!equal && match != 0 && wants_above != descending) {
-      const std::int64_t next = found ? *found + 1 : 0;
-      found = next < vector.stored() ? Position(next) : Position();
-    }
-  } else if (match == 0 || match == 2) {
-    found = find_equal(call.context(), vector, wanted, search < 0);
-  } else {
-    found = find_nearest(call.context(), vector, wanted, match > 0, search < 0);
-  }
+  const Position found = halving ? find_halving(vector, wanted, match, search < 0)
+                         : match == 0 || match == 2
+                             ? find_equal(call.context(), vector, wanted, search < 0)
+                             : find_nearest(call.context(), vector, wanted, match > 0, search < 0);
   if (!found) return ErrorValue::na;
   return *found;
 }
