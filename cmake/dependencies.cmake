@@ -8,6 +8,7 @@ if(NOT WIN32)
   find_package(fmt REQUIRED)
   find_package(OpenSSL REQUIRED COMPONENTS Crypto)
   find_package(PCRE2 REQUIRED)
+  find_package(Boost REQUIRED)
   find_package(CLI11 REQUIRED)
   find_package(nlohmann_json REQUIRED)
   if(QTO_TESTS)
@@ -16,14 +17,15 @@ if(NOT WIN32)
   # For people who report what they saw.
   set(qto_library_versions "expat ${EXPAT_VERSION_STRING}" "libzip ${libzip_VERSION}"
     "PCRE2 ${PCRE2_VERSION}" "OpenSSL ${OPENSSL_VERSION}" "ICU ${ICU_VERSION}"
-    "fmt ${fmt_VERSION}" "CLI11 ${CLI11_VERSION}" "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
+    "Boost ${Boost_VERSION_STRING}" "fmt ${fmt_VERSION}" "CLI11 ${CLI11_VERSION}"
+    "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
   set(qto_text_libraries ICU::uc ICU::i18n)
   set(qto_cipher_libraries OpenSSL::Crypto)
   return()
 endif()
 
 # Windows itself stands in for ICU and OpenSSL.
-set(qto_library_versions expat libzip PCRE2 fmt CLI11 "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
+set(qto_library_versions expat libzip PCRE2 Boost fmt CLI11 "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
 set(qto_text_libraries)
 set(qto_cipher_libraries bcrypt)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
@@ -49,7 +51,7 @@ third_party_library(EXPAT::EXPAT expat XML_STATIC)
 third_party_library(libzip::zip zip ZIP_STATIC z)
 third_party_library(PCRE2::16BIT pcre2-16 PCRE2_STATIC)
 
-foreach(name fmt::fmt CLI11::CLI11 nlohmann_json::nlohmann_json)
+foreach(name fmt::fmt CLI11::CLI11 nlohmann_json::nlohmann_json Boost::headers)
   add_library(${name} INTERFACE IMPORTED GLOBAL)
   set_target_properties(${name} PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${third_party}/include)
 endforeach()

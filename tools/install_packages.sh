@@ -10,7 +10,7 @@ packages=(
   libexpat1-dev zlib1g-dev libicu-dev libfmt-dev libcli11-dev nlohmann-json3-dev
   # Debian's CMake package of libzip refuses to load unless its three command line tools are there.
   libzip-dev zipcmp zipmerge ziptool
-  libssl-dev libpcre2-dev
+  libssl-dev libpcre2-dev libboost-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 

@@ -62,7 +62,7 @@ install_library "$sources"/pcre2 -DPCRE2_BUILD_PCRE2_8=OFF -DPCRE2_BUILD_PCRE2_1
   -DPCRE2_BUILD_PCRE2GREP=OFF -DPCRE2_BUILD_TESTS=OFF -DPCRE2_SHOW_REPORT=OFF
 
 # Only these of /usr/include, which holds headers of this machine's own system.
-for library in fmt CLI nlohmann; do
+for library in fmt CLI nlohmann boost; do
   ln -s "/usr/include/$library" "$prefix/include/$library"
 done
 touch "$stamp"

@@ -11,15 +11,6 @@ namespace {
 
 using enum Parameter;
 
-// Densities are reckoned through logarithms, whose digits long double keeps.
-using Real = long double;
-
-Real log_choose(Real n, Real k) {
-  return std::lgamma(n + 1) - std::lgamma(k + 1) - std::lgamma(n - k + 1);
-}
-
-double exponential(Real exponent) { return static_cast<double>(std::exp(exponent)); }
-
 /// Counts beyond this are not whole numbers any more.
 constexpr double largest_count = 9007199254740992;
 
@@ -89,20 +80,15 @@ Operand fn_weibull_dist(Call& call) {
   return shape / std::pow(scale, shape) * std::pow(x, shape - 1) * std::exp(-power);
 }
 
-double gamma_density(Real x, Real shape, Real scale) {
-  return exponential((shape - 1) * std::log(x) - x / scale - shape * std::log(scale) -
-                     std::lgamma(shape));
-}
-
 Operand fn_gamma_dist(Call& call) {
   const double x = call.number(0);
   const double shape = call.number(1);
   const double scale = call.number(2);
   if (x < 0 || shape <= 0 || scale <= 0) return ErrorValue::num;
-  if (call.logical(3)) return gamma_p(shape, x / scale);
+  if (call.logical(3)) return gamma_below(x / scale, shape);
   if (x == 0)
     return shape == 1 ? Operand(1 / scale) : shape < 1 ? Operand(ErrorValue::num) : Operand(0.0);
-  return gamma_density(x, shape, scale);
+  return gamma_density(x / scale, shape) / scale;
 }
 
 Operand fn_gamma_inv(Call& call) {
@@ -111,18 +97,18 @@ Operand fn_gamma_inv(Call& call) {
   const double scale = call.number(2);
   if (!(p >= 0 && p < 1) || shape <= 0 || scale <= 0) return ErrorValue::num;
   if (p == 0) return 0.0;
-  return scale * gamma_inverse(p, shape);
+  return scale * gamma_quantile(p, shape);
 }
 
 Operand fn_gamma(Call& call) {
   const double x = call.number(0);
   if (x == 0 || (x < 0 && x == std::trunc(x))) return ErrorValue::num;
-  return std::tgamma(x);
+  return gamma_function(x);
 }
 
 Operand fn_gammaln(Call& call) {
   if (call.number(0) <= 0) return ErrorValue::num;
-  return std::lgamma(call.number(0));
+  return log_gamma(call.number(0));
 }
 
 /// A beta distribution stretched over an interval.
@@ -139,11 +125,9 @@ Operand beta_value(Call& call, const Beta& beta, bool cumulative) {
   const double x = call.number(0);
   if (!beta.valid() || x < beta.low || x > beta.high) return ErrorValue::num;
   const double t = (x - beta.low) / (beta.high - beta.low);
-  if (cumulative) return beta_i(t, beta.a, beta.b);
+  if (cumulative) return beta_below(t, beta.a, beta.b);
   if ((t == 0 && beta.a < 1) || (t == 1 && beta.b < 1)) return ErrorValue::num;
-  const Real density = std::pow(Real{t}, beta.a - 1) * std::pow(1 - Real{t}, beta.b - 1) *
-                       std::exp(-log_beta(beta.a, beta.b));
-  return static_cast<double>(density) / (beta.high - beta.low);
+  return beta_density(t, beta.a, beta.b) / (beta.high - beta.low);
 }
 Operand fn_beta_dist(Call& call) { return beta_value(call, beta_of(call, 4), call.logical(3)); }
 Operand fn_betadist(Call& call) { return beta_value(call, beta_of(call, 3), true); }
@@ -152,27 +136,10 @@ Operand fn_beta_inv(Call& call) {
   const Beta beta = beta_of(call, 3);
   const double p = call.number(0);
   if (!beta.valid() || p <= 0 || p >= 1) return ErrorValue::num;
-  const auto above = [&](double x) {
-    return -beta_i(Split{x, 1 - Real{x}}.other(), beta.b, beta.a);
-  };
-  const double t =
-      p > 0.5 ? invert_rising(above, p - 1, 0, 1)
-              : invert_rising([&](double x) { return beta_i(x, beta.a, beta.b); }, p, 0, 1);
-  return beta.low + t * (beta.high - beta.low);
+  return beta.low + beta_quantile(p, beta.a, beta.b) * (beta.high - beta.low);
 }
 
 // Counting.
-
-double binomial_density(double k, double n, double p) {
-  if (p == 0) return k == 0 ? 1 : 0;
-  if (p == 1) return k == n ? 1 : 0;
-  return exponential(log_choose(n, k) + k * std::log(Real{p}) + (n - k) * std::log1p(-Real{p}));
-}
-
-double binomial_below(double k, double n, double p) {
-  if (k < 0) return 0;
-  return k >= n ? 1 : beta_i(Split{1 - Real{p}, p}, n - k, k + 1);
-}
 
 Operand fn_binom_dist(Call& call) {
   const double k = std::trunc(call.number(0));
@@ -219,10 +186,8 @@ Operand negative_binomial(Call& call, bool cumulative) {
   const double successes = std::trunc(call.number(1));
   const double p = call.number(2);
   if (failures < 0 || successes < 1 || !is_probability(p)) return ErrorValue::num;
-  if (cumulative) return beta_i(p, successes, failures + 1);
-  if (p == 0 || p == 1) return p == 1 && failures == 0 ? 1.0 : 0.0;
-  return exponential(log_choose(failures + successes - 1, successes - 1) +
-                     successes * std::log(Real{p}) + failures * std::log1p(-Real{p}));
+  return cumulative ? beta_below(p, successes, failures + 1)
+                    : negative_binomial_density(failures, successes, p);
 }
 Operand fn_negbinom_dist(Call& call) { return negative_binomial(call, call.logical(3)); }
 Operand fn_negbinomdist(Call& call) { return negative_binomial(call, false); }
@@ -231,9 +196,7 @@ Operand fn_poisson_dist(Call& call) {
   const double k = std::trunc(call.number(0));
   const double mean = call.number(1);
   if (k < 0 || mean < 0) return ErrorValue::num;
-  if (call.logical(2)) return mean == 0 ? 1.0 : gamma_q(k + 1, mean);
-  if (mean == 0) return k == 0 ? 1.0 : 0.0;
-  return exponential(k * std::log(Real{mean}) - mean - std::lgamma(Real{k + 1}));
+  return call.logical(2) ? gamma_above(mean, k + 1) : poisson_density(k, mean);
 }
 
 Operand hypergeometric(Call& call, bool cumulative) {
@@ -248,8 +211,7 @@ Operand hypergeometric(Call& call, bool cumulative) {
   const double least = std::max(0.0, drawn - population + successes);
   if (k < least && !cumulative) return ErrorValue::num;
   const auto density = [&](double i) {
-    return exponential(log_choose(successes, i) + log_choose(population - successes, drawn - i) -
-                       log_choose(population, drawn));
+    return hypergeometric_density(i, drawn, successes, population);
   };
   if (!cumulative) return density(k);
   // Away from the mean the terms soon vanish.

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "qto/hosts/embedded/functions/families.hpp"
 #include "qto/hosts/embedded/functions/moments.hpp"
@@ -13,30 +12,7 @@ namespace {
 
 using enum Parameter;
 
-// Densities are reckoned through logarithms, whose digits long double keeps.
-using Real = long double;
-
-double exponential(Real exponent) { return static_cast<double>(std::exp(exponent)); }
-
-// What lies below and above a value in the distributions of test statistics.
-
-double chi_below(double x, double degrees) { return gamma_p(degrees / 2, x / 2); }
-double chi_above(double x, double degrees) { return gamma_q(degrees / 2, x / 2); }
-
-/// One tail of Student's distribution, t >= 0.
-double t_above(double t, double degrees) {
-  return beta_i(split(degrees, static_cast<long double>(t) * t), degrees / 2, 0.5) / 2;
-}
-double t_below(double t, double degrees) {
-  return t < 0 ? t_above(-t, degrees) : 1 - t_above(t, degrees);
-}
-
-double f_below(double x, double d1, double d2) {
-  return x <= 0 ? 0 : beta_i(split(static_cast<long double>(d1) * x, d2), d1 / 2, d2 / 2);
-}
-double f_above(double x, double d1, double d2) {
-  return x <= 0 ? 1 : beta_i(split(d2, static_cast<long double>(d1) * x), d2 / 2, d1 / 2);
-}
+double chi_above(double x, double degrees) { return gamma_above(x / 2, degrees / 2); }
 
 /// Degrees of freedom as the functions take them: whole, at least 1 and not beyond 10^10.
 Outcome<double> degrees(Call& call, int i) {
@@ -52,11 +28,9 @@ Operand fn_chisq_dist(Call& call) {
   const auto d = degrees(call, 1);
   if (!d) return d.error();
   if (x < 0) return ErrorValue::num;
-  if (call.logical(2)) return chi_below(x, *d);
+  if (call.logical(2)) return gamma_below(x / 2, *d / 2);
   if (x == 0) return *d < 2 ? Operand(ErrorValue::num) : Operand(*d == 2 ? 0.5 : 0.0);
-  const Real half = Real{*d} / 2;
-  return exponential((half - 1) * std::log(Real{x}) - x / 2 - half * std::numbers::ln2_v<Real> -
-                     std::lgamma(half));
+  return gamma_density(x / 2, *d / 2) / 2;
 }
 
 Operand fn_chisq_dist_rt(Call& call) {
@@ -72,7 +46,7 @@ Operand fn_chisq_inv(Call& call) {
   if (!d) return d.error();
   if (p < 0 || p >= 1) return ErrorValue::num;
   if (p == 0) return 0.0;
-  return 2 * gamma_inverse(p, *d / 2);
+  return 2 * gamma_quantile(p, *d / 2);
 }
 
 Operand fn_chisq_inv_rt(Call& call) {
@@ -81,8 +55,7 @@ Operand fn_chisq_inv_rt(Call& call) {
   if (!d) return d.error();
   if (p <= 0 || p > 1) return ErrorValue::num;
   if (p == 1) return 0.0;
-  if (p > 0.5) return 2 * gamma_inverse(1 - p, *d / 2);
-  return invert_positive([&](double x) { return -chi_above(x, *d); }, -p);
+  return 2 * gamma_quantile_above(p, *d / 2);
 }
 
 Operand fn_chisq_test(Call& call) {
@@ -119,11 +92,7 @@ Operand fn_t_dist(Call& call) {
   const auto d = degrees(call, 1);
   if (!d) return d.error();
   const double t = call.number(0);
-  if (call.logical(2)) return t_below(t, *d);
-  const Real n = *d;
-  return exponential(std::lgamma((n + 1) / 2) - std::lgamma(n / 2) -
-                     (n + 1) / 2 * std::log1p(Real{t} * t / n)) /
-         std::sqrt(*d * std::numbers::pi);
+  return call.logical(2) ? t_above(-t, *d) : t_density(t, *d);
 }
 
 Operand fn_t_dist_2t(Call& call) {
@@ -136,7 +105,7 @@ Operand fn_t_dist_2t(Call& call) {
 Operand fn_t_dist_rt(Call& call) {
   const auto d = degrees(call, 1);
   if (!d) return d.error();
-  return t_below(-call.number(0), *d);
+  return t_above(call.number(0), *d);
 }
 
 Operand fn_tdist(Call& call) {
@@ -147,18 +116,12 @@ Operand fn_tdist(Call& call) {
   return tails * t_above(call.number(0), *d);
 }
 
-/// The t >= 0 above which `tail` lies.
-double t_of_tail(double tail, double d) {
-  return invert_positive([&](double t) { return -t_above(t, d); }, -tail);
-}
-
 Operand fn_t_inv(Call& call) {
   const double p = call.number(0);
   const auto d = degrees(call, 1);
   if (!d) return d.error();
   if (p <= 0 || p >= 1) return ErrorValue::num;
-  if (p == 0.5) return 0.0;
-  return p < 0.5 ? -t_of_tail(p, *d) : t_of_tail(1 - p, *d);
+  return t_quantile(p, *d);
 }
 
 Operand fn_t_inv_2t(Call& call) {
@@ -166,7 +129,7 @@ Operand fn_t_inv_2t(Call& call) {
   const auto d = degrees(call, 1);
   if (!d) return d.error();
   if (p <= 0 || p > 1) return ErrorValue::num;
-  return p == 1 ? 0.0 : t_of_tail(p / 2, *d);
+  return -t_quantile(p / 2, *d);
 }
 
 /// The t and degrees of freedom of two samples.
@@ -230,10 +193,7 @@ Operand fn_f_dist(Call& call) {
   if (x < 0) return ErrorValue::num;
   if (call.logical(3)) return f_below(x, *d1, *d2);
   if (x == 0) return *d1 < 2 ? Operand(ErrorValue::num) : Operand(*d1 == 2 ? 1.0 : 0.0);
-  const Real a = Real{*d1} / 2;
-  const Real b = Real{*d2} / 2;
-  return exponential(a * std::log(a) + b * std::log(b) + (a - 1) * std::log(Real{x}) -
-                     (a + b) * std::log(b + a * x) - log_beta(a, b));
+  return f_density(x, *d1, *d2);
 }
 
 Operand fn_f_dist_rt(Call& call) {
@@ -245,12 +205,6 @@ Operand fn_f_dist_rt(Call& call) {
   return f_above(call.number(0), *d1, *d2);
 }
 
-/// The x below which p lies, and above which q = 1 - p; the smaller of the two is the exact one.
-double f_quantile(double p, double q, double d1, double d2) {
-  if (p < q) return invert_positive([&](double x) { return f_below(x, d1, d2); }, p);
-  return invert_positive([&](double x) { return -f_above(x, d1, d2); }, -q);
-}
-
 Operand fn_f_inv(Call& call) {
   const double p = call.number(0);
   const auto d1 = degrees(call, 1);
@@ -259,7 +213,7 @@ Operand fn_f_inv(Call& call) {
   if (!d2) return d2.error();
   if (p < 0 || p >= 1) return ErrorValue::num;
   if (p == 0) return 0.0;
-  return f_quantile(p, 1 - p, *d1, *d2);
+  return f_quantile(p, *d1, *d2);
 }
 
 Operand fn_f_inv_rt(Call& call) {
@@ -270,7 +224,7 @@ Operand fn_f_inv_rt(Call& call) {
   if (!d2) return d2.error();
   if (p <= 0 || p > 1) return ErrorValue::num;
   if (p == 1) return 0.0;
-  return f_quantile(1 - p, p, *d1, *d2);
+  return f_quantile_above(p, *d1, *d2);
 }
 
 Operand fn_f_test(Call& call) {
@@ -318,7 +272,7 @@ Operand fn_confidence_t(Call& call) {
   const double size = std::trunc(call.number(2));
   if (alpha <= 0 || alpha >= 1 || call.number(1) <= 0 || size < 1) return ErrorValue::num;
   if (size == 1) return ErrorValue::div0;
-  return t_of_tail(alpha / 2, size - 1) * call.number(1) / std::sqrt(size);
+  return -t_quantile(alpha / 2, size - 1) * call.number(1) / std::sqrt(size);
 }
 
 Operand fn_prob(Call& call) {
