@@ -202,7 +202,7 @@ int answer(const Arguments& arguments) {
     return complain(arguments, Complaint(refused, "not enough memory for " + arguments.book));
   } catch (const AutomationError& error) {
     const std::string number = error_number_text(error.number);
-    return complain(arguments, Complaint(refused, "refused with the number " + number, number));
+    return complain(arguments, Complaint(refused, arguments.book + ": " + error.what(), number));
   } catch (const std::exception& failure) {
     return complain(arguments, Complaint(refused, arguments.book + ": " + failure.what()));
   }

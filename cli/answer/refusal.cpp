@@ -16,13 +16,12 @@ std::string place_of(const host::Range& cell) {
   return place + "!" + cell.Address(false, false);
 }
 
-std::string no_formula(const std::string& item, const Ref<Object>& start) {
+/// A cell and what it holds instead of a formula.
+std::string unfed(const std::string& item, const Ref<Object>& start) {
   const auto cell = ref_cast<host::Range>(start);
-  if (!cell) return item + " holds no formula, so nothing feeds it. Start from one that does";
-  const bool empty = cell->value().is_empty();
-  return fmt::format(
-      "{} {}, so nothing feeds it. Start from a cell with a formula", place_of(*cell),
-      empty ? "is empty" : "holds the constant " + one_line(cell->Text()) + ", no formula");
+  if (!cell) return item;
+  return place_of(*cell) +
+         (cell->value().is_empty() ? " is empty" : " holds the constant " + one_line(cell->Text()));
 }
 
 Ref<host::Range> circle_in(const host::Workbook& book) {
@@ -31,14 +30,9 @@ Ref<host::Range> circle_in(const host::Workbook& book) {
   return nullptr;
 }
 
-std::string circular(const host::Workbook& book) {
+std::string circle(const host::Workbook& book) {
   const auto cell = circle_in(book);
-  const std::string where =
-      cell ? fmt::format("sheet {} has a circular reference: {} depends on itself",
-                         cell->Worksheet()->Name(), place_of(*cell))
-           : "the book has a circular reference";
-  return book.Name() + ": " + where +
-         ". Break the circle, or look at it level by level with 'qto tree … --depth N'";
+  return cell ? book.Name() + ", where " + place_of(*cell) + " depends on itself" : book.Name();
 }
 
 }  // namespace
@@ -49,21 +43,16 @@ std::string error_number_text(std::int32_t number) {
 
 std::string refusal_text(std::int32_t number, const Ref<host::Workbook>& book,
                          const std::string& item, const Ref<Object>& start) {
+  const AutomationError error(number);
+  const std::string told = error.what();
   switch (static_cast<ErrorNumber>(number)) {
-    case ErrorNumber::wrong_object:
-      return item + " is nothing that can be followed. Start from one cell, or from a chart's " +
-             "series";
     case ErrorNumber::no_formula:
-      return no_formula(item, start);
+      return unfed(item, start) + ": " + told;
     case ErrorNumber::circular_reference:
-      return circular(*book);
-    case ErrorNumber::out_of_range:
-      return "a number is outside its range";
-    case ErrorNumber::unknown_token:
-      return "a formula below " + item + " could not be read. 'qto tree … --depth N' shows how " +
-             "far it can be followed";
+      return circle(*book) + ": " + told;
+    default:
+      return item + ": " + told;
   }
-  return fmt::format("{} was refused with the number {}", item, error_number_text(number));
 }
 
 }  // namespace qto::cli

@@ -74,7 +74,7 @@ TEST(CircularBook, is_cut_where_the_circle_closes_or_refused_with_a_cell_and_a_w
     EXPECT_EQ(refused.status, 2);
     EXPECT_THAT(refused.err, HasSubstr("circular reference"));
     EXPECT_THAT(refused.err, testing::ContainsRegex("Sheet1![AB]1 depends on itself"));
-    EXPECT_THAT(refused.err, HasSubstr("--depth N"));
+    EXPECT_THAT(refused.err, HasSubstr("limited depth"));
   }
   const Outcome number = run_qto({"inputs", file.path(), "A1", "--json", "--reading", "written"});
   EXPECT_THAT(number.out, HasSubstr("\"80040003\""));

@@ -109,7 +109,7 @@ TEST(Command, refuses_what_is_no_start) {
       {{"tree", "PLAN", "Ratings"}, 1, {}, {"Scenarios!$A$7:$B$11 holds no formula"}},
       {{"tree", "PLAN", "WidgetPrice"}, 1, {}, {"relative name"}},
       {{"part", "PLAN", "A:XFD"}, 1, {}, {"17,179,869,184 cells; at most"}},
-      {{"tree", "PLAN", "Assumptions!B3"}, 2, {}, {"holds the constant 2, no formula"}},
+      {{"tree", "PLAN", "Assumptions!B3"}, 2, {}, {"holds the constant 2: There is no formula"}},
       {{"errors", "PLAN", "Assumptions!Z9"}, 2, {}, {"Assumptions!Z9 is empty"}},
       {{"inputs", "PLAN", "TaxRate"}, 2, {}, {"Assumptions!B7 holds the constant 25.0%"}},
   });
@@ -160,7 +160,7 @@ TEST(Command, answers_about_the_other_starts_where_one_is_refused) {
   const Outcome some = run_qto({"inputs", plan(), "Assumptions!B3", "Summary!C7"});
   EXPECT_EQ(some.status, 3);
   EXPECT_THAT(some.out, HasSubstr("Inputs of Summary!C7"));
-  EXPECT_THAT(some.err, HasSubstr("holds the constant 2, no formula"));
+  EXPECT_THAT(some.err, HasSubstr("holds the constant 2: There is no formula"));
   EXPECT_EQ(run_qto({"inputs", plan(), "Assumptions!B3", "Assumptions!B7"}).status, 2);
 }
 
