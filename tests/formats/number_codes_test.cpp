@@ -157,6 +157,14 @@ TEST(NumberCodes, Fractions) {
                 {"# ?/2\" in\"", 1.5, "1 1/2 in"}});
 }
 
+TEST(NumberCodes, FractionsBeyondTheLargestNumberAreNotShowable) {
+  const NumberFormat steep = NumberFormat::parse("# ?/?" + std::string(200, '%'));
+  EXPECT_EQ(steep.try_format(0, false), std::nullopt);
+  EXPECT_EQ(steep.try_format(1, false), std::nullopt);
+  EXPECT_EQ(NumberFormat::parse("# ?/?%%%%%").try_format(1e300, false), std::nullopt);
+  EXPECT_EQ(NumberFormat::parse("?/99999").try_format(1e306, false), std::nullopt);
+}
+
 TEST(NumberCodes, Sections) {
   expect_shown({{"0;(0)", 5, "5"},
                 {"0;(0)", -5, "(5)"},

@@ -63,7 +63,7 @@ bool render(const Section& section, double value, bool date1904, std::string& ou
   if (section.kind == SectionKind::number) {
     render_number(section, magnitude, out);
   } else if (section.kind == SectionKind::fraction) {
-    render_fraction(section, magnitude, out);
+    return render_fraction(section, magnitude, out);
   } else {
     std::string general;
     append_general(magnitude, kGeneralWidth, general);

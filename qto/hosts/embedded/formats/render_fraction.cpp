@@ -135,8 +135,9 @@ class FractionRenderer {
 
 }  // namespace
 
-void render_fraction(const Section& section, double magnitude, std::string& out) {
+bool render_fraction(const Section& section, double magnitude, std::string& out) {
   const double value = magnitude * std::pow(10.0, section.power);
+  if (!std::isfinite(value)) return false;
   double whole = std::floor(value);
   const Ratio ratio = fraction_of(section, value - whole);
   auto numerator = static_cast<double>(ratio.numerator);
@@ -147,7 +148,9 @@ void render_fraction(const Section& section, double magnitude, std::string& out)
     whole += 1;
     numerator = 0;
   }
+  if (!std::isfinite(whole) || !std::isfinite(numerator)) return false;
   FractionRenderer(section, whole, numerator, denominator, out).run();
+  return true;
 }
 
 }  // namespace qto::embedded::formats

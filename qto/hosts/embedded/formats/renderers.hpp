@@ -10,8 +10,9 @@ namespace qto::embedded::formats {
 /// Appends a number of a SectionKind::number section without its sign; `magnitude` >= 0.
 void render_number(const Section& section, double magnitude, std::string& out);
 
-/// Appends a number of a SectionKind::fraction section without its sign; `magnitude` >= 0.
-void render_fraction(const Section& section, double magnitude, std::string& out);
+/// The same of a SectionKind::fraction section. False, appending nothing, when the percent signs of
+/// the section or its denominator take the number beyond the largest.
+bool render_fraction(const Section& section, double magnitude, std::string& out);
 
 /// Appends a date or time of a SectionKind::date section. False, appending nothing,
 /// when the serial has no date in the system.
