@@ -5,7 +5,7 @@ QTO := build/release/bin/qto
 SOURCE_DIRS := $(wildcard qto cli examples tests benchmarks)
 SOURCES = $(shell find $(SOURCE_DIRS) -name '*.hpp' -o -name '*.cpp')
 
-.PHONY: help demo build test benchmarks headers sanitize tsan windows tidy bench format check packages dev-packages clean
+.PHONY: help demo build test benchmarks headers sanitize tsan windows fuzz tidy bench format check packages dev-packages clean
 .DEFAULT_GOAL := help
 
 help: ## list the targets
@@ -45,6 +45,13 @@ tsan: packages ## the tests of threads under ThreadSanitizer
 windows: ## the same libraries and command for Windows, tests under Wine; left out where that cannot be
 	tools/windows/check.sh x64
 	tools/windows/check.sh x86
+
+FUZZ_SECONDS ?= 10
+fuzz: ## each fuzzer for FUZZ_SECONDS (10) from its seeds; what fails is kept in build/fuzz/findings
+	tools/install_packages.sh --fuzz
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	python3 tools/run_fuzzers.py --seconds $(FUZZ_SECONDS)
 
 tidy: dev-packages ## every source compiles alone, clang-tidy looks at those of the product
 	cmake --preset dev

@@ -1,8 +1,8 @@
 #!/bin/bash
 # Installs the Debian 12 packages that building and testing need and that are missing.
-# --dev adds the tools of `make check`, `make format` and `make tidy`, --windows the compilers for
-# Windows and Wine, --office LibreOffice Calc and its headers, for the host over it. Asks for no input
-# and calls apt only when something is missing.
+# --dev adds the tools of `make check`, `make format` and `make tidy`, --fuzz clang with libFuzzer,
+# --windows the compilers for Windows and Wine, --office LibreOffice Calc and its headers, for the host
+# over it. Asks for no input and calls apt only when something is missing.
 set -euo pipefail
 
 packages=(
@@ -17,12 +17,13 @@ packages=(
 for argument in "$@"; do
   case "$argument" in
     --dev) packages+=(clang clang-format clang-tidy) ;;
+    --fuzz) packages+=(clang libclang-rt-14-dev) ;;
     --office) packages+=(libreoffice-calc libreoffice-dev) ;;
     --windows)
       packages+=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools
         libz-mingw-w64-dev googletest dpkg-dev patch xz-utils wine wine64 debootstrap)
       ;;
-    *) echo "usage: $0 [--dev] [--windows] [--office]" >&2; exit 1 ;;
+    *) echo "usage: $0 [--dev] [--fuzz] [--windows] [--office]" >&2; exit 1 ;;
   esac
 done
 
