@@ -58,8 +58,10 @@ class Log {
     file_.reset(text::open_file(file_name_, "w"));
     if (!file_) fail(std::strerror(errno));
     const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
     char moment[32] = "";
-    std::strftime(moment, sizeof moment, "%Y-%m-%d %H:%M:%S", std::localtime(&now));
+    std::strftime(moment, sizeof moment, "%Y-%m-%d %H:%M:%S", &local);
     std::fprintf(file_.get(), "%s%s\n%s%s\n\n", first_words.data(), title_.c_str(),
                  second_line.data(), moment);
   }
